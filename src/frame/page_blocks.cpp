@@ -1,0 +1,48 @@
+#include "frame/page_blocks.h"
+
+#include "platform/ado/connection.h"
+#include "platform/ado/recordset.h"
+
+namespace ostrakan {
+
+void PageHeaderGuard(const Variant& adminSession) {
+  Response& response = CurrentResponse();
+  response.SetExpiresAbsolute(Now() - 1);
+  response.SetExpires(0);
+  response.CacheControl = u"no-cache";
+  response.AddHeader(u"Pragma", u"No-Cache");
+  if (Equals(CurrentSession().Get(TextOf(adminSession)), Variant(u"")))
+    WriteAndEnd(
+        u"<Script>window.alert('您目前还没有登录或登录超时！');window.parent.location.replace("
+        u"'index.asp');</Script>");
+}
+
+void OpenConnection(const Component& page, std::u16string_view method, const Variant& db,
+                    Variant& connstr, Variant& conn) {
+  Server& server = CurrentServer();
+  std::u16string path = server.MapPath(u"../" + TextOf(db));
+  connstr = u"DBQ=" + path + u";DefaultDir=;DRIVER={Microsoft Access Driver (*.mdb)};";
+  conn = server.CreateObject(u"ADODB.CONNECTION");
+  auto connection = conn.As<ado::Connection>();
+  if (!connection) throw ObjectRequired();
+  try {
+    connection->Open(connstr.str());
+  } catch (const ScriptError& e) {
+    page.LogError(method, e.description);
+    conn = Variant::Nothing();
+    WriteAndEnd(u"数据库连接出错，请检查Setup.asp文件中的数据库参数设置。");
+  }
+}
+
+void CloseAndRelease(Variant& object) {
+  if (auto rs = object.As<ado::Recordset>()) rs->Close();
+  if (auto c = object.As<ado::Connection>()) c->Close();
+  object = Variant::Nothing();
+}
+
+void WriteAndEnd(std::u16string_view text) {
+  CurrentResponse().Write(Variant(text));
+  EndResponse();
+}
+
+}  // namespace ostrakan

@@ -1,0 +1,16 @@
+#include "frame/request.h"
+
+namespace ostrakan {
+
+Variant Request::ServerVariables(std::u16string_view name) const {
+  Variant v = serverVariables.Get(name);
+  return v.IsEmpty() ? Variant(u"") : v;
+}
+
+Variant Request::Item(std::u16string_view name) const {
+  for (const KeyedValues* c : {&queryString, &form, &cookies, &serverVariables})
+    if (c->Has(name)) return c->Get(name);
+  return {};
+}
+
+}  // namespace ostrakan

@@ -1,0 +1,94 @@
+#include "frame/response.h"
+
+#include <cmath>
+#include <ctime>
+
+#include "platform/text/codepage.h"
+
+namespace ostrakan {
+
+namespace {
+
+std::string HttpDate(time_t t) {
+  struct tm g;
+  gmtime_r(&t, &g);
+  char buf[64];
+  strftime(buf, sizeof buf, "%a, %d %b %Y %H:%M:%S GMT", &g);
+  return buf;
+}
+
+// A local OLE date as seconds since the epoch.
+time_t FromOleLocal(double ole) {
+  double days = std::floor(ole);
+  double secs = std::round((ole - days) * 86400.0);
+  struct tm lt = {};
+  lt.tm_year = 1899 - 1900;
+  lt.tm_mon = 11;
+  lt.tm_mday = 30 + static_cast<int>(days);
+  lt.tm_sec = static_cast<int>(secs);
+  lt.tm_isdst = -1;
+  return mktime(&lt);
+}
+
+}  // namespace
+
+void Response::Write(const Variant& v) {
+  if (ended_) return;
+  body_ += text::Encode(TextOf(v), codePage_);
+}
+
+void Response::BinaryWrite(const Bytes& bytes) {
+  if (ended_) return;
+  body_.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+}
+
+void Response::BinaryWrite(std::string_view bytes) {
+  if (ended_) return;
+  body_.append(bytes);
+}
+
+void Response::AddHeader(std::u16string_view name, std::u16string_view value) {
+  extra_.emplace_back(ToUtf8(name), ToUtf8(value));
+}
+
+void Response::Redirect(std::u16string_view url) {
+  Status = u"302 Object moved";
+  AddHeader(u"Location", url);
+  End();
+}
+
+std::u16string Response::Text() const {
+  return text::Decode(body_, codePage_);
+}
+
+void Response::SetExpires(int minutes) {
+  Expires = minutes;
+  expiresAt_ = static_cast<double>(time(nullptr) + static_cast<time_t>(minutes) * 60);
+}
+
+void Response::SetExpiresAbsolute(double oleDate) {
+  expiresAt_ = static_cast<double>(FromOleLocal(oleDate));
+}
+
+int Response::StatusCode() const {
+  int code = 0;
+  for (char16_t c : Status) {
+    if (c < u'0' || c > u'9') break;
+    code = code * 10 + (c - u'0');
+  }
+  return code >= 100 && code <= 599 ? code : 200;
+}
+
+std::vector<std::pair<std::string, std::string>> Response::Headers() const {
+  std::vector<std::pair<std::string, std::string>> out;
+  std::string type = ToUtf8(ContentType);
+  if (ContentType.starts_with(u"text/") && ContentType.find(u"charset") == std::u16string::npos)
+    type += "; charset=" + ToUtf8(text::CharsetNameOf(codePage_));
+  out.emplace_back("Content-Type", type);
+  out.emplace_back("Cache-Control", CacheControl.empty() ? "private" : ToUtf8(CacheControl));
+  if (expiresAt_) out.emplace_back("Expires", HttpDate(static_cast<time_t>(*expiresAt_)));
+  out.insert(out.end(), extra_.begin(), extra_.end());
+  return out;
+}
+
+}  // namespace ostrakan
