@@ -1,0 +1,100 @@
+-- The site database: the seven tables of the administration pages and the front end.
+-- Text compares without regard to letter case, as the pages expect of their database;
+-- dates are stored as local time in the text form 'yyyy-mm-dd hh:mm:ss'.
+PRAGMA journal_mode = WAL;
+
+-- Administrator accounts; password holds the MD5 digest (32 lower-case hex characters).
+CREATE TABLE admin (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  username TEXT COLLATE NOCASE,
+  password TEXT COLLATE NOCASE,
+  login_ip TEXT COLLATE NOCASE,
+  login_time DATETIME
+);
+CREATE INDEX admin_username ON admin (username);
+
+-- Categories: sort_id 0 marks the first level; second-level rows name their parent and the
+-- letter group (alphabetical.id) they are listed under.
+CREATE TABLE sort (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  sort TEXT COLLATE NOCASE,
+  sort_id INTEGER DEFAULT 0,
+  alphabetical_id INTEGER DEFAULT 0
+);
+CREATE INDEX sort_parent_letter ON sort (sort_id, alphabetical_id, sort);
+
+-- The letter groups of second-level categories.
+CREATE TABLE alphabetical (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  alphabetical TEXT COLLATE NOCASE
+);
+INSERT INTO alphabetical (alphabetical) VALUES
+  ('A'), ('B'), ('C'), ('D'), ('E'), ('F'), ('G'), ('H'), ('I'), ('J'), ('K'), ('L'), ('M'),
+  ('N'), ('O'), ('P'), ('Q'), ('R'), ('S'), ('T'), ('U'), ('V'), ('W'), ('X'), ('Y'), ('Z');
+
+-- What visitors searched for, and how often.
+CREATE TABLE keyword (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  keyword TEXT COLLATE NOCASE,
+  hot INTEGER DEFAULT 0
+);
+CREATE INDEX keyword_keyword ON keyword (keyword);
+CREATE INDEX keyword_hot ON keyword (hot);
+
+-- Video records. url and source_url are stored without "http://".
+CREATE TABLE db (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  title TEXT COLLATE NOCASE,
+  content TEXT COLLATE NOCASE,
+  url TEXT COLLATE NOCASE,
+  image TEXT COLLATE NOCASE DEFAULT NULL,
+  source TEXT COLLATE NOCASE,
+  source_url TEXT COLLATE NOCASE,
+  click INTEGER DEFAULT 0,
+  time DATETIME DEFAULT (datetime('now', 'localtime'))
+);
+CREATE INDEX db_url ON db (url);
+-- Also serves the prefix match "source_url like 'site%'" (LIKE ignores case, as NOCASE does).
+CREATE INDEX db_source_url ON db (source_url);
+CREATE INDEX db_title ON db (title);
+CREATE INDEX db_click_time ON db (click, time);
+
+-- List-site gathering rules: every field but id is text.
+CREATE TABLE gather_list_web (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  web TEXT COLLATE NOCASE,
+  url TEXT COLLATE NOCASE,
+  gather_url TEXT COLLATE NOCASE,
+  next_page TEXT COLLATE NOCASE,
+  charset TEXT COLLATE NOCASE,
+  error_html TEXT COLLATE NOCASE,
+  cyc_border TEXT COLLATE NOCASE,
+  cyc_border_sn TEXT COLLATE NOCASE,
+  image_start TEXT COLLATE NOCASE,
+  image_end TEXT COLLATE NOCASE,
+  url_start TEXT COLLATE NOCASE,
+  url_end TEXT COLLATE NOCASE,
+  url_filtration TEXT COLLATE NOCASE,
+  v_url TEXT COLLATE NOCASE,
+  title_start TEXT COLLATE NOCASE,
+  title_end TEXT COLLATE NOCASE,
+  title_filtration TEXT COLLATE NOCASE,
+  content_start TEXT COLLATE NOCASE,
+  content_end TEXT COLLATE NOCASE,
+  content_filtration TEXT COLLATE NOCASE
+);
+
+-- ID-site gathering rules; range holds "first - last" of the last completed run.
+CREATE TABLE gather_id_web (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  web TEXT COLLATE NOCASE,
+  url TEXT COLLATE NOCASE,
+  gather_url TEXT COLLATE NOCASE,
+  charset TEXT COLLATE NOCASE,
+  error_html TEXT COLLATE NOCASE,
+  title_start TEXT COLLATE NOCASE,
+  title_end TEXT COLLATE NOCASE,
+  content_start TEXT COLLATE NOCASE,
+  content_end TEXT COLLATE NOCASE,
+  "range" TEXT COLLATE NOCASE
+);

@@ -1,0 +1,362 @@
+#include "platform/ado/recordset.h"
+
+#include "platform/ado/connection.h"
+#include "platform/ado/sqlite_call.h"
+#include "platform/ado/statement_text.h"
+
+namespace ostrakan::ado {
+namespace {
+
+ScriptError NoCurrentRecord() {
+  return {3021,
+          u"Either BOF or EOF is True, or the current record has been deleted. Requested "
+          u"operation requires a current record."};
+}
+
+ScriptError ItemNotFound() {
+  return {3265,
+          u"Item cannot be found in the collection corresponding to the requested name or "
+          u"ordinal."};
+}
+
+// Quotes a table or column name for SQLite.
+std::u16string QuoteName(std::u16string_view name) {
+  std::u16string out = u"\"";
+  for (char16_t c : name) {
+    if (c == u'"') out += u'"';
+    out += c;
+  }
+  return out + u"\"";
+}
+
+constexpr const char16_t* kHiddenKey = u"ostrakan_rowid";
+
+}  // namespace
+
+Recordset::~Recordset() {
+  if (stmt_) sqlite3_finalize(stmt_);
+}
+
+void Recordset::RequireOpen() const {
+  if (!stmt_ && !adding_) {
+    throw ScriptError(3704, u"Operation is not allowed when the object is closed.");
+  }
+}
+
+void Recordset::RequireUpdatable() const {
+  RequireOpen();
+  if (lockType_ <= 1 || table_.empty()) {
+    throw ScriptError(3251,
+                      u"Current Recordset does not support updating. This may be a limitation "
+                      u"of the provider, or of the selected locktype.");
+  }
+}
+
+void Recordset::Open(std::u16string_view sql, const Variant& activeConnection, int /*cursorType*/,
+                     int lockType) {
+  if (stmt_ || adding_) {
+    throw ScriptError(3705, u"Operation is not allowed when the object is open.");
+  }
+  conn_ = activeConnection.As<Connection>();
+  if (!conn_ && activeConnection.IsString()) {
+    conn_ = std::make_shared<Connection>();
+    conn_->Open(activeConnection.str());
+  }
+  if (!conn_) {
+    throw ScriptError(3001,
+                      u"Arguments are of the wrong type, are out of acceptable range, or are in "
+                      u"conflict with one another.");
+  }
+  lockType_ = lockType;
+  sql_ = AdaptStatement(sql);
+  table_ = TableOfQuery(sql_);
+  Prepare();
+  if (!stmt_) return;  // a statement without rows ran; the set stays closed
+  Execute();
+  Advance();
+}
+
+void Recordset::Prepare() {
+  sqlite3* db = conn_->handle();
+  StatementPtr stmt = PrepareOne(db, sql_);
+  const int count = sqlite3_column_count(stmt.get());
+  if (count == 0) {
+    RunWrite(db, stmt.get());
+    return;
+  }
+  names_.clear();
+  isDate_.clear();
+  keyColumn_ = -1;
+  hiddenKey_ = false;
+  for (int i = 0; i < count; ++i) {
+    const auto* name = static_cast<const char16_t*>(sqlite3_column_name16(stmt.get(), i));
+    names_.emplace_back(name ? name : u"");
+    isDate_.push_back(IsDateType(sqlite3_column_decltype(stmt.get(), i)));
+    if (keyColumn_ < 0 && IEquals(names_.back(), u"id")) keyColumn_ = i;
+  }
+  // An updatable set needs a key for UPDATE ... WHERE; without `id` it reads the rowid too.
+  const size_t from = TopLevelFrom(sql_);
+  if (lockType_ > 1 && keyColumn_ < 0 && from != std::u16string::npos) {
+    std::u16string keyed = sql_;
+    keyed.insert(from, u", rowid AS " + std::u16string(kHiddenKey) + u" ");
+    try {
+      stmt = PrepareOne(db, keyed);
+      sql_ = std::move(keyed);
+      keyColumn_ = count;
+      hiddenKey_ = true;
+    } catch (const ScriptError&) {
+      // A query that cannot carry a rowid (grouped, joined ...) stays unkeyed.
+    }
+  }
+  stmt_ = stmt.release();
+}
+
+void Recordset::Execute() {
+  sqlite3_reset(stmt_);
+  hasRow_ = false;
+  pending_ = true;
+  position_ = -1;
+  StepStatement();
+  bof_ = true;
+  eof_ = !pending_;
+}
+
+void Recordset::StepStatement() {
+  const int rc = sqlite3_step(stmt_);
+  if (rc == SQLITE_ROW) {
+    pending_ = true;
+    return;
+  }
+  pending_ = false;
+  if (rc == SQLITE_DONE) {
+    sqlite3_reset(stmt_);  // ends the read at once; the statement can run again
+    return;
+  }
+  ScriptError error = SqliteError(sqlite3_db_handle(stmt_));
+  sqlite3_reset(stmt_);
+  throw error;
+}
+
+void Recordset::LoadRow() {
+  row_.resize(names_.size());
+  for (size_t i = 0; i < names_.size(); ++i) {
+    row_[i] = ColumnVariant(stmt_, static_cast<int>(i), isDate_[i]);
+  }
+  keyValid_ = keyColumn_ >= 0 && sqlite3_column_type(stmt_, keyColumn_) == SQLITE_INTEGER;
+  rowKey_ = keyValid_ ? sqlite3_column_int64(stmt_, keyColumn_) : 0;
+}
+
+void Recordset::Advance() {
+  ++position_;
+  if (!pending_) {
+    hasRow_ = false;
+    eof_ = true;
+    return;
+  }
+  LoadRow();
+  hasRow_ = true;
+  bof_ = false;
+  eof_ = false;
+  StepStatement();
+}
+
+void Recordset::Close() {
+  // Closing twice is harmless; pending changes are dropped, as a close without Update does.
+  if (stmt_) sqlite3_finalize(stmt_);
+  stmt_ = nullptr;
+  names_.clear();
+  isDate_.clear();
+  row_.clear();
+  edits_.clear();
+  adding_ = false;
+  hasRow_ = pending_ = false;
+  eof_ = bof_ = true;
+  position_ = -1;
+}
+
+bool Recordset::Eof() const {
+  RequireOpen();
+  return !adding_ && eof_;
+}
+
+bool Recordset::Bof() const {
+  RequireOpen();
+  return !adding_ && bof_;
+}
+
+void Recordset::SaveEdits() {
+  if (adding_ || !edits_.empty()) Update();
+}
+
+void Recordset::MoveNext() {
+  RequireOpen();
+  SaveEdits();
+  if (eof_) throw NoCurrentRecord();
+  Advance();
+}
+
+void Recordset::Move(long n) {
+  RequireOpen();
+  SaveEdits();
+  if (n == 0) return;
+  if (n > 0) {
+    if (eof_) throw NoCurrentRecord();
+    // Rows passed over are stepped, not read.
+    for (long i = 1; i < n && pending_; ++i) {
+      StepStatement();
+      ++position_;
+    }
+    Advance();
+    return;
+  }
+  if (bof_ && !hasRow_) throw NoCurrentRecord();
+  const long target = position_ + n;
+  Execute();
+  if (target < 0) return;  // before the first row: BOF
+  for (long i = 0; i < target && pending_; ++i) {
+    StepStatement();
+    ++position_;
+  }
+  Advance();
+}
+
+void Recordset::MoveFirst() {
+  RequireOpen();
+  SaveEdits();
+  Execute();
+  if (!pending_) throw NoCurrentRecord();
+  Advance();
+}
+
+int Recordset::IndexOf(std::u16string_view name) const {
+  for (size_t i = 0; i < names_.size(); ++i) {
+    if (IEquals(names_[i], name)) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+Variant Recordset::Field(std::u16string_view name) const {
+  RequireOpen();
+  const int index = IndexOf(name);
+  if (index < 0) throw ItemNotFound();
+  return FieldAt(index);
+}
+
+Variant Recordset::FieldAt(int ordinal) const {
+  RequireOpen();
+  if (ordinal < 0 || ordinal >= static_cast<int>(names_.size())) throw ItemNotFound();
+  for (const auto& [name, value] : edits_) {
+    if (IEquals(name, names_[ordinal])) return value;
+  }
+  if (adding_) return Variant::Null();
+  if (!hasRow_) throw NoCurrentRecord();
+  return row_[ordinal];
+}
+
+void Recordset::SetField(std::u16string_view name, Variant value) {
+  RequireUpdatable();
+  const int index = IndexOf(name);
+  if (index < 0) throw ItemNotFound();
+  if (!adding_ && !hasRow_) throw NoCurrentRecord();
+  for (auto& edit : edits_) {
+    if (IEquals(edit.first, names_[index])) {
+      edit.second = std::move(value);
+      return;
+    }
+  }
+  edits_.emplace_back(names_[index], std::move(value));
+}
+
+void Recordset::AddNew() {
+  RequireUpdatable();
+  SaveEdits();
+  adding_ = true;
+  edits_.clear();
+}
+
+void Recordset::Update() {
+  RequireUpdatable();
+  if (!adding_ && edits_.empty()) return;
+  if (!adding_ && !hasRow_) throw NoCurrentRecord();
+  if (!adding_ && !keyValid_) {
+    throw ScriptError(kProviderError,
+                      u"Insufficient key column information for updating or refreshing.");
+  }
+  const char16_t* keyColumn = hiddenKey_ ? u"rowid" : u"\"id\"";
+  std::u16string sql;
+  if (adding_) {
+    sql = u"INSERT INTO " + QuoteName(table_);
+    if (edits_.empty()) {
+      sql += u" DEFAULT VALUES";
+    } else {
+      std::u16string columns, marks;
+      for (const auto& edit : edits_) {
+        columns += (columns.empty() ? u"" : u", ") + QuoteName(edit.first);
+        marks += marks.empty() ? u"?" : u", ?";
+      }
+      sql += u" (" + columns + u") VALUES (" + marks + u")";
+    }
+  } else {
+    sql = u"UPDATE " + QuoteName(table_) + u" SET ";
+    for (size_t i = 0; i < edits_.size(); ++i) {
+      sql += (i ? u", " : u"") + QuoteName(edits_[i].first) + u" = ?";
+    }
+    sql += u" WHERE " + std::u16string(keyColumn) + u" = ?";
+  }
+  sqlite3* db = conn_->handle();
+  StatementPtr stmt = PrepareOne(db, sql);
+  int param = 1;
+  for (const auto& [name, value] : edits_) {
+    BindVariant(stmt.get(), param++, value, isDate_[IndexOf(name)]);
+  }
+  if (!adding_) sqlite3_bind_int64(stmt.get(), param, rowKey_);
+  RunWrite(db, stmt.get());
+  if (adding_) {
+    ReloadRow(u"rowid", sqlite3_last_insert_rowid(db));
+  } else {
+    ReloadRow(keyColumn, rowKey_);
+  }
+  adding_ = false;
+  edits_.clear();
+}
+
+void Recordset::ReloadRow(const char16_t* keyColumn, long long key) {
+  sqlite3* db = conn_->handle();
+  StatementPtr stmt =
+      PrepareOne(db, u"SELECT *, rowid AS " + std::u16string(kHiddenKey) + u" FROM " +
+                         QuoteName(table_) + u" WHERE " + keyColumn + u" = ?");
+  sqlite3_bind_int64(stmt.get(), 1, key);
+  const int rc = sqlite3_step(stmt.get());
+  if (rc == SQLITE_DONE) return;  // the row left the table (a trigger, another writer)
+  if (rc != SQLITE_ROW) throw SqliteError(db);
+  const int count = sqlite3_column_count(stmt.get());
+  std::vector<Variant> row(names_.size(), Variant::Null());
+  int keyIndex = hiddenKey_ ? count - 1 : -1;
+  for (int j = 0; j < count; ++j) {
+    const auto* name = static_cast<const char16_t*>(sqlite3_column_name16(stmt.get(), j));
+    if (!name) continue;
+    const int i = IndexOf(name);
+    if (i >= 0 && row[i].IsNull()) row[i] = ColumnVariant(stmt.get(), j, isDate_[i]);
+    if (keyIndex < 0 && IEquals(name, u"id")) keyIndex = j;
+  }
+  row_ = std::move(row);
+  keyValid_ = keyIndex >= 0 && sqlite3_column_type(stmt.get(), keyIndex) == SQLITE_INTEGER;
+  if (keyValid_) rowKey_ = sqlite3_column_int64(stmt.get(), keyIndex);
+  hasRow_ = true;
+  bof_ = eof_ = false;
+}
+
+long Recordset::RecordCount() {
+  RequireOpen();
+  sqlite3* db = conn_->handle();
+  StatementPtr stmt =
+      PrepareOne(db, u"SELECT count(*) FROM (" + std::u16string(TrimStatementEnd(sql_)) + u")");
+  if (sqlite3_step(stmt.get()) != SQLITE_ROW) throw SqliteError(db);
+  return static_cast<long>(sqlite3_column_int64(stmt.get(), 0));
+}
+
+std::vector<std::u16string> Recordset::FieldNames() const {
+  return names_;
+}
+
+}  // namespace ostrakan::ado

@@ -1,0 +1,49 @@
+// Shared steps of the connection and the record set on a raw SQLite handle: preparing exactly
+// one statement, running a write inside BEGIN IMMEDIATE, and turning SQLite errors into the
+// errors that the components see.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "frame/variant.h"
+
+namespace ostrakan::ado {
+
+// The number that the host's data access layer raises for a provider error (0x80004005).
+constexpr int32_t kProviderError = -2147467259;
+
+// The connection's last SQLite error as a ScriptError.
+ScriptError SqliteError(sqlite3* db);
+
+struct StatementFinalize {
+  void operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
+};
+using StatementPtr = std::unique_ptr<sqlite3_stmt, StatementFinalize>;
+
+// Prepares the one statement in sql; text after it (other than blanks and ';') is an error,
+// and so is a text without any statement.
+StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql);
+
+// Steps a statement that changes the database to its end. Outside an open transaction it runs
+// inside BEGIN IMMEDIATE ... COMMIT (the busy time-out applies to BEGIN), and a failure rolls
+// back. Returns the number of rows changed.
+long RunWrite(sqlite3* db, sqlite3_stmt* stmt);
+
+// Binds a Variant the way the record set stores it: Empty and Null as NULL, True as -1,
+// dates as ISO text ('yyyy-mm-dd hh:mm:ss'), byte arrays as blobs. asDate stores a text or
+// number that reads as a date in ISO form too (for DATETIME columns).
+void BindVariant(sqlite3_stmt* stmt, int index, const Variant& value, bool asDate);
+
+// Whether a declared column type holds dates (DATETIME, DATE, TIME ...).
+bool IsDateType(const char* declaredType);
+
+// The value of a column of the current row: integers as Long (Double beyond 32 bits), reals
+// as Double, text as String (as Date in a date column when it reads as a date), NULL as Null,
+// blobs as byte arrays.
+Variant ColumnVariant(sqlite3_stmt* stmt, int index, bool isDate);
+
+}  // namespace ostrakan::ado
