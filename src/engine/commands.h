@@ -1,0 +1,39 @@
+// The `ostrakan` command's two jobs: making a new site (init) and serving one (serve).
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+namespace ostrakan::engine {
+
+struct InitOptions {
+  std::filesystem::path dir;   // must not exist, or be empty
+  std::filesystem::path from;  // the site to copy (the repository's site/)
+  std::string admin = "admin";
+  std::optional<std::string> password;  // generated when absent
+};
+
+// Copies the site, creates the database named by DB from data/schema.sql and adds the first
+// administrator. Prints the password when it was generated. Returns the exit status.
+int RunInit(const InitOptions& options, std::ostream& out, std::ostream& err);
+
+// "" when the folder can be served; otherwise what is wrong with it, in words: a missing
+// folder or Setup.asp, a Setup.asp that cannot be read or lacks settings, a database file
+// that is missing or is not the site's database.
+std::string CheckSite(const std::filesystem::path& dir);
+
+struct ServeOptions {
+  std::filesystem::path site;
+  std::string listen = "127.0.0.1:8080";
+  int threads = 64;
+};
+
+// Checks the site, listens, and serves until SIGINT or SIGTERM. Returns the exit status.
+int RunServe(const ServeOptions& options, std::ostream& out, std::ostream& err);
+
+// A password of `length` letters and digits that survive the sign-in filter.
+std::string GeneratePassword(size_t length = 12);
+
+}  // namespace ostrakan::engine

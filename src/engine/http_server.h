@@ -1,0 +1,49 @@
+// The HTTP server: civetweb with one catch-all handler that hands every request to a
+// PageEngine, run on a WorkerPool thread. Bodies beyond the limit are refused with 413 before
+// the engine sees them.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "engine/page_engine.h"
+#include "engine/worker_pool.h"
+
+struct mg_context;
+struct mg_connection;
+
+namespace ostrakan::engine {
+
+struct ServerOptions {
+  std::filesystem::path siteRoot;
+  std::string listen = "127.0.0.1:8080";  // "127.0.0.1:0" picks a free port
+  int threads = 64;                       // pages may block on remote fetches for minutes
+  size_t maxBodyBytes = 8u << 20;
+  int requestTimeoutMs = 30000;  // reading a request, writing an answer
+  ComponentCreator createComponent = DefaultComponentCreator();
+  const ObjectFactory* factory = nullptr;  // nullptr: ObjectFactory::Default()
+};
+
+class HttpServer {
+ public:
+  // Starts listening; throws std::runtime_error when the site root or the address is unusable.
+  explicit HttpServer(ServerOptions options);
+  ~HttpServer();  // stops: waits for the requests under way
+  HttpServer(const HttpServer&) = delete;
+  HttpServer& operator=(const HttpServer&) = delete;
+
+  int port() const { return port_; }
+
+ private:
+  static int HandleRequest(mg_connection* conn, void* self);
+  int Handle(mg_connection* conn);
+
+  ServerOptions options_;
+  std::unique_ptr<PageEngine> engine_;
+  std::unique_ptr<WorkerPool> pages_;  // pages run here, on full-size stacks
+  mg_context* context_ = nullptr;
+  int port_ = 0;
+};
+
+}  // namespace ostrakan::engine

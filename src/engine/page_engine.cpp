@@ -1,0 +1,169 @@
+#include "engine/page_engine.h"
+
+#include <cstdio>
+
+#include "engine/path_safety.h"
+#include "engine/request_builder.h"
+#include "engine/static_files.h"
+#include "engine/url_decoding.h"
+#include "frame/error_log.h"
+#include "frame/request_context.h"
+#include "platform/object_factory.h"
+#include "platform/text/codepage.h"
+
+namespace ostrakan::engine {
+namespace {
+
+// The guard's test: a value that is neither empty, Null nor the empty text.
+bool IsSet(const Variant& v) {
+  if (v.IsEmpty() || v.IsNull()) return false;
+  return !v.IsString() || !v.str().empty();
+}
+
+bool MethodIs(const HttpRequest& r, std::initializer_list<std::string_view> methods) {
+  for (std::string_view m : methods)
+    if (r.method == m) return true;
+  return false;
+}
+
+HttpResponse MethodNotAllowed(const char* allowed) {
+  HttpResponse r = HttpResponse::Plain(405, "405 Method Not Allowed");
+  r.headers.emplace_back("Allow", allowed);
+  return r;
+}
+
+std::string SessionIdOf(const HttpRequest& request, SessionStore& store,
+                        std::shared_ptr<Session>& session) {
+  for (const auto& [name, value] : request.headers) {
+    if (name.size() != 6 || !IEquals(FromUtf8(name), u"cookie")) continue;
+    KeyedValues cookies;
+    AddCookies(value, text::kUtf8CodePage, cookies);
+    for (const std::u16string& id : cookies.All(FromUtf8(kSessionCookieName))) {
+      std::string candidate = ToUtf8(id);
+      if ((session = store.Find(candidate))) return candidate;
+    }
+  }
+  return "";
+}
+
+// Reports a failed page in the error log and on the standard error stream.
+void Report(const std::string& text) {
+  LogComponentError(FromUtf8(text));
+  std::fprintf(stderr, "ostrakan: %s\n", text.c_str());
+}
+
+}  // namespace
+
+PageEngine::PageEngine(const std::filesystem::path& siteRoot, ComponentCreator create,
+                       const ObjectFactory& factory)
+    : root_(std::filesystem::canonical(siteRoot)),
+      create_(std::move(create)),
+      factory_(factory),
+      setup_([](const std::string& bytes) { return SiteSetup::FromBytes(bytes); }),
+      pages_([](const std::string& bytes) {
+        return ParsePageFile(text::Decode(bytes, text::kAnsiCodePage));
+      }),
+      rules_([](const std::string& bytes) {
+        return ParseCaseArms(text::Decode(bytes, text::kAnsiCodePage));
+      }) {}
+
+HttpResponse PageEngine::Handle(const HttpRequest& request) {
+  ResolvedPath resolved = ResolveRequestPath(root_, request.path);
+  switch (resolved.kind) {
+    case ResolvedPath::Kind::Forbidden:
+      return HttpResponse::Plain(403, "403 Forbidden");
+    case ResolvedPath::Kind::NotFound:
+      return HttpResponse::Plain(404, "404 Not Found");
+    case ResolvedPath::Kind::AddSlash: {
+      HttpResponse r = HttpResponse::Plain(301, "301 Moved Permanently");
+      std::string location = resolved.virtualPath;
+      if (!request.queryString.empty()) location += "?" + request.queryString;
+      r.headers.emplace_back("Location", location);
+      return r;
+    }
+    case ResolvedPath::Kind::StaticFile:
+      if (!MethodIs(request, {"GET", "HEAD"})) return MethodNotAllowed("GET, HEAD");
+      return ServeStaticFile(resolved.file, request);
+    case ResolvedPath::Kind::Page:
+      if (!MethodIs(request, {"GET", "HEAD", "POST"})) return MethodNotAllowed("GET, HEAD, POST");
+      return RunPageFile(request, resolved.file, resolved.virtualPath);
+  }
+  return HttpResponse::Plain(500, "500 Internal Server Error");
+}
+
+std::vector<Variant> PageEngine::RuleFields(const PageFile& page, const std::filesystem::path& file,
+                                            const Request& request) {
+  if (page.rule.empty()) return {};
+  auto arms = rules_.Get(file.parent_path() / std::filesystem::path(page.rule));
+  if (!arms) return {};
+  const CaseArm* arm = FindCaseArm(*arms, TextOf(request.Item(u"id")));
+  std::vector<Variant> fields;
+  if (arm)
+    for (const Assignment& a : arm->values) fields.emplace_back(a.value);
+  return fields;
+}
+
+HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesystem::path& file,
+                                     const std::string& virtualPath) {
+  std::shared_ptr<const SiteSetup> setup;
+  std::shared_ptr<const PageFile> page;
+  try {
+    setup = setup_.Get(root_ / kSetupFileName);
+    if (!setup) return HttpResponse::Plain(500, "500 Internal Server Error\nSetup.asp is missing");
+    page = pages_.Get(file);
+    if (!page) return HttpResponse::Plain(404, "404 Not Found");
+  } catch (const SiteSetupError& e) {
+    return HttpResponse::Plain(500, std::string("500 Internal Server Error\n") + e.what());
+  } catch (const PageSyntaxError& e) {
+    std::string text = virtualPath + ", " + e.what();
+    Report(text);
+    return HttpResponse::Plain(500, "500 Internal Server Error\n" + text);
+  }
+
+  std::shared_ptr<Session> session;
+  std::string sessionId = SessionIdOf(http, sessions_, session);
+  bool newSession = !session;
+  if (newSession) std::tie(sessionId, session) = sessions_.Create();
+
+  RequestContext context;
+  context.application = application_;
+  context.session = session;
+  context.request = BuildRequest(http, virtualPath, session->CodePage);
+  context.response = std::make_shared<Response>(session->CodePage);
+  context.server = std::make_shared<Server>(root_, FromUtf8(virtualPath), factory_);
+
+  std::u16string adminItem = setup->AdminSessionName();
+  bool signedInBefore = !adminItem.empty() && IsSet(session->Get(adminItem));
+  HttpResponse out;
+  try {
+    std::vector<Variant> ruleFields = RuleFields(*page, file, *context.request);
+    ScopedObjectContext scope(context);
+    RunPage({*page, *setup, ruleFields, context, create_});
+    const Response& response = *context.response;
+    out.status = response.StatusCode();
+    out.headers = response.Headers();
+    out.body = response.body();
+  } catch (const AssignmentSyntaxError& e) {
+    std::string text = virtualPath + ", rule file " + ToUtf8(page->rule) + ", " + e.what();
+    Report(text);
+    out = HttpResponse::Plain(500, "500 Internal Server Error\n" + text);
+  } catch (const PageRunError& e) {
+    Report(virtualPath + ", line " + std::to_string(e.line) + ": " + e.what());
+    out = HttpResponse::Plain(500, "500 Internal Server Error\nThe page " + virtualPath +
+                                       " failed at line " + std::to_string(e.line) +
+                                       "; the error log has the details.");
+  }
+
+  // The session's fate, whether or not the page ran to its end.
+  if (session->abandoned()) {
+    sessions_.Drop(sessionId);
+  } else if (newSession) {
+    out.headers.emplace_back("Set-Cookie", SessionCookie(sessionId));
+  } else if (!signedInBefore && !adminItem.empty() && IsSet(session->Get(adminItem))) {
+    std::string moved = sessions_.Rotate(sessionId);
+    if (!moved.empty()) out.headers.emplace_back("Set-Cookie", SessionCookie(moved));
+  }
+  return out;
+}
+
+}  // namespace ostrakan::engine

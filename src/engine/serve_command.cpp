@@ -1,0 +1,105 @@
+#include <signal.h>
+#include <sqlite3.h>
+
+#include <ostream>
+
+#include "engine/commands.h"
+#include "engine/http_server.h"
+#include "engine/site_setup.h"
+#include "frame/error_log.h"
+
+namespace ostrakan::engine {
+namespace {
+
+namespace fs = std::filesystem;
+
+// "" when the file is an SQLite database with the admin table, else why not.
+std::string CheckDatabase(const fs::path& file) {
+  sqlite3* db = nullptr;
+  int rc = sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
+  std::string problem;
+  if (rc != SQLITE_OK) {
+    problem = db ? sqlite3_errmsg(db) : "out of memory";
+  } else if (sqlite3_exec(db, "select count(*) from admin", nullptr, nullptr, nullptr) !=
+             SQLITE_OK) {
+    problem = sqlite3_errmsg(db);
+  }
+  sqlite3_close(db);
+  return problem;
+}
+
+// The host part of the address as a browser would use it.
+std::string BaseUrl(const std::string& listen, int port) {
+  size_t colon = listen.rfind(':');
+  std::string host = colon == std::string::npos ? "127.0.0.1" : listen.substr(0, colon);
+  if (host.empty() || host == "0.0.0.0") host = "127.0.0.1";
+  return "http://" + host + ":" + std::to_string(port) + "/";
+}
+
+}  // namespace
+
+std::string CheckSite(const fs::path& dir) {
+  std::error_code ec;
+  if (!fs::is_directory(dir, ec)) return "the site folder " + dir.string() + " does not exist";
+  if (!fs::is_regular_file(dir / kSetupFileName, ec))
+    return dir.string() +
+           " has no Setup.asp, so it is not a site folder (make one with "
+           "\"ostrakan init DIR\")";
+  SiteSetup setup;
+  try {
+    setup = LoadSiteSetup(dir);
+  } catch (const SiteSetupError& e) {
+    return std::string("Setup.asp cannot be read: ") + e.what();
+  }
+  if (auto missing = setup.MissingSettings(); !missing.empty()) {
+    std::string names;
+    for (const auto& name : missing) names += (names.empty() ? "" : ", ") + ToUtf8(name);
+    return "Setup.asp does not set " + names;
+  }
+  fs::path db = setup.DatabasePath(dir);
+  if (!fs::is_regular_file(db, ec))
+    return "the database " + db.string() + " (DB in Setup.asp) does not exist";
+  if (std::string problem = CheckDatabase(db); !problem.empty())
+    return "the database " + db.string() + " is not usable: " + problem;
+  return "";
+}
+
+int RunServe(const ServeOptions& o, std::ostream& out, std::ostream& err) {
+  if (std::string problem = CheckSite(o.site); !problem.empty()) {
+    err << "ostrakan serve: " << problem << "\n";
+    return 1;
+  }
+  std::error_code ec;
+  fs::create_directories(o.site / "data", ec);
+  SetErrorLogPath(o.site / "data" / "PagebindLog.Log");
+
+  // The server's threads inherit the blocked signals, so only sigwait below receives them.
+  sigset_t stopSignals;
+  sigemptyset(&stopSignals);
+  sigaddset(&stopSignals, SIGINT);
+  sigaddset(&stopSignals, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+  signal(SIGPIPE, SIG_IGN);
+
+  ServerOptions options;
+  options.siteRoot = o.site;
+  options.listen = o.listen;
+  options.threads = o.threads;
+  std::unique_ptr<HttpServer> server;
+  try {
+    server = std::make_unique<HttpServer>(options);
+  } catch (const std::exception& e) {
+    err << "ostrakan serve: " << e.what() << "\n";
+    return 1;
+  }
+  std::string url = BaseUrl(o.listen, server->port());
+  out << "Serving " << fs::absolute(o.site).string() << " at " << url << " \xE2\x80\x94 sign in at "
+      << url << "admin/index.asp" << std::endl;
+  int received = 0;
+  sigwait(&stopSignals, &received);
+  out << "Stopping (" << (received == SIGINT ? "SIGINT" : "SIGTERM") << ")" << std::endl;
+  server.reset();
+  return 0;
+}
+
+}  // namespace ostrakan::engine

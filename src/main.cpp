@@ -1,0 +1,130 @@
+// The ostrakan command: make a site (init) or serve one (serve).
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "engine/commands.h"
+
+namespace {
+
+using namespace ostrakan::engine;
+
+constexpr char kHelp[] = R"(ostrakan - the administration back end of a video search site
+
+Usage:
+  ostrakan init DIR [--admin NAME] [--password PASSWORD] [--from SITE]
+      Make a new site in DIR (which must not exist or must be empty): a copy of SITE
+      (by default the site/ folder this program was built with), a fresh SQLite database
+      at the path that DB in Setup.asp names (from data/schema.sql), and a first
+      administrator NAME (default "admin"). Without --password a random 12-character
+      password is made and printed once. Names and passwords may not contain blanks or
+      any of # % ' " ( ) * + ; < > [ ], which the sign-in page removes.
+
+  ostrakan serve --site DIR [--listen HOST:PORT] [--threads N]
+      Serve the site in DIR over HTTP. Before listening it checks that DIR has a readable
+      Setup.asp and that the database it names exists and is the site's database; any
+      problem is reported and the exit status is 1. --listen defaults to 127.0.0.1:8080
+      (a bare PORT means 127.0.0.1:PORT; port 0 picks a free one); --threads (default 64)
+      is the number of requests served at once. Errors of the pages are logged in
+      DIR/data/PagebindLog.Log. SIGINT or SIGTERM stops the server.
+
+  ostrakan --help
+      This text.
+)";
+
+int Usage(const std::string& problem) {
+  std::cerr << "ostrakan: " << problem << "\n(see \"ostrakan --help\")\n";
+  return 2;
+}
+
+// Reads "--name value" pairs after the command; false with a message on anything else.
+bool ReadOptions(const std::vector<std::string>& args, size_t from,
+                 const std::vector<std::string>& known,
+                 std::vector<std::pair<std::string, std::string>>& out, std::string& problem) {
+  for (size_t i = from; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    bool isKnown = false;
+    for (const auto& k : known) isKnown = isKnown || a == k;
+    if (!isKnown) {
+      problem = "unknown argument \"" + a + "\"";
+      return false;
+    }
+    if (i + 1 >= args.size()) {
+      problem = a + " needs a value";
+      return false;
+    }
+    out.emplace_back(a, args[++i]);
+  }
+  return true;
+}
+
+std::filesystem::path DefaultSiteDir() {
+#ifdef OSTRAKAN_SITE_DIR
+  if (std::filesystem::is_directory(OSTRAKAN_SITE_DIR)) return OSTRAKAN_SITE_DIR;
+#endif
+  // Next to the executable's folder (an installed tree: bin/ostrakan and site/).
+  std::error_code ec;
+  auto exe = std::filesystem::read_symlink("/proc/self/exe", ec);
+  return exe.parent_path().parent_path() / "site";
+}
+
+int Init(const std::vector<std::string>& args) {
+  if (args.size() < 2 || args[1].starts_with("--")) return Usage("init needs a folder");
+  InitOptions o;
+  o.dir = args[1];
+  o.from = DefaultSiteDir();
+  std::vector<std::pair<std::string, std::string>> options;
+  std::string problem;
+  if (!ReadOptions(args, 2, {"--admin", "--password", "--from"}, options, problem))
+    return Usage(problem);
+  for (const auto& [name, value] : options) {
+    if (name == "--admin") o.admin = value;
+    if (name == "--password") o.password = value;
+    if (name == "--from") o.from = value;
+  }
+  return RunInit(o, std::cout, std::cerr);
+}
+
+int Serve(const std::vector<std::string>& args) {
+  ServeOptions o;
+  std::vector<std::pair<std::string, std::string>> options;
+  std::string problem;
+  if (!ReadOptions(args, 1, {"--site", "--listen", "--threads"}, options, problem))
+    return Usage(problem);
+  bool haveSite = false;
+  for (const auto& [name, value] : options) {
+    if (name == "--site") {
+      o.site = value;
+      haveSite = true;
+    } else if (name == "--listen") {
+      bool barePort = value.find(':') == std::string::npos;
+      o.listen = barePort ? "127.0.0.1:" + value : value;
+    } else if (name == "--threads") {
+      try {
+        o.threads = std::stoi(value);
+      } catch (const std::exception&) {
+        o.threads = 0;
+      }
+      if (o.threads < 1 || o.threads > 1024)
+        return Usage("--threads takes a number from 1 to 1024");
+    }
+  }
+  if (!haveSite) return Usage("serve needs --site DIR");
+  return RunServe(o, std::cout, std::cerr);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.empty()) return Usage("no command given");
+  const std::string& command = args[0];
+  if (command == "--help" || command == "-h" || command == "help") {
+    std::cout << kHelp;
+    return 0;
+  }
+  if (command == "init") return Init(args);
+  if (command == "serve") return Serve(args);
+  return Usage("unknown command \"" + command + "\"");
+}

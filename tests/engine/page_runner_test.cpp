@@ -1,0 +1,143 @@
+#include "engine/page_runner.h"
+
+#include <gtest/gtest.h>
+
+#include "frame/site_page.h"
+#include "platform/object_factory.h"
+
+namespace ostrakan::engine {
+namespace {
+
+// A page component that records what the page file did to it.
+class Recorder : public SitePage {
+ public:
+  static inline int alive = 0;
+  Variant id, Note, Extra;
+
+  Recorder() : SitePage(u"\\admin\\recorder") {
+    ++alive;
+    Property(u"id", id);
+    Property(u"Note", Note);
+    Property(u"Extra", Extra);
+    Block(u"Show", [this] { CurrentResponse().Write(u"[" + TextOf(id) + u"]"); });
+    Block(u"Stop", [] {
+      CurrentResponse().Write(u"stopped");
+      EndResponse();
+    });
+    Block(u"Crash", [] { throw std::runtime_error("boom"); });
+    Method(
+        u"Wide",
+        [](Args& args) {
+          CurrentResponse().Write(FromUtf8(std::to_string(args.size())));
+          return Variant();
+        },
+        3);
+  }
+  ~Recorder() override { --alive; }
+
+ protected:
+  void AssignExtra(Args& parameters, size_t from) override {
+    std::u16string joined;
+    for (size_t i = from; i < parameters.size(); ++i) joined += TextOf(parameters[i]) + u"|";
+    Extra = Variant(joined);
+  }
+};
+
+// A component without site settings whose InitFunction1 takes nothing (as the verify-code
+// image's component).
+class Bare : public Component {
+ public:
+  Bare() : Component(u"\\admin\\inc\\bare") {
+    Method(u"InitFunction1", [](Args& args) {
+      CurrentResponse().Write(u"args:" + FromUtf8(std::to_string(args.size())));
+      return Variant();
+    });
+  }
+};
+
+class PageRunnerTest : public ::testing::Test {
+ protected:
+  PageRunnerTest() {
+    context_.application = std::make_shared<Application>();
+    context_.session = std::make_shared<Session>();
+    context_.request = std::make_shared<Request>();
+    context_.response = std::make_shared<Response>();
+    context_.server =
+        std::make_shared<Server>("/nonexistent", u"/admin/recorder.asp", ObjectFactory::Default());
+    std::vector<Assignment> values;
+    int n = 0;
+    for (const auto& name : SitePage::SettingNames())
+      values.push_back({name, u"s" + FromUtf8(std::to_string(++n)), n});
+    setup_ = SiteSetup(values);
+  }
+
+  // Runs the page text; the response text, or "error at line N" for an escaped failure.
+  std::u16string Run(std::u16string_view text, std::vector<Variant> rule = {}) {
+    PageFile page = ParsePageFile(text);
+    context_.response = std::make_shared<Response>();
+    ScopedObjectContext scope(context_);
+    try {
+      RunPage({page, setup_, rule, context_, create_});
+    } catch (const PageRunError& e) {
+      EXPECT_EQ(Recorder::alive, 0);
+      return u"error at line " + FromUtf8(std::to_string(e.line)) + u": " + FromUtf8(e.what());
+    }
+    EXPECT_EQ(Recorder::alive, 0) << "the component outlived the page";
+    return context_.response->Text();
+  }
+
+  RequestContext context_;
+  SiteSetup setup_;
+  ComponentCreator create_ = [](std::u16string_view progId) -> std::shared_ptr<Component> {
+    if (IEquals(progId, u"Test.Bare")) return std::make_shared<Bare>();
+    if (!IEquals(progId, u"Test.Recorder")) return nullptr;
+    return std::make_shared<Recorder>();
+  };
+};
+
+TEST_F(PageRunnerTest, WritesTextSetsPropertiesAndCallsBlocksInOrder) {
+  context_.request->queryString.Add(u"id", u"42");
+  context_.request->form.Add(u"note", u"from the form");
+  std::u16string out =
+      Run(u"<%@ Component=\"Test.Recorder\" %><% InitFunction1 %>"
+          u"<p><%= WebSite_Title %>/<%= Admin_Session %></p>"
+          u"<% id = Request(\"id\") %><% Show %>"
+          u"<% Note = Request.Form(\"NOTE\") %><%= Note %>|<%= Setting(\"I\") %>|<%= Extra %>");
+  EXPECT_EQ(out, u"<p>s1/s8</p>[42]from the form|s11|");
+}
+
+TEST_F(PageRunnerTest, InitFunction1ReceivesTheRuleFieldsAfterTheSettings) {
+  std::u16string out = Run(u"<%@ Component=\"Test.Recorder\" %><% InitFunction1 %><%= Extra %>",
+                           {Variant(u"web"), Variant(u"http://x/")});
+  EXPECT_EQ(out, u"web|http://x/|");
+}
+
+TEST_F(PageRunnerTest, OtherMethodsGetEmptyArgumentsUpToTheirArity) {
+  EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %><% Wide %>"), u"3");
+  // An InitFunction1 that takes no settings is called without them.
+  EXPECT_EQ(
+      Run(u"<%@ Component=\"Test.Bare\" Rule=\"r.asp\" %><% InitFunction1 %>", {Variant(u"x")}),
+      u"args:0");
+}
+
+TEST_F(PageRunnerTest, EndingTheResponseEndsThePageNormally) {
+  std::u16string out = Run(u"<%@ Component=\"Test.Recorder\" %>before <% Stop %> after<% Show %>");
+  EXPECT_EQ(out, u"before stopped");
+}
+
+TEST_F(PageRunnerTest, AnEscapedErrorNamesTheLineAndReleasesTheComponent) {
+  std::u16string out = Run(u"<%@ Component=\"Test.Recorder\" %>\n\n<% Crash %>");
+  EXPECT_EQ(out, u"error at line 3: boom");
+  out = Run(u"<%@ Component=\"Test.Recorder\" %>\n<% NoSuchProperty = 1 %>");
+  EXPECT_EQ(out.substr(0, 27), u"error at line 2: error 438:");
+  out = Run(u"<%@ Component=\"Test.Unknown\" %>x");
+  EXPECT_EQ(out, u"error at line 1: no page component is registered as Test.Unknown");
+}
+
+TEST_F(PageRunnerTest, APlainPageNeedsNoComponent) {
+  context_.session->Set(u"user", Variant(u"ann"));
+  EXPECT_EQ(Run(u"<b><%= Session(\"USER\") %></b><%= Setting(\"Missing\") %>"), u"<b>ann</b>");
+}
+
+}  // namespace
+}  // namespace ostrakan::engine

@@ -1,0 +1,136 @@
+// The real engine on an ephemeral loopback port, serving a small temporary site whose pages use
+// a test component ("Test.Page") instead of the site's own components.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+
+#include "engine/http_server.h"
+#include "frame/error_log.h"
+#include "frame/site_page.h"
+#include "http/http_client.h"
+#include "platform/text/codepage.h"
+#include "support/page_harness.h"
+
+namespace ostrakan::testing {
+
+// Blocks a page file calls; errors follow the component convention (Guard) unless the block
+// is meant to escape.
+class TestPage : public SitePage {
+ public:
+  Variant Extra, Note;
+
+  TestPage() : SitePage(u"\\admin\\test_page") {
+    Property(u"Extra", Extra);
+    Property(u"Note", Note);
+    Block(u"Count", [this] {
+      Guard(u"Count", [] {
+        Session& s = CurrentSession();
+        int32_t n = s.Get(u"n").IsEmpty() ? 1 : CLng(s.Get(u"n")) + 1;
+        s.Set(u"n", Variant(n));
+        CurrentResponse().Write(u"n=" + CStr(Variant(n)));
+      });
+    });
+    Block(u"SignIn", [this] { CurrentSession().Set(TextOf(Admin_Session), Variant(u"admin")); });
+    Block(u"Abandon", [] { CurrentSession().Abandon(); });
+    Block(u"Stop", [] {
+      CurrentResponse().Write(u"stopped");
+      EndResponse();
+    });
+    Block(u"Redirect", [] {
+      CurrentResponse().Redirect(TextOf(CurrentRequest().Item(u"to")));
+      EndResponse();
+    });
+    Block(u"Header", [] { CurrentResponse().AddHeader(u"Content-Length", u"99999"); });
+    // Uses a megabyte of stack, as a regular expression over a long page can.
+    Block(u"DeepStack", [] {
+      volatile char buffer[1 << 20];
+      for (size_t i = 0; i < sizeof buffer; i += 4096) buffer[i] = 1;
+      CurrentResponse().Write(u"deep");
+    });
+    Block(u"Crash", [] { throw std::runtime_error("boom: escaped the component"); });
+    Block(u"GuardedCrash", [this] {
+      Guard(u"GuardedCrash", [] { throw std::runtime_error("kept inside the component"); });
+    });
+  }
+
+ protected:
+  void AssignExtra(Args& parameters, size_t from) override {
+    std::u16string joined;
+    for (size_t i = from; i < parameters.size(); ++i) joined += TextOf(parameters[i]) + u"|";
+    Extra = Variant(joined);
+  }
+};
+
+inline void WriteAnsi(const std::filesystem::path& file, std::u16string_view text) {
+  std::filesystem::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << text::Encode(text, 936);
+}
+
+class EngineTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    dir_ = new TempDir();
+    root_ = dir_->path() / "site";
+    WriteAnsi(root_ / "Setup.asp",
+              u"<%\r\nWebSite_Title=\"测试站\"\r\nDB=\"data/site.db\"\r\n"
+              u"Admin_Session=\"Test_Admin\"\r\n%>\r\n");
+    WriteAnsi(root_ / "index.asp", u"<title><%= Setting(\"WebSite_Title\") %></title>");
+    WriteAnsi(root_ / "echo.asp",
+              u"q=[<%= Request.QueryString(\"q\") %>] f=[<%= Request.Form(\"f\") %>] "
+              u"id=[<%= Request(\"id\") %>] m=[<%= Request.ServerVariables(\"REQUEST_METHOD\") %>] "
+              u"url=[<%= Request.ServerVariables(\"URL\") %>] "
+              u"ua=[<%= Request.ServerVariables(\"HTTP_USER_AGENT\") %>] "
+              u"x=[<%= Request.ServerVariables(\"HTTP_X_TEST\") %>]");
+    const char16_t* head = u"<%@ Component=\"Test.Page\" %><% InitFunction1 %>";
+    WriteAnsi(root_ / "admin/session.asp", head + std::u16string(u"<% Count %>"));
+    WriteAnsi(root_ / "admin/signin.asp", head + std::u16string(u"<% SignIn %>in"));
+    WriteAnsi(root_ / "admin/signout.asp", head + std::u16string(u"<% Abandon %>out"));
+    WriteAnsi(root_ / "admin/end.asp", head + std::u16string(u"before <% Stop %> after"));
+    WriteAnsi(root_ / "admin/redirect.asp", head + std::u16string(u"<% Redirect %>"));
+    WriteAnsi(root_ / "admin/header.asp", head + std::u16string(u"<% Header %>body"));
+    WriteAnsi(root_ / "admin/deep.asp", head + std::u16string(u"<% DeepStack %>"));
+    WriteAnsi(root_ / "admin/crash.asp", head + std::u16string(u"\n\n<% Crash %>"));
+    WriteAnsi(root_ / "admin/guarded.asp", head + std::u16string(u"a<% GuardedCrash %>b"));
+    WriteAnsi(root_ / "admin/broken.asp", u"<html>\n<% Dim x %>\n</html>");
+    WriteAnsi(root_ / "admin/rule.asp",
+              u"<%@ Component=\"Test.Page\" Rule=\"rules_list.asp\" %>"
+              u"<% InitFunction1 %><%= Extra %>");
+    WriteAnsi(root_ / "admin/rules_list.asp",
+              u"<%\r\nSelect Case id\r\nCase 1\r\nweb=\"一号站\"\r\nurl=\"http://one/\"\r\n"
+              u"Case 2\r\nweb=\"two\"\r\nEnd Select\r\n%>\r\n");
+    WriteAnsi(root_ / "admin/index.asp", u"admin index");
+    WriteAnsi(root_ / "admin/css/a.css", u"body{}");
+    WriteAnsi(root_ / "data/site.db", u"not served");
+    WriteAnsi(dir_->path() / "secret.txt", u"outside");
+    SetErrorLogPath(root_ / "data/PagebindLog.Log");
+
+    engine::ServerOptions options;
+    options.siteRoot = root_;
+    options.listen = "127.0.0.1:0";
+    options.threads = 8;
+    options.maxBodyBytes = 1 << 20;
+    options.createComponent = [](std::u16string_view progId) -> std::shared_ptr<Component> {
+      if (IEquals(progId, u"Test.Page")) return std::make_shared<TestPage>();
+      return nullptr;
+    };
+    server_ = new engine::HttpServer(options);
+  }
+
+  static void TearDownTestSuite() {
+    delete server_;
+    delete dir_;
+  }
+
+  HttpClient client() const { return HttpClient(server_->port()); }
+  static std::u16string Text(const HttpReply& r) { return text::Decode(r.body, 936); }
+  static std::string ErrorLog() { return ReadFile(root_ / "data/PagebindLog.Log"); }
+
+  static inline TempDir* dir_ = nullptr;
+  static inline std::filesystem::path root_;
+  static inline engine::HttpServer* server_ = nullptr;
+};
+
+}  // namespace ostrakan::testing

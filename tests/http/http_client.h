@@ -1,0 +1,110 @@
+// A small HTTP client on libcurl for talking to the engine over loopback.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ostrakan::testing {
+
+struct HttpReply {
+  long status = 0;
+  std::vector<std::pair<std::string, std::string>> headers;  // names lower-cased
+  std::string body;
+  std::string error;  // set when the transfer failed
+
+  std::string Header(std::string_view name) const {
+    for (const auto& [n, v] : headers)
+      if (n == name) return v;
+    return "";
+  }
+  std::vector<std::string> All(std::string_view name) const {
+    std::vector<std::string> out;
+    for (const auto& [n, v] : headers)
+      if (n == name) out.push_back(v);
+    return out;
+  }
+  // The value of the session cookie set by this reply, or "".
+  std::string SessionCookie() const {
+    for (const std::string& c : All("set-cookie"))
+      if (c.starts_with("OSTRAKANSESSION=")) return c.substr(16, c.find(';') - 16);
+    return "";
+  }
+};
+
+class HttpClient {
+ public:
+  explicit HttpClient(int port) : base_("http://127.0.0.1:" + std::to_string(port)) {}
+
+  // `path` is sent exactly as written (no "../" resolving).
+  HttpReply Send(const std::string& method, const std::string& path, const std::string& body = "",
+                 std::vector<std::string> headers = {}) const {
+    HttpReply reply;
+    CURL* curl = curl_easy_init();
+    std::string url = base_ + path;
+    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
+    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl, CURLOPT_TIMEOUT, 30L);
+    curl_easy_setopt(curl, CURLOPT_PROXY, "");
+    if (method == "HEAD") {
+      curl_easy_setopt(curl, CURLOPT_NOBODY, 1L);
+    } else if (method == "POST") {
+      curl_easy_setopt(curl, CURLOPT_POSTFIELDS, body.data());
+      curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    } else if (method != "GET") {
+      curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, method.c_str());
+    }
+    curl_slist* list = nullptr;
+    for (const std::string& h : headers) list = curl_slist_append(list, h.c_str());
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, list);
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &Collect);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &reply.body);
+    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &CollectHeader);
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, &reply.headers);
+    CURLcode rc = curl_easy_perform(curl);
+    if (rc != CURLE_OK) reply.error = curl_easy_strerror(rc);
+    curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &reply.status);
+    curl_slist_free_all(list);
+    curl_easy_cleanup(curl);
+    return reply;
+  }
+
+  HttpReply Get(const std::string& path, std::vector<std::string> headers = {}) const {
+    return Send("GET", path, "", std::move(headers));
+  }
+  HttpReply Post(const std::string& path, const std::string& form,
+                 std::vector<std::string> headers = {}) const {
+    headers.push_back("Content-Type: application/x-www-form-urlencoded");
+    return Send("POST", path, form, std::move(headers));
+  }
+
+ private:
+  static size_t Collect(char* data, size_t size, size_t n, void* out) {
+    static_cast<std::string*>(out)->append(data, size * n);
+    return size * n;
+  }
+  static size_t CollectHeader(char* data, size_t size, size_t n, void* out) {
+    std::string line(data, size * n);
+    size_t colon = line.find(':');
+    if (colon != std::string::npos) {
+      std::string name = line.substr(0, colon);
+      for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      std::string value = line.substr(colon + 1);
+      while (!value.empty() && (value.front() == ' ')) value.erase(0, 1);
+      while (!value.empty() && (value.back() == '\r' || value.back() == '\n')) value.pop_back();
+      auto* headers = static_cast<std::vector<std::pair<std::string, std::string>>*>(out);
+      headers->emplace_back(name, value);
+    } else if (line.starts_with("HTTP/")) {
+      // A new response (after 100 Continue or a redirect): forget the earlier headers.
+      static_cast<std::vector<std::pair<std::string, std::string>>*>(out)->clear();
+    }
+    return size * n;
+  }
+
+  std::string base_;
+};
+
+}  // namespace ostrakan::testing
