@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Class1" %><% InitFunction1 %>

@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Class2" %>

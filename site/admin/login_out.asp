@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Class59" %><% InitFunction1 %>

@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Class64" %><% Admin_Session = Setting("Admin_Session") %><% InitFunction1 %>

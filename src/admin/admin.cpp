@@ -1,0 +1,14 @@
+#include "admin/admin.h"
+
+namespace ostrakan::admin {
+
+Admin::Admin() : GuardedPage(u"\\admin\\admin") {
+  Block(u"InitFunction2", [this] { InitFunction2(); });
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+}
+
+void Admin::InitFunction3() {
+  Guard(u"InitFunction3", [&] { WriteSessionValue(TextOf(Admin_Session)); });
+}
+
+}  // namespace ostrakan::admin

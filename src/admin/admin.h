@@ -1,0 +1,15 @@
+// admin.asp (Ostrakan.Class40): the account page; writes the signed-in name into the form.
+#pragma once
+
+#include "admin/guarded_page.h"
+
+namespace ostrakan::admin {
+
+class Admin : public GuardedPage {
+ public:
+  Admin();
+  void InitFunction2() {}
+  void InitFunction3();
+};
+
+}  // namespace ostrakan::admin

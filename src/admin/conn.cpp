@@ -1,0 +1,29 @@
+#include "admin/conn.h"
+
+#include "frame/page_blocks.h"
+
+namespace ostrakan::admin {
+
+Conn::Conn() : Component(u"\\admin\\conn") {
+  Property(u"conn", conn);
+  Property(u"connstr", connstr);
+  Property(u"DB", DB);
+  Block(u"InitFunction1", [this] { InitFunction1(); });
+}
+
+void Conn::InitFunction1() {
+  Guard(u"InitFunction1", [&] { OpenConnection(*this, u"InitFunction1", DB, connstr, conn); });
+}
+
+Connstr::Connstr() : Component(u"\\admin\\connstr") {
+  Property(u"conn", conn);
+  Property(u"connstr", connstr);
+  Property(u"ODB", ODB);
+  Block(u"InitFunction1", [this] { InitFunction1(); });
+}
+
+void Connstr::InitFunction1() {
+  Guard(u"InitFunction1", [&] { OpenConnection(*this, u"InitFunction1", ODB, connstr, conn); });
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,18 @@
+// desktop.asp (Ostrakan.Class12): the start page; supplies the signed-in name and the
+// previous sign-in's address and time.
+#pragma once
+
+#include "admin/guarded_page.h"
+
+namespace ostrakan::admin {
+
+class Desktop : public GuardedPage {
+ public:
+  Desktop();
+  void InitFunction2() {}
+  void InitFunction3();
+  void InitFunction4();
+  void InitFunction5();
+};
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,77 @@
+#include "admin/login.h"
+
+#include "frame/page_blocks.h"
+#include "platform/ado/connection.h"
+#include "platform/ado/recordset.h"
+
+namespace ostrakan::admin {
+
+Login::Login() : WithMd5(u"\\admin\\login") {
+  for (auto [name, member] : {std::pair{u"conn", &conn},
+                              {u"connstr", &connstr},
+                              {u"rs", &rs},
+                              {u"username", &username},
+                              {u"password", &password},
+                              {u"verifyid", &verifyid},
+                              {u"id", &id}})
+    Property(name, *member);
+  Block(u"InitFunction2", [this] { InitFunction2(); });
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  UseFiltration(FilterKind::Strict);
+}
+
+void Login::FirstBlock() {
+  OpenConnection(*this, u"InitFunction1", DB, connstr, conn);
+}
+
+void Login::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    Request& request = CurrentRequest();
+    Session& session = CurrentSession();
+    username = request.Form(u"username");
+    filtration(username);
+    password = request.Form(u"password");
+    filtration(password);
+    verifyid = request.Form(u"verifyid");
+    filtration(verifyid);
+
+    auto refuse = [&](std::u16string_view script) {
+      CloseAndRelease(rs);
+      CloseAndRelease(conn);
+      WriteAndEnd(script);
+    };
+    if (Equals(username, Variant(u"")))
+      refuse(u"<Script>window.alert('管理帐号不能空！');history.go(-1);</Script>");
+    if (Equals(password, Variant(u"")))
+      refuse(u"<Script>window.alert('管理密码不能空！');history.go(-1);</Script>");
+    if (!IsNumeric(verifyid) || !Equals(verifyid, session.Get(u"verifyid")))
+      refuse(u"<Script>window.alert('验证码错误！" + TextOf(verifyid) +
+             u"');history.go(-1);</Script>");
+
+    auto records = CurrentServer().CreateObject(u"adodb.recordset").As<ado::Recordset>();
+    if (!records) throw ObjectRequired();
+    rs = records;
+    records->Open(u"select * from admin where username='" + TextOf(username) + u"'", conn, 1, 1);
+    if (records->Bof() && records->Eof())
+      refuse(u"<Script>window.alert('管理帐号错误！');javascript:history.back(1);</Script>");
+    if (!Equals(records->Field(u"password"), MD5(password)))
+      refuse(u"<Script>window.alert('管理密码错误！');javascript:history.back(1);</Script>");
+
+    id = records->Field(u"id");
+    session.Set(TextOf(Admin_Session), records->Field(u"username"));
+    session.Set(u"login_ip", records->Field(u"login_ip"));
+    session.Set(u"login_time", records->Field(u"login_time"));
+    CloseAndRelease(rs);
+
+    auto connection = conn.As<ado::Connection>();
+    if (!connection) throw ObjectRequired();
+    const std::u16string where = u" where id=" + CStr(id);
+    connection->Execute(u"update admin set login_ip='" +
+                        TextOf(request.ServerVariables(u"REMOTE_ADDR")) + u"'" + where);
+    connection->Execute(u"update admin set login_time=#" + GeneralDate(Now()) + u"#" + where);
+    CloseAndRelease(conn);
+    CurrentResponse().Write(u"<Script>location.replace('main.asp');</Script>");
+  });
+}
+
+}  // namespace ostrakan::admin
