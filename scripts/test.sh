@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Builds Ostrakan and runs every test: units, components, the engine over loopback and the
+# browser tests in headless Chromium.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/install-deps.sh --test
+(cd tests/browser && npm ci --no-audit --no-fund --loglevel=error)
+cmake -S . -B build/test -DCMAKE_BUILD_TYPE=Debug -DOSTRAKAN_SANITIZE=ON >/dev/null
+cmake --build build/test -j"$(nproc)"
+cd build/test
+ctest --output-on-failure --timeout 900 "$@"
