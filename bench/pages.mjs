@@ -39,7 +39,7 @@ try {
   };
   console.log(`wrk -t2 -c${connections} -d${seconds}s on loopback`);
   run('/admin/desktop.asp', ['-H', `Cookie: ${cookie}`]);
-  run('/admin/css/admin.css');
+  run('/admin/css/style.css');
 } finally {
   await site.stop();
 }

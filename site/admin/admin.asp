@@ -2,7 +2,7 @@
 <head>
 <meta http-equiv="Content-Type" content="text/html; charset=gb2312">
 <title>帐号设置</title>
-<link rel="stylesheet" href="css/admin.css" type="text/css">
+<link rel="stylesheet" href="css/style.css" type="text/css">
 <script type="text/javascript">
 function checkAdmin(form) {
   if (form.username.value == '') { alert('管理帐号不能空！'); form.username.focus(); return false; }

@@ -2,7 +2,7 @@
 <head>
 <meta http-equiv="Content-Type" content="text/html; charset=gb2312">
 <title>管理首页</title>
-<link rel="stylesheet" href="css/admin.css" type="text/css">
+<link rel="stylesheet" href="css/style.css" type="text/css">
 </head>
 <body class="content">
 <h3>管理首页</h3>

@@ -2,7 +2,7 @@
 <head>
 <meta http-equiv="Content-Type" content="text/html; charset=gb2312">
 <title><%= Setting("WebSite_Title") %> - 管理登录</title>
-<link rel="stylesheet" href="css/admin.css" type="text/css">
+<link rel="stylesheet" href="css/style.css" type="text/css">
 <script type="text/javascript">
 function reloadCode() {
   document.getElementById('verifyImage').src = 'inc/code.asp?t=' + new Date().getTime();

@@ -1,10 +1,17 @@
 <%@ Component="Ostrakan.Class64" %><% Admin_Session = Setting("Admin_Session") %><% InitFunction1 %><html>
 <head>
 <meta http-equiv="Content-Type" content="text/html; charset=gb2312">
-<link rel="stylesheet" href="css/admin.css" type="text/css">
+<link rel="stylesheet" href="css/style.css" type="text/css">
 </head>
 <body class="menu">
 <dl>
+  <dt>视频数据</dt>
+  <dd><a href="db_list.asp" target="main">数据列表</a></dd>
+  <dd><a href="db_add.asp" target="main">添加数据</a></dd>
+  <dd><a href="db_search.asp" target="main">数据搜索</a></dd>
+  <dd><a href="db_manage.asp" target="main">数据维护</a></dd>
+  <dt>搜索关键词</dt>
+  <dd><a href="keyword_manage.asp" target="main">关键词管理</a></dd>
   <dt>系统管理</dt>
   <dd><a href="desktop.asp" target="main">管理首页</a></dd>
   <dd><a href="admin.asp" target="main">帐号设置</a></dd>

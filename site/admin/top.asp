@@ -1,7 +1,7 @@
 <%@ Component="Ostrakan.Class64" %><% Admin_Session = Setting("Admin_Session") %><% InitFunction1 %><html>
 <head>
 <meta http-equiv="Content-Type" content="text/html; charset=gb2312">
-<link rel="stylesheet" href="css/admin.css" type="text/css">
+<link rel="stylesheet" href="css/style.css" type="text/css">
 </head>
 <body class="top-bar">
 <span class="brand"><%= Setting("WebSite_Title") %> 管理后台</span>

@@ -1,7 +1,7 @@
 // admin.asp (Ostrakan.Class40): the account page; writes the signed-in name into the form.
 #pragma once
 
-#include "admin/guarded_page.h"
+#include "frame/guarded_page.h"
 
 namespace ostrakan::admin {
 

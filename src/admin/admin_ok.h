@@ -1,16 +1,15 @@
 // admin_ok.asp (Ostrakan.Class13): stores the signed-in administrator's new name and password.
 #pragma once
 
-#include "admin/guarded_page.h"
 #include "admin/md5_members.h"
+#include "frame/database_page.h"
 
 namespace ostrakan::admin {
 
-class AdminOk : public WithMd5<GuardedPage> {
+class AdminOk : public WithMd5<DatabasePage> {
  public:
   AdminOk();
-  Variant conn, connstr, rs, password;
-  void InitFunction2();
+  Variant rs, password;
   void InitFunction3() {}
   void InitFunction4();
 };

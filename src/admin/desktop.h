@@ -2,7 +2,7 @@
 // previous sign-in's address and time.
 #pragma once
 
-#include "admin/guarded_page.h"
+#include "frame/guarded_page.h"
 
 namespace ostrakan::admin {
 

@@ -1,8 +1,7 @@
 #include "admin/login.h"
 
+#include "frame/data_access.h"
 #include "frame/page_blocks.h"
-#include "platform/ado/connection.h"
-#include "platform/ado/recordset.h"
 
 namespace ostrakan::admin {
 
@@ -48,27 +47,23 @@ void Login::InitFunction3() {
       refuse(u"<Script>window.alert('验证码错误！" + TextOf(verifyid) +
              u"');history.go(-1);</Script>");
 
-    auto records = CurrentServer().CreateObject(u"adodb.recordset").As<ado::Recordset>();
-    if (!records) throw ObjectRequired();
-    rs = records;
-    records->Open(u"select * from admin where username='" + TextOf(username) + u"'", conn, 1, 1);
-    if (records->Bof() && records->Eof())
+    ado::Recordset& records =
+        OpenRecordset(rs, u"select * from admin where username='" + TextOf(username) + u"'", conn);
+    if (records.Bof() && records.Eof())
       refuse(u"<Script>window.alert('管理帐号错误！');javascript:history.back(1);</Script>");
-    if (!Equals(records->Field(u"password"), MD5(password)))
+    if (!Equals(records.Field(u"password"), MD5(password)))
       refuse(u"<Script>window.alert('管理密码错误！');javascript:history.back(1);</Script>");
 
-    id = records->Field(u"id");
-    session.Set(TextOf(Admin_Session), records->Field(u"username"));
-    session.Set(u"login_ip", records->Field(u"login_ip"));
-    session.Set(u"login_time", records->Field(u"login_time"));
+    id = records.Field(u"id");
+    session.Set(TextOf(Admin_Session), records.Field(u"username"));
+    session.Set(u"login_ip", records.Field(u"login_ip"));
+    session.Set(u"login_time", records.Field(u"login_time"));
     CloseAndRelease(rs);
 
-    auto connection = conn.As<ado::Connection>();
-    if (!connection) throw ObjectRequired();
     const std::u16string where = u" where id=" + CStr(id);
-    connection->Execute(u"update admin set login_ip='" +
-                        TextOf(request.ServerVariables(u"REMOTE_ADDR")) + u"'" + where);
-    connection->Execute(u"update admin set login_time=#" + GeneralDate(Now()) + u"#" + where);
+    Execute(conn, u"update admin set login_ip='" + TextOf(request.ServerVariables(u"REMOTE_ADDR")) +
+                      u"'" + where);
+    Execute(conn, u"update admin set login_time=#" + GeneralDate(Now()) + u"#" + where);
     CloseAndRelease(conn);
     CurrentResponse().Write(u"<Script>location.replace('main.asp');</Script>");
   });

@@ -5,6 +5,7 @@
 #include "admin/admin.h"
 #include "admin/admin_ok.h"
 #include "admin/conn.h"
+#include "admin/db_list.h"
 #include "admin/desktop.h"
 #include "admin/inc/code.h"
 #include "admin/inc/md5.h"
@@ -38,6 +39,9 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class40", Make<admin::Admin>},        // admin.asp
       {u"Ostrakan.Class59", Make<admin::LoginOut>},     // login_out.asp
       {u"Ostrakan.Class64", Make<admin::LoginVerify>},  // login_verify.asp
+      // Video records
+      {u"Ostrakan.Class30", Make<admin::DbList>},  // db_list.asp
+                                                   // Record search and keywords
   };
   return table;
 }

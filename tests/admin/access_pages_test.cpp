@@ -127,8 +127,9 @@ TEST_F(AccessPages, ASecondChangeUnderTheOldNameFindsNoRecord) {
     r.request().form.Add(u"password", u"");
     auto page = Page(u"Ostrakan.Class13");
     RunBlocks(*page, {u"InitFunction1", u"InitFunction2", u"InitFunction3", u"InitFunction4"});
-    if (round == 1)
+    if (round == 1) {
       EXPECT_EQ(r.text(), u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    }
   }
   EXPECT_EQ(SqlValue(site.database(), "select password from admin"),
             "d41d8cd98f00b204e9800998ecf8427e");

@@ -17,7 +17,7 @@ class PathSafety : public ::testing::Test {
   void SetUp() override {
     for (const char* f :
          {"site/index.asp", "site/Setup.asp", "site/admin/index.asp", "site/admin/login.asp",
-          "site/admin/css/admin.css", "site/data/x.db", "site/list/data/x.html",
+          "site/admin/css/style.css", "site/data/x.db", "site/list/data/x.html",
           "site/admin/inc/head.fix", "site/a.db-wal", "site/image/logo.GIF", "secret.txt"})
       Touch(f);
     fs::create_directories(dir_.path() / "site/empty");
@@ -55,7 +55,7 @@ TEST_F(PathSafety, PagesRunAndFoldersAnswerWithTheirIndex) {
 }
 
 TEST_F(PathSafety, StaticFilesAreServedButNeverPageSource) {
-  EXPECT_EQ(Resolve("/admin/css/admin.css").kind, Kind::StaticFile);
+  EXPECT_EQ(Resolve("/admin/css/style.css").kind, Kind::StaticFile);
   EXPECT_EQ(Resolve("/image/logo.GIF").kind, Kind::StaticFile);
   // A link with another name that leads to a page file does not send its source.
   fs::create_symlink(root_ / "admin/login.asp", root_ / "admin/login.txt");

@@ -4,7 +4,7 @@
 #include "frame/page_blocks.h"
 #include "frame/site_page.h"
 
-namespace ostrakan::admin {
+namespace ostrakan {
 
 class GuardedPage : public SitePage {
  protected:
@@ -16,4 +16,4 @@ class GuardedPage : public SitePage {
   }
 };
 
-}  // namespace ostrakan::admin
+}  // namespace ostrakan

@@ -1,0 +1,32 @@
+#include "admin/db_list.h"
+
+#include "frame/data_access.h"
+#include "records/record_rows.h"
+
+namespace ostrakan::admin {
+
+DbList::DbList() : PagedList(u"\\admin\\db_list", {u"条记录", false}) {
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction4", [this] { InitFunction4(); });
+}
+
+void DbList::InitFunction4() {
+  Guard(u"InitFunction4", [&] {
+    WriteList({u"select count(*) as db_count from db",
+               u"select top 20 id,title,url,source,source_url,time from db order by id desc",
+               u"select id,title,url,source,source_url,time from db order by id desc",
+               records::kRecordPageSize},
+              [&] { return u"db_list.asp?page=" + CStr(currentPage); });
+  });
+}
+
+void DbList::showContent() {
+  Guard(u"showContent", [&] {
+    records::WriteRecordRows(*rs.As<ado::Recordset>());
+    CloseAndRelease(rs);
+    ConnectionOf(conn).Close();
+    CurrentResponse().Write(u"<br>");
+  });
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,27 @@
+// How page blocks reach the database held in their `conn` property.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "frame/variant.h"
+#include "platform/ado/connection.h"
+#include "platform/ado/recordset.h"
+
+namespace ostrakan {
+
+// The open connection held by `conn`; "Object required" when it holds none.
+ado::Connection& ConnectionOf(const Variant& conn);
+
+// conn.Execute(sql): one statement; a query's rows come back as an open record set.
+std::shared_ptr<ado::Recordset> Execute(const Variant& conn, std::u16string_view sql);
+
+// A new "adodb.recordset" (through Server.CreateObject), stored in `holder` and opened on
+// `sql` over `conn` with the given cursor and lock types.
+ado::Recordset& OpenRecordset(Variant& holder, std::u16string_view sql, const Variant& conn,
+                              int cursorType = 1, int lockType = 1);
+
+// Whether a request value may go into SQL text as an identifier: not empty, and numeric.
+bool IsValidId(const Variant& id);
+
+}  // namespace ostrakan

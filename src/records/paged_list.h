@@ -1,0 +1,57 @@
+// The paged list shared by the record list, the record search and the keyword list.
+//
+// A list page counts its rows once (the count then travels in the pager's links as
+// "db_count"), reads "page", opens its query (limited to one page on page 1, the whole ordered
+// query on later pages), clamps the page number, moves the record set to the page's first row,
+// writes the body (`showContent`, the page's own) and the pager line (`showpage`), keeps the
+// list's address in Session "url" for the pages that edit or delete, and ends with the time the
+// page took followed by " 秒".
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "frame/database_page.h"
+
+namespace ostrakan::records {
+
+// What distinguishes one list's pager from another's.
+struct PagerStyle {
+  std::u16string unit;    // "条记录" or "个关键词"
+  bool countOnFirstLink;  // whether the first-page link carries db_count too
+};
+
+struct ListQueries {
+  std::u16string countSql;      // "select count(*) as db_count from ..."
+  std::u16string firstPageSql;  // with "top <page size>"
+  std::u16string laterPageSql;  // the same query without "top"
+  int pageSize;
+};
+
+class PagedList : public DatabasePage {
+ public:
+  Variant Time1, Time2, rs, db_count, page, pn, currentPage, sql, totalPut, TotalPages;
+
+  // Writes the pager line for `totalnumber` rows in pages of `maxperpage`.
+  void showpage(const Variant& totalnumber, const Variant& maxperpage);
+  virtual void showContent() = 0;
+
+ protected:
+  // Registers the list properties and the methods showContent and showpage.
+  PagedList(std::u16string context, PagerStyle style);
+
+  // The list: count, page, query, clamp, move, body and pager, Session "url", time line.
+  // `returnUrl` gives the address kept in Session "url" once the page number is known.
+  void WriteList(const ListQueries& queries, const std::function<std::u16string()>& returnUrl);
+  // The query-string keys that every pager link carries before "page=", each followed by '&'
+  // (the search's word and field, the keyword list's filter).
+  virtual std::u16string PagerKeys() const { return u""; }
+
+ private:
+  PagerStyle style_;
+};
+
+// Writes the elapsed time since `start` (a Timer value) as "0.001234 秒".
+void WriteElapsed(const Variant& start, Variant& end);
+
+}  // namespace ostrakan::records

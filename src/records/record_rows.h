@@ -1,0 +1,14 @@
+// The rows of the record list and of the record search: a check box, the title linked to the
+// edit form, the edit and delete actions, the address, the source and the date.
+#pragma once
+
+#include "platform/ado/recordset.h"
+
+namespace ostrakan::records {
+
+constexpr int kRecordPageSize = 20;
+
+// Writes up to `count` records from the set's current row on, advancing past each.
+void WriteRecordRows(ado::Recordset& rs, int count = kRecordPageSize);
+
+}  // namespace ostrakan::records
