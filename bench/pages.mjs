@@ -9,24 +9,11 @@ const here = dirname(fileURLToPath(import.meta.url));
 process.env.OSTRAKAN_BINARY = process.argv[2] ?? process.env.OSTRAKAN_BINARY;
 const seconds = process.argv[3] ?? '10';
 const connections = process.argv[4] ?? '16';
-const { startSite, readVerifyCode, fontOf } = await import(join(here, '../tests/browser/harness.mjs'));
+const { startSite, signInOverHttp } = await import(join(here, '../tests/browser/harness.mjs'));
 
 const site = await startSite();
 try {
-  // Sign in over plain HTTP: load the picture, read its code, post the form.
-  const picture = await fetch(`${site.base}/admin/inc/code.asp`);
-  let cookie = picture.headers.get('set-cookie').split(';')[0];
-  const code = readVerifyCode(Buffer.from(await picture.arrayBuffer()), fontOf(site.site));
-  const login = await fetch(`${site.base}/admin/login.asp`, {
-    method: 'POST',
-    headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
-    body: `username=admin&password=secret123&verifyid=${code}`,
-    redirect: 'manual',
-  });
-  const renewed = login.headers.get('set-cookie');
-  if (renewed) cookie = renewed.split(';')[0];
-  const desktop = await (await fetch(`${site.base}/admin/desktop.asp`, { headers: { cookie } })).text();
-  if (!desktop.includes('admin-name')) throw new Error('sign-in failed');
+  const cookie = await signInOverHttp(site);
 
   const run = (path, extra = []) => {
     const out = execFileSync('wrk', ['-t2', `-c${connections}`, `-d${seconds}s`, '--latency', ...extra,

@@ -135,6 +135,10 @@ HttpServer::HttpServer(ServerOptions options) : options_(std::move(options)) {
                           "yes",
                           "keep_alive_timeout_ms",
                           "5000",
+                          // Headers and body leave in separate writes; without this, Nagle's
+                          // algorithm holds the body until the client's delayed ACK (~40 ms).
+                          "tcp_nodelay",
+                          "1",
                           nullptr};
   mg_callbacks callbacks{};
   callbacks.log_message = &LogMessage;

@@ -37,10 +37,12 @@ async function waitForServer(url, child) {
 }
 
 // A new site made by `ostrakan init`, served until stop().
-export async function startSite({ admin = 'admin', password = 'secret123' } = {}) {
+// `prepare(siteDir)`, when given, runs between making the site and serving it.
+export async function startSite({ admin = 'admin', password = 'secret123', prepare } = {}) {
   const dir = mkdtempSync(join(tmpdir(), 'ostrakan-browser-'));
   const site = join(dir, 'site');
   execFileSync(binary, ['init', site, '--admin', admin, '--password', password]);
+  if (prepare) await prepare(site);
   const port = await freePort();
   const child = spawn(binary, ['serve', '--site', site, '--listen', `127.0.0.1:${port}`], {
     stdio: ['ignore', 'ignore', 'inherit'],
@@ -50,6 +52,7 @@ export async function startSite({ admin = 'admin', password = 'secret123' } = {}
   return {
     base,
     site,
+    pid: child.pid,
     async stop() {
       child.kill('SIGTERM');
       await new Promise((r) => (child.exitCode !== null ? r() : child.once('exit', r)));
@@ -90,4 +93,23 @@ export function readVerifyCode(bmp, font) {
 
 export function fontOf(site) {
   return readFileSync(join(site, 'admin', 'inc', 'body.Fix'));
+}
+
+// Signs in over plain HTTP (load the picture, read its code, post the form) and returns the
+// session cookie ("name=value") of the signed-in administrator.
+export async function signInOverHttp(site, { admin = 'admin', password = 'secret123' } = {}) {
+  const picture = await fetch(`${site.base}/admin/inc/code.asp`);
+  let cookie = picture.headers.get('set-cookie').split(';')[0];
+  const code = readVerifyCode(Buffer.from(await picture.arrayBuffer()), fontOf(site.site));
+  const login = await fetch(`${site.base}/admin/login.asp`, {
+    method: 'POST',
+    headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
+    body: `username=${encodeURIComponent(admin)}&password=${encodeURIComponent(password)}&verifyid=${code}`,
+    redirect: 'manual',
+  });
+  const renewed = login.headers.get('set-cookie');
+  if (renewed) cookie = renewed.split(';')[0];
+  const desktop = await (await fetch(`${site.base}/admin/desktop.asp`, { headers: { cookie } })).text();
+  if (!desktop.includes('admin-name')) throw new Error('sign-in failed');
+  return cookie;
 }
