@@ -4,18 +4,9 @@
 
 #include <ctime>
 
+#include "frame/response.h"
+
 namespace ostrakan::engine {
-namespace {
-
-std::string HttpDate(time_t t) {
-  struct tm tm;
-  gmtime_r(&t, &tm);
-  char buf[64];
-  strftime(buf, sizeof buf, "%a, %d %b %Y %H:%M:%S GMT", &tm);
-  return buf;
-}
-
-}  // namespace
 
 std::string ContentTypeFor(std::string_view fileName) {
   static constexpr std::pair<std::string_view, std::string_view> kTypes[] = {

@@ -7,8 +7,6 @@
 
 namespace ostrakan {
 
-namespace {
-
 std::string HttpDate(time_t t) {
   struct tm g;
   gmtime_r(&t, &g);
@@ -16,6 +14,8 @@ std::string HttpDate(time_t t) {
   strftime(buf, sizeof buf, "%a, %d %b %Y %H:%M:%S GMT", &g);
   return buf;
 }
+
+namespace {
 
 // A local OLE date as seconds since the epoch.
 time_t FromOleLocal(double ole) {

@@ -3,6 +3,7 @@
 // written. The page engine turns the headers and the buffer into the HTTP answer.
 #pragma once
 
+#include <ctime>
 #include <optional>
 #include <string>
 #include <utility>
@@ -51,5 +52,8 @@ class Response : public Object {
   std::vector<std::pair<std::string, std::string>> extra_;
   std::optional<double> expiresAt_;  // OLE date, local time
 };
+
+// A moment as HTTP writes it: "Sun, 22 Nov 2026 01:02:03 GMT".
+std::string HttpDate(time_t t);
 
 }  // namespace ostrakan
