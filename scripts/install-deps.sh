@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(build-essential cmake pkg-config libsqlite3-dev libcurl4-openssl-dev libicu-dev
           libpcre2-dev libcivetweb-dev)
 if [[ "${1:-}" == "--test" ]]; then
-  packages+=(libgtest-dev libbenchmark-dev chromium fonts-wqy-zenhei)
+  packages+=(libgtest-dev libbenchmark-dev chromium fonts-wqy-zenhei sqlite3 wrk)
   command -v node >/dev/null || packages+=(nodejs npm)
 fi
 

@@ -1,6 +1,5 @@
 #include "admin/db_list.h"
 
-#include "frame/data_access.h"
 #include "records/record_rows.h"
 
 namespace ostrakan::admin {
@@ -21,12 +20,7 @@ void DbList::InitFunction4() {
 }
 
 void DbList::showContent() {
-  Guard(u"showContent", [&] {
-    records::WriteRecordRows(*rs.As<ado::Recordset>());
-    CloseAndRelease(rs);
-    ConnectionOf(conn).Close();
-    CurrentResponse().Write(u"<br>");
-  });
+  Guard(u"showContent", [&] { records::WriteRecordBody(rs, conn); });
 }
 
 }  // namespace ostrakan::admin

@@ -5,10 +5,20 @@
 #include "admin/admin.h"
 #include "admin/admin_ok.h"
 #include "admin/conn.h"
+#include "admin/db_add.h"
+#include "admin/db_add_ok.h"
+#include "admin/db_edit.h"
+#include "admin/db_edit_ok.h"
 #include "admin/db_list.h"
+#include "admin/db_manage.h"
+#include "admin/db_manage_ok.h"
+#include "admin/db_ok.h"
+#include "admin/db_search.h"
 #include "admin/desktop.h"
 #include "admin/inc/code.h"
 #include "admin/inc/md5.h"
+#include "admin/keyword_manage.h"
+#include "admin/keyword_ok.h"
 #include "admin/login.h"
 #include "admin/login_out.h"
 #include "admin/login_verify.h"
@@ -40,8 +50,18 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class59", Make<admin::LoginOut>},     // login_out.asp
       {u"Ostrakan.Class64", Make<admin::LoginVerify>},  // login_verify.asp
       // Video records
-      {u"Ostrakan.Class30", Make<admin::DbList>},  // db_list.asp
-                                                   // Record search and keywords
+      {u"Ostrakan.Class17", Make<admin::DbOk>},           // db_ok.asp
+      {u"Ostrakan.Class19", Make<admin::DbAdd>},          // db_add.asp
+      {u"Ostrakan.Class20", Make<admin::DbEditOk>},       // db_edit_ok.asp
+      {u"Ostrakan.Class28", Make<admin::DbManage>},       // db_manage.asp
+      {u"Ostrakan.Class29", Make<admin::DbManageOk>},     // db_manage_ok.asp
+      {u"Ostrakan.Class30", Make<admin::DbList>},         // db_list.asp
+      {u"Ostrakan.Class39", Make<admin::DbAddOk>},        // db_add_ok.asp
+      {u"Ostrakan.Class61", Make<admin::DbEdit>},         // db_edit.asp
+                                                          // Record search and keywords
+      {u"Ostrakan.Class10", Make<admin::KeywordManage>},  // keyword_manage.asp
+      {u"Ostrakan.Class11", Make<admin::KeywordOk>},      // keyword_ok.asp
+      {u"Ostrakan.Class14", Make<admin::DbSearch>},       // db_search.asp
   };
   return table;
 }

@@ -1,5 +1,6 @@
 #include "records/paged_list.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -10,6 +11,9 @@ namespace ostrakan::records {
 namespace {
 std::u16string Number(double n) {
   return CStr(Variant(n));
+}
+double PageCount(double total, double size) {
+  return std::floor(total / size) + (std::fmod(total, size) == 0 ? 0 : 1);
 }
 }  // namespace
 
@@ -52,16 +56,11 @@ void PagedList::WriteList(const ListQueries& q, const std::function<std::u16stri
     totalPut = db_count;
     const double total = CDbl(totalPut), size = q.pageSize;
     if (CInt(currentPage) < 1) currentPage = Variant::Integer(1);
-    if ((CInt(currentPage) - 1) * size > total) {
-      const double last = std::floor(total / size) + (std::fmod(total, size) == 0 ? 0 : 1);
-      currentPage = Variant::Integer(CInt(Variant(last)));
-    }
-    if (CInt(currentPage) != 1) {
-      if ((CInt(currentPage) - 1) * size < total)
-        records.Move(static_cast<long>((CInt(currentPage) - 1) * size));
-      else
-        currentPage = Variant::Integer(1);
-    }
+    // A page at or past the end of the count shows the last page (so page 3 of 40 records
+    // shows records 21 to 40); with a count of 0 that is the first.
+    if ((CInt(currentPage) - 1) * size >= total)
+      currentPage = Variant::Integer(CInt(Variant(std::max(1.0, PageCount(total, size)))));
+    if (CInt(currentPage) != 1) records.Move(static_cast<long>((CInt(currentPage) - 1) * size));
     showContent();
     showpage(totalPut, Variant(q.pageSize));
   }
@@ -74,7 +73,7 @@ void PagedList::WriteList(const ListQueries& q, const std::function<std::u16stri
 void PagedList::showpage(const Variant& totalnumber, const Variant& maxperpage) {
   Guard(u"showpage", [&] {
     const double total = CDbl(totalnumber), size = CDbl(maxperpage);
-    const double n = std::floor(total / size) + (std::fmod(total, size) == 0 ? 0 : 1);
+    const double n = PageCount(total, size);
     const double current = CDbl(currentPage);
     const std::u16string link = u"<a href='?" + PagerKeys() + u"page=";
     const std::u16string count = u"&db_count=" + TextOf(db_count);
@@ -101,7 +100,8 @@ void WriteElapsed(const Variant& start, Variant& end) {
   end = Timer();
   char text[32];
   std::snprintf(text, sizeof text, "%.6f", CDbl(end) - CDbl(start));
-  CurrentResponse().Write(FromUtf8(text) + u" 秒");
+  // On a line of its own, under the pager.
+  CurrentResponse().Write(u"<br>" + FromUtf8(text) + u" 秒");
 }
 
 }  // namespace ostrakan::records

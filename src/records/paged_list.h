@@ -51,7 +51,7 @@ class PagedList : public DatabasePage {
   PagerStyle style_;
 };
 
-// Writes the elapsed time since `start` (a Timer value) as "0.001234 秒".
+// Writes the elapsed time since `start` (a Timer value) as "<br>0.001234 秒".
 void WriteElapsed(const Variant& start, Variant& end);
 
 }  // namespace ostrakan::records

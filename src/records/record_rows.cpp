@@ -1,5 +1,7 @@
 #include "records/record_rows.h"
 
+#include "frame/data_access.h"
+#include "frame/page_blocks.h"
 #include "frame/request_context.h"
 
 namespace ostrakan::records {
@@ -20,6 +22,15 @@ void WriteRecordRows(ado::Recordset& rs, int count) {
     response.Write(row);
     rs.MoveNext();
   }
+}
+
+void WriteRecordBody(Variant& rs, const Variant& conn) {
+  auto records = rs.As<ado::Recordset>();
+  if (!records) throw ObjectRequired();
+  WriteRecordRows(*records);
+  CloseAndRelease(rs);
+  ConnectionOf(conn).Close();
+  CurrentResponse().Write(u"<br>");
 }
 
 }  // namespace ostrakan::records

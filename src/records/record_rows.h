@@ -2,6 +2,7 @@
 // edit form, the edit and delete actions, the address, the source and the date.
 #pragma once
 
+#include "frame/variant.h"
 #include "platform/ado/recordset.h"
 
 namespace ostrakan::records {
@@ -10,5 +11,9 @@ constexpr int kRecordPageSize = 20;
 
 // Writes up to `count` records from the set's current row on, advancing past each.
 void WriteRecordRows(ado::Recordset& rs, int count = kRecordPageSize);
+
+// The list body of the record list and of the search: one page of rows from the set held in
+// `rs`, then the set is closed and released, the connection closed, and "<br>" ends the body.
+void WriteRecordBody(Variant& rs, const Variant& conn);
 
 }  // namespace ostrakan::records

@@ -1,0 +1,39 @@
+#include "admin/db_add_ok.h"
+
+#include "frame/data_access.h"
+#include "records/record_form.h"
+
+namespace ostrakan::admin {
+
+DbAddOk::DbAddOk() : DatabasePage(u"\\admin\\db_add_ok") {
+  Property(u"rs", rs);
+  Property(u"Content", Content);
+  Property(u"Url", Url);
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  UseFiltration(FilterKind::RecordText);
+}
+
+void DbAddOk::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    Request& request = CurrentRequest();
+    Content = request.Form(u"content");
+    filtration(Content);
+    Variant url = request.Form(u"url");
+    filtration(url);
+    Url = records::StoredAddress(url);
+    if (records::AddressTaken(conn, Url.str())) {
+      CloseAndRelease(conn);
+      WriteAndEnd(records::DuplicateAlert(Url.str()));
+    }
+    // An empty, updatable set to add the row to.
+    ado::Recordset& records = OpenRecordset(rs, u"select * from db where id is null", conn, 1, 3);
+    records.AddNew();
+    records::StoreRecordForm(records, Url, Content, [this](Variant& v) { return filtration(v); });
+    CloseAndRelease(rs);
+    CloseAndRelease(conn);
+    CurrentResponse().Write(
+        u"<Script>window.alert('添加成功！');location.replace('db_add.asp');</Script>");
+  });
+}
+
+}  // namespace ostrakan::admin

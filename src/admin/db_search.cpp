@@ -1,0 +1,66 @@
+#include "admin/db_search.h"
+
+#include "frame/data_access.h"
+#include "records/record_rows.h"
+
+namespace ostrakan::admin {
+
+DbSearch::DbSearch() : PagedList(u"\\admin\\db_search", {u"条记录", false}) {
+  Property(u"Keyword", Keyword);
+  Property(u"action", action);
+  Property(u"where_sql", where_sql);
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction4", [this] { InitFunction4(); });
+  Block(u"InitFunction5", [this] { InitFunction5(); });
+  UseFiltration(FilterKind::SearchWords);
+}
+
+// The menu opens this page without a query, and the page file has no way to leave the list
+// out, so a request without a "keyword" key is not a search: the page shows its form and
+// InitFunction5 writes nothing. A "keyword" key that is empty, or empty once filtered, is a
+// search without a word and is refused.
+void DbSearch::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    const Request& request = CurrentRequest();
+    if (!request.queryString.Has(u"keyword")) return;
+    Keyword = request.QueryString(u"keyword");
+    filtration(Keyword);
+    if (Equals(Keyword, Variant(u""))) {
+      CloseAndRelease(conn);
+      WriteAndEnd(u"<Script>window.alert('请输入关键字！');history.go(-1);</Script>");
+    }
+    action = request.QueryString(u"action");
+    // Any other field leaves the condition empty: the search then lists every record.
+    const std::u16string field = TextOf(action);
+    where_sql = field == u"title" || field == u"content" || field == u"url"
+                    ? u"where " + field + u" like '%" + TextOf(Keyword) + u"%'"
+                    : u"";
+    searching_ = true;
+  });
+}
+
+void DbSearch::InitFunction5() {
+  Guard(u"InitFunction5", [&] {
+    if (!searching_) return;
+    const std::u16string where = TextOf(where_sql);
+    const std::u16string columns = u"id,title,content,url,source,source_url,time from db ";
+    WriteList({u"select count(*) as db_count from db " + where,
+               u"select top 20 " + columns + where + u" order by id desc",
+               u"select " + columns + where + u" order by id desc", records::kRecordPageSize},
+              // An edit or delete started from the results comes back to this search and page.
+              [&] {
+                return u"db_search.asp?action=" + TextOf(action) + u"&keyword=" + TextOf(Keyword) +
+                       u"&page=" + CStr(currentPage);
+              });
+  });
+}
+
+void DbSearch::showContent() {
+  Guard(u"showContent", [&] { records::WriteRecordBody(rs, conn); });
+}
+
+std::u16string DbSearch::PagerKeys() const {
+  return u"action=" + TextOf(action) + u"&keyword=" + TextOf(Keyword) + u"&";
+}
+
+}  // namespace ostrakan::admin
