@@ -125,21 +125,12 @@ HttpServer::HttpServer(ServerOptions options) : options_(std::move(options)) {
 
   std::string threads = std::to_string(options_.threads);
   std::string timeout = std::to_string(options_.requestTimeoutMs);
-  const char* config[] = {"listening_ports",
-                          options_.listen.c_str(),
-                          "num_threads",
-                          threads.c_str(),
-                          "request_timeout_ms",
-                          timeout.c_str(),
-                          "enable_keep_alive",
-                          "yes",
-                          "keep_alive_timeout_ms",
-                          "5000",
+  const char* config[] = {"listening_ports", options_.listen.c_str(), "num_threads",
+                          threads.c_str(), "request_timeout_ms", timeout.c_str(),
+                          "enable_keep_alive", "yes", "keep_alive_timeout_ms", "5000",
                           // Headers and body leave in separate writes; without this, Nagle's
                           // algorithm holds the body until the client's delayed ACK (~40 ms).
-                          "tcp_nodelay",
-                          "1",
-                          nullptr};
+                          "tcp_nodelay", "1", nullptr};
   mg_callbacks callbacks{};
   callbacks.log_message = &LogMessage;
   mg_init_data init{&callbacks, this, config};
