@@ -267,6 +267,38 @@ TEST_F(Database, ReadOnlySetsRefuseChanges) {
   EXPECT_EQ(Column("db", "title"), "a");
 }
 
+TEST_F(Database, LongMovesLandOnTheSameRowsAsSteps) {
+  Sql(file(),
+      "with recursive n(i) as (select 1 union all select i + 1 from n where i < 500) "
+      "insert into keyword(keyword) select 'k' || i from n");
+  auto conn = Connect();
+  auto rs = Query(conn, u"select keyword from keyword order by id desc");
+  auto current = [&] { return rs->Field(u"keyword").str(); };
+  rs->Move(300);  // a long move
+  EXPECT_EQ(current(), u"k200");
+  rs->MoveNext();
+  EXPECT_EQ(current(), u"k199");
+  rs->Move(100);
+  EXPECT_EQ(current(), u"k99");
+  rs->Move(-2);  // back again runs the whole query
+  EXPECT_EQ(current(), u"k101");
+  rs->MoveFirst();
+  EXPECT_EQ(current(), u"k500");
+  rs->Move(499);
+  EXPECT_EQ(current(), u"k1");
+  rs->MoveNext();
+  EXPECT_TRUE(rs->Eof());
+  rs->MoveFirst();
+  rs->Move(1000);  // past the end
+  EXPECT_TRUE(rs->Eof());
+  // A query that limits itself keeps its limit: the move steps within it.
+  auto top = Query(conn, u"select top 120 keyword from keyword order by id");
+  top->Move(119);
+  EXPECT_EQ(top->Field(u"keyword").str(), u"k120");
+  top->MoveNext();
+  EXPECT_TRUE(top->Eof());
+}
+
 TEST_F(Database, MovesForwardAndBack) {
   Sql(file(), "insert into keyword(keyword) values('k1'),('k2'),('k3'),('k4'),('k5')");
   auto conn = Connect();

@@ -30,6 +30,9 @@ std::u16string QuoteName(std::u16string_view name) {
 }
 
 constexpr const char16_t* kHiddenKey = u"ostrakan_rowid";
+// Moves longer than this re-run the query with an OFFSET instead of stepping row by row.
+constexpr long kLongMove = 64;
+constexpr size_t npos = std::u16string::npos;
 
 }  // namespace
 
@@ -112,6 +115,12 @@ void Recordset::Prepare() {
 }
 
 void Recordset::Execute() {
+  if (skipping_) {
+    StatementPtr whole = PrepareOne(conn_->handle(), sql_);
+    sqlite3_finalize(stmt_);
+    stmt_ = whole.release();
+    skipping_ = false;
+  }
   sqlite3_reset(stmt_);
   hasRow_ = false;
   pending_ = true;
@@ -119,6 +128,19 @@ void Recordset::Execute() {
   StepStatement();
   bof_ = true;
   eof_ = !pending_;
+}
+
+void Recordset::SkipTo(long row) {
+  StatementPtr rest = PrepareOne(conn_->handle(), std::u16string(TrimStatementEnd(sql_)) +
+                                                      u" limit -1 offset " +
+                                                      FromUtf8(std::to_string(row)));
+  sqlite3_finalize(stmt_);
+  stmt_ = rest.release();
+  skipping_ = true;
+  hasRow_ = false;
+  position_ = row - 1;
+  StepStatement();
+  Advance();
 }
 
 void Recordset::StepStatement() {
@@ -169,6 +191,7 @@ void Recordset::Close() {
   row_.clear();
   edits_.clear();
   adding_ = false;
+  skipping_ = false;
   hasRow_ = pending_ = false;
   eof_ = bof_ = true;
   position_ = -1;
@@ -201,6 +224,10 @@ void Recordset::Move(long n) {
   if (n == 0) return;
   if (n > 0) {
     if (eof_) throw NoCurrentRecord();
+    if (n > kLongMove && lockType_ <= 1 && TopLevelKeyword(sql_, u"limit") == npos) {
+      SkipTo(position_ + n);
+      return;
+    }
     // Rows passed over are stepped, not read.
     for (long i = 1; i < n && pending_; ++i) {
       StepStatement();

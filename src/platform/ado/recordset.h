@@ -40,7 +40,9 @@ class Recordset : public Object {
   bool Eof() const;  // ADO's EOF
   bool Bof() const;  // ADO's BOF
   void MoveNext();
-  void Move(long n);  // n >= 0 moves forward; a negative n re-runs the query to reach the row
+  // n >= 0 moves forward (a long move of a read-only set lets SQLite skip the rows, which
+  // is what a list's last pages need); a negative n re-runs the query to reach the row.
+  void Move(long n);
   void MoveFirst();
 
   Variant Field(std::u16string_view name) const;  // error 3265 for an unknown name
@@ -58,6 +60,7 @@ class Recordset : public Object {
   void RequireUpdatable() const;
   void Prepare();        // prepares sql_; names, date columns and the row key
   void Execute();        // (re)runs the query; the set stands before its first row
+  void SkipTo(long row);  // re-runs the query from row `row` on, skipping inside SQLite
   void StepStatement();  // steps the statement to its next row (pending_)
   void Advance();        // makes the pending row current, or moves to EOF
   void LoadRow();        // copies the statement's row into row_
@@ -82,6 +85,7 @@ class Recordset : public Object {
   bool eof_ = true;
   bool bof_ = true;
   long position_ = -1;  // index of the current row
+  bool skipping_ = false;  // stmt_ runs sql_ with an OFFSET (SkipTo)
   bool adding_ = false;
   std::vector<std::pair<std::u16string, Variant>> edits_;
 };

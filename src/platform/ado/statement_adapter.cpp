@@ -161,7 +161,9 @@ size_t SkipQuoted(std::u16string_view s, size_t i) {
   return i;
 }
 
-size_t TopLevelFrom(std::u16string_view sql) {
+size_t TopLevelFrom(std::u16string_view sql) { return TopLevelKeyword(sql, u"from"); }
+
+size_t TopLevelKeyword(std::u16string_view sql, std::u16string_view keyword) {
   int depth = 0;
   size_t i = 0;
   while (i < sql.size()) {
@@ -175,7 +177,7 @@ size_t TopLevelFrom(std::u16string_view sql) {
     if (c == u')') --depth;
     if (IsWordChar(c)) {
       const std::u16string_view word = WordAt(sql, i);
-      if (depth == 0 && IEquals(word, u"from")) return i;
+      if (depth == 0 && IEquals(word, keyword)) return i;
       i += word.size();
       continue;
     }

@@ -12,7 +12,9 @@ namespace ostrakan::ado {
 // or a comment (-- to the end of the line, /* ... */), the index just after it; else i.
 size_t SkipQuoted(std::u16string_view sql, size_t i);
 
-// The index of the first FROM keyword outside quotes and parentheses, or npos.
+// The index of the first word `keyword` (any case) outside quotes and parentheses, or npos.
+size_t TopLevelKeyword(std::u16string_view sql, std::u16string_view keyword);
+// The same for FROM.
 size_t TopLevelFrom(std::u16string_view sql);
 
 // The table named right after the first top-level FROM (quotes removed), or "".
