@@ -78,7 +78,8 @@ ResolvedPath ResolveRequestPath(const fs::path& root, std::string_view urlPath) 
   if (ec) return {Kind::NotFound, {}, {}};
   fs::path inside = real.lexically_relative(root);
   if (inside.empty() || *inside.begin() == "..") return {Kind::Forbidden, {}, {}};
-  std::string realVirtual = "/" + inside.generic_string();
+  std::string realVirtual(1, '/');
+  realVirtual += inside.generic_string();
   if (IsRefusedPath(realVirtual)) return {Kind::Forbidden, {}, {}};
   if (!fs::is_regular_file(real, ec)) return {Kind::NotFound, {}, {}};
   if (IsPageFileName(virtualPath)) return {Kind::Page, real, virtualPath};
