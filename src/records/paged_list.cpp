@@ -91,7 +91,8 @@ void PagedList::showpage(const Variant& totalnumber, const Variant& maxperpage) 
       line += link + Number(n) + count + u"'>最后一页</a> ";
     }
     line += u"共";
-    line += CStr(totalnumber) + style_.unit + u" 页次：" + Number(current) + u"/" + Number(n) + u"页";
+    line +=
+        CStr(totalnumber) + style_.unit + u" 页次：" + Number(current) + u"/" + Number(n) + u"页";
     CurrentResponse().Write(line);
   });
 }

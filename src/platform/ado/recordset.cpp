@@ -131,9 +131,9 @@ void Recordset::Execute() {
 }
 
 void Recordset::SkipTo(long row) {
-  StatementPtr rest = PrepareOne(conn_->handle(), std::u16string(TrimStatementEnd(sql_)) +
-                                                      u" limit -1 offset " +
-                                                      FromUtf8(std::to_string(row)));
+  StatementPtr rest =
+      PrepareOne(conn_->handle(), std::u16string(TrimStatementEnd(sql_)) + u" limit -1 offset " +
+                                      FromUtf8(std::to_string(row)));
   sqlite3_finalize(stmt_);
   stmt_ = rest.release();
   skipping_ = true;

@@ -58,13 +58,13 @@ class Recordset : public Object {
  private:
   void RequireOpen() const;
   void RequireUpdatable() const;
-  void Prepare();        // prepares sql_; names, date columns and the row key
-  void Execute();        // (re)runs the query; the set stands before its first row
+  void Prepare();         // prepares sql_; names, date columns and the row key
+  void Execute();         // (re)runs the query; the set stands before its first row
   void SkipTo(long row);  // re-runs the query from row `row` on, skipping inside SQLite
-  void StepStatement();  // steps the statement to its next row (pending_)
-  void Advance();        // makes the pending row current, or moves to EOF
-  void LoadRow();        // copies the statement's row into row_
-  void SaveEdits();      // writes pending AddNew/field changes before a move
+  void StepStatement();   // steps the statement to its next row (pending_)
+  void Advance();         // makes the pending row current, or moves to EOF
+  void LoadRow();         // copies the statement's row into row_
+  void SaveEdits();       // writes pending AddNew/field changes before a move
   void ReloadRow(const char16_t* keyColumn, long long key);
   int IndexOf(std::u16string_view name) const;  // -1 when absent
 
@@ -84,7 +84,7 @@ class Recordset : public Object {
   bool pending_ = false;  // the statement holds a row not yet read (the next one)
   bool eof_ = true;
   bool bof_ = true;
-  long position_ = -1;  // index of the current row
+  long position_ = -1;     // index of the current row
   bool skipping_ = false;  // stmt_ runs sql_ with an OFFSET (SkipTo)
   bool adding_ = false;
   std::vector<std::pair<std::u16string, Variant>> edits_;

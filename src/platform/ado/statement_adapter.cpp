@@ -161,7 +161,9 @@ size_t SkipQuoted(std::u16string_view s, size_t i) {
   return i;
 }
 
-size_t TopLevelFrom(std::u16string_view sql) { return TopLevelKeyword(sql, u"from"); }
+size_t TopLevelFrom(std::u16string_view sql) {
+  return TopLevelKeyword(sql, u"from");
+}
 
 size_t TopLevelKeyword(std::u16string_view sql, std::u16string_view keyword) {
   int depth = 0;
