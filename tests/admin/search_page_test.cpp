@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "admin/registry.h"
+#include "support/list_text.h"
 #include "support/page_harness.h"
 
 namespace ostrakan {
 namespace {
 
+using testing::Ids;
+using testing::PagerOf;
 using testing::RunBlocks;
 using testing::Sql;
 using testing::TestRequest;
@@ -14,29 +17,10 @@ using testing::TestSite;
 
 using Query = std::vector<std::pair<std::u16string, std::u16string>>;
 
-// The ids of the check boxes in a page, in page order.
-std::vector<int> Ids(const std::u16string& text) {
-  std::vector<int> ids;
-  for (size_t at = text.find(u"name='id'"); at != std::u16string::npos;
-       at = text.find(u"name='id'", at + 1)) {
-    size_t value = text.find(u"value='", at) + 7;
-    ids.push_back(std::stoi(ToUtf8(text.substr(value, text.find(u'\'', value) - value))));
-  }
-  return ids;
-}
-
 std::vector<int> OddDescending(int high, int low) {
   std::vector<int> ids;
   for (int id = high; id >= low; id -= 2) ids.push_back(id);
   return ids;
-}
-
-// The pager line: between the body's closing "<br>" and the page time.
-// The pager line: between the body's last "<br>" and the time line's "<br>".
-std::u16string PagerOf(const std::u16string& text) {
-  const std::u16string body = text.substr(0, text.rfind(u"<br>"));
-  size_t br = body.rfind(u"<br>");
-  return body.substr(br + 4, body.rfind(u"页") + 1 - (br + 4));
 }
 
 const std::u16string kRefused = u"<Script>window.alert('请输入关键字！');history.go(-1);</Script>";

@@ -1,0 +1,29 @@
+// Reading what a list page wrote: the ids of its check boxes and its pager line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "frame/variant.h"
+
+namespace ostrakan::testing {
+
+// The ids of the check boxes in a page, in page order.
+inline std::vector<int> Ids(const std::u16string& text) {
+  std::vector<int> ids;
+  for (size_t at = text.find(u"name='id'"); at != std::u16string::npos;
+       at = text.find(u"name='id'", at + 1)) {
+    size_t value = text.find(u"value='", at) + 7;
+    ids.push_back(std::stoi(ToUtf8(text.substr(value, text.find(u'\'', value) - value))));
+  }
+  return ids;
+}
+
+// The pager line: between the body's last "<br>" and the time line's "<br>".
+inline std::u16string PagerOf(const std::u16string& text) {
+  const std::u16string body = text.substr(0, text.rfind(u"<br>"));
+  size_t br = body.rfind(u"<br>");
+  return body.substr(br + 4, body.rfind(u"页") + 1 - (br + 4));
+}
+
+}  // namespace ostrakan::testing
