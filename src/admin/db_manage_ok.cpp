@@ -55,9 +55,17 @@ void DbManageOk::del() {
 void DbManageOk::del_url() {
   Guard(u"del_url", [&] {
     const std::u16string url = records::StoredAddress(CurrentRequest().QueryString(u"url"));
+    // An empty address would match every record that has a source: refuse it.
+    if (url.empty()) {
+      CloseAndRelease(conn);
+      WriteAndEnd(u"<Script>window.alert('请输入来源网址！');history.go(-1);</Script>");
+    }
     // A prefix match. The address is taken literally: a quote in it is doubled, so that it
-    // stays inside the SQL string.
-    Execute(conn, u"delete from db where source_url like '" + ReplaceAll(url, u"'", u"''") + u"%'");
+    // stays inside the SQL string, and LIKE's own signs (% _) match only themselves.
+    std::u16string literal = ReplaceAll(url, u"'", u"''");
+    for (std::u16string_view sign : {u"\\", u"%", u"_"})
+      literal = ReplaceAll(literal, sign, u"\\" + std::u16string(sign));
+    Execute(conn, u"delete from db where source_url like '" + literal + u"%' escape '\\'");
     CloseAndRelease(conn);
     CurrentResponse().Write(u"<Script>window.alert('来自" + ScriptString(url) +
                             u"的数据删除成功！');history.go(-1);</Script>");

@@ -428,6 +428,15 @@ TEST_F(RecordPages, MaintenanceRemovesUntitledRecordsOrOneSourceSite) {
             u"</Script>");
   EXPECT_EQ(Value("select group_concat(id) from db"), "2,5,6,7");
 
+  // An address that is empty once "http://" is gone, or one with LIKE's signs, takes nothing
+  // it does not name.
+  for (const char16_t* url : {u"", u"http://", u"%", u"www_src.com"}) {
+    maintain({{u"action", u"del_url"}, {u"url", url}});
+    EXPECT_EQ(Value("select group_concat(id) from db"), "2,5,6,7") << ToUtf8(url);
+  }
+  EXPECT_EQ(maintain({{u"action", u"del_url"}, {u"url", u""}}).text,
+            u"<Script>window.alert('请输入来源网址！');history.go(-1);</Script>");
+
   EXPECT_EQ(maintain({{u"action", u"other"}}).text, u"");
   EXPECT_EQ(Count(), "4");
   EXPECT_EQ(site.log(), "");
