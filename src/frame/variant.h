@@ -96,7 +96,9 @@ bool IsNumeric(const Variant& v);         // what CDbl accepts (Empty counts, Nu
 std::u16string TextOf(const Variant& v);  // CStr, but Null gives "" (for writing values out)
 
 // Comparison of the runtime's '=' and '<': numbers numerically, texts by code unit, a number
-// below any text, Empty as 0 or "". Returns <0, 0, >0. Null compares as error 94.
+// below any text, Empty as 0 or "". Returns <0, 0, >0. Null compares as the empty text
+// (the runtime yields Null, which a page would read as "not different": a stored Null password
+// must never match a typed one).
 int Compare(const Variant& a, const Variant& b);
 inline bool Equals(const Variant& a, const Variant& b) {
   return Compare(a, b) == 0;
