@@ -4,7 +4,7 @@
 
 #include "access/md5.h"
 #include "frame/component.h"
-#include "frame/variant_array.h"
+#include "core/variant_array.h"
 
 namespace ostrakan::admin {
 

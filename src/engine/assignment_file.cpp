@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan::engine {
 namespace {

@@ -8,7 +8,7 @@
 #include "engine/file_cache.h"
 #include "engine/site_setup.h"
 #include "frame/filtration.h"
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan::engine {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "engine/assignment_file.h"
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan::engine {
 

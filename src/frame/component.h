@@ -16,7 +16,7 @@
 
 #include "frame/filtration.h"
 #include "frame/request_context.h"
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

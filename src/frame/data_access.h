@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
 

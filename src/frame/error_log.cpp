@@ -5,7 +5,7 @@
 
 #include <mutex>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 #include "platform/text/codepage.h"
 
 namespace ostrakan {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

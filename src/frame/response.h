@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <string>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

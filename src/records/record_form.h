@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 #include "platform/ado/recordset.h"
 
 namespace ostrakan::records {

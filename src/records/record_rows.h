@@ -2,7 +2,7 @@
 // edit form, the edit and delete actions, the address, the source and the date.
 #pragma once
 
-#include "frame/variant.h"
+#include "core/variant.h"
 #include "platform/ado/recordset.h"
 
 namespace ostrakan::records {

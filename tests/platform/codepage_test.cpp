@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/script_error.h"
+#include "core/script_error.h"
 
 namespace ostrakan::text {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan::testing {
 

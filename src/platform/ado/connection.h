@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 struct sqlite3;
 

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 struct sqlite3_stmt;
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan::ado {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 #include "platform/ado/recordset.h"
 #include "platform/ado/statement_text.h"
 

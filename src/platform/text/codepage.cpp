@@ -7,7 +7,7 @@
 #include <memory>
 #include <unordered_map>
 
-#include "frame/script_error.h"
+#include "core/script_error.h"
 
 namespace ostrakan::text {
 namespace {

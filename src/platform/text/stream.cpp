@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "platform/fs/atomic_file.h"
 #include "platform/text/codepage.h"
 
 namespace ostrakan {
@@ -76,11 +77,9 @@ void Stream::SaveToFile(std::u16string_view path, int options) {
   if ((options & 2) == 0 && std::filesystem::exists(file, ec)) {
     throw ScriptError(3004, u"Write to file failed.");
   }
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  out.write(reinterpret_cast<const char*>(data_.data()),
-            static_cast<std::streamsize>(data_.size()));
-  out.close();
-  if (!out) throw ScriptError(3004, u"Write to file failed.");
+  // Written beside the target and renamed over it: a page being served never shows half.
+  const std::string_view bytes(reinterpret_cast<const char*>(data_.data()), data_.size());
+  if (fs::WriteFileAtomic(file, bytes)) throw ScriptError(3004, u"Write to file failed.");
 }
 
 Bytes Stream::Read(long count) {

@@ -16,7 +16,7 @@
 #include <variant>
 #include <vector>
 
-#include "frame/script_error.h"
+#include "core/script_error.h"
 
 namespace ostrakan {
 

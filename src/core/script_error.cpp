@@ -1,6 +1,6 @@
-#include "frame/script_error.h"
+#include "core/script_error.h"
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

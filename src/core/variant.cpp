@@ -1,4 +1,4 @@
-#include "frame/variant.h"
+#include "core/variant.h"
 
 #include <cmath>
 #include <cstdio>

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "frame/variant.h"
+#include "core/variant.h"
 
 namespace ostrakan {
 

@@ -1,0 +1,21 @@
+// Writing a whole file so that no reader ever sees half of it.
+//
+// The bytes go to a temporary file in the target's own folder (same file system), are flushed,
+// and the temporary file is renamed over the target in one step. A reader (the static-file
+// handler, a browser) sees either the old file or the new one. On failure the target is left as
+// it was and the temporary file is removed.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ostrakan::fs {
+
+// Writes bytes to path atomically. Returns nullopt on success, or a sentence saying what failed
+// (in English, for logs and the command line).
+std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
+                                           std::string_view bytes);
+
+}  // namespace ostrakan::fs
