@@ -1,4 +1,4 @@
-<%@ Component="Ostrakan.Class15" %><% DB = Setting("DB") %><% InitFunction1 %><html>
+<%@ Component="Ostrakan.Class15" %><% Admin_Session = Setting("Admin_Session") %><% DB = Setting("DB") %><% InitFunction1 %><html>
 <head><meta http-equiv="Content-Type" content="text/html; charset=gb2312"><title>数据库连接</title></head>
 <body>数据库连接正常。</body>
 </html>

@@ -18,10 +18,8 @@ void AdminOk::InitFunction4() {
     password = request.Form(u"password");
     filtration(password);
     ado::Recordset& records =
-        OpenRecordset(rs,
-                      u"select * from admin where username='" +
-                          TextOf(CurrentSession().Get(TextOf(Admin_Session))) + u"'",
-                      conn, 1, 3);
+        OpenRecordset(rs, u"select * from admin where username=?", conn, 1, 3,
+                      {Variant(TextOf(CurrentSession().Get(TextOf(Admin_Session))))});
     if (records.Bof() && records.Eof()) {
       CloseAndRelease(rs);
       CloseAndRelease(conn);

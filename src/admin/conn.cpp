@@ -8,22 +8,30 @@ Conn::Conn() : Component(u"\\admin\\conn") {
   Property(u"conn", conn);
   Property(u"connstr", connstr);
   Property(u"DB", DB);
+  Property(u"Admin_Session", Admin_Session);
   Block(u"InitFunction1", [this] { InitFunction1(); });
 }
 
 void Conn::InitFunction1() {
-  Guard(u"InitFunction1", [&] { OpenConnection(*this, u"InitFunction1", DB, connstr, conn); });
+  Guard(u"InitFunction1", [&] {
+    PageHeaderGuard(Admin_Session);
+    OpenConnection(*this, u"InitFunction1", DB, connstr, conn);
+  });
 }
 
 Connstr::Connstr() : Component(u"\\admin\\connstr") {
   Property(u"conn", conn);
   Property(u"connstr", connstr);
   Property(u"ODB", ODB);
+  Property(u"Admin_Session", Admin_Session);
   Block(u"InitFunction1", [this] { InitFunction1(); });
 }
 
 void Connstr::InitFunction1() {
-  Guard(u"InitFunction1", [&] { OpenConnection(*this, u"InitFunction1", ODB, connstr, conn); });
+  Guard(u"InitFunction1", [&] {
+    PageHeaderGuard(Admin_Session);
+    OpenConnection(*this, u"InitFunction1", ODB, connstr, conn);
+  });
 }
 
 }  // namespace ostrakan::admin

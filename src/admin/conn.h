@@ -1,5 +1,7 @@
 // conn.asp (Ostrakan.Class15) and connstr.asp (Ostrakan.Class16): components that only open a
-// connection, to the database named by DB or by ODB (set by the page file beforehand).
+// connection, to the database named by DB or by ODB (set by the page file beforehand). They
+// answer only a signed-in administrator: the page file sets Admin_Session too, and
+// InitFunction1 runs the page header with the guard before it opens the connection.
 #pragma once
 
 #include "frame/component.h"
@@ -9,14 +11,14 @@ namespace ostrakan::admin {
 class Conn : public Component {
  public:
   Conn();
-  Variant conn, connstr, DB;
+  Variant conn, connstr, DB, Admin_Session;
   void InitFunction1();
 };
 
 class Connstr : public Component {
  public:
   Connstr();
-  Variant conn, connstr, ODB;
+  Variant conn, connstr, ODB, Admin_Session;
   void InitFunction1();
 };
 

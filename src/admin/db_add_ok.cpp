@@ -21,14 +21,21 @@ void DbAddOk::InitFunction3() {
     Variant url = request.Form(u"url");
     filtration(url);
     Url = records::StoredAddress(url);
-    if (records::AddressTaken(conn, Url.str())) {
+    records::RecordFields fields{Variant(), Content, Url, Variant(), request.Form(u"source_url")};
+    fields.title = request.Form(u"title");
+    filtration(fields.title);
+    fields.source = request.Form(u"source");
+    filtration(fields.source);
+    const bool stored = records::WriteUnlessAddressTaken(conn, Url.str(), Variant(), [&] {
+      // An empty, updatable set to add the row to.
+      ado::Recordset& records = OpenRecordset(rs, u"select * from db where id is null", conn, 1, 3);
+      records.AddNew();
+      records::StoreRecordForm(records, fields);
+    });
+    if (!stored) {
       CloseAndRelease(conn);
       WriteAndEnd(records::DuplicateAlert(Url.str()));
     }
-    // An empty, updatable set to add the row to.
-    ado::Recordset& records = OpenRecordset(rs, u"select * from db where id is null", conn, 1, 3);
-    records.AddNew();
-    records::StoreRecordForm(records, Url, Content, [this](Variant& v) { return filtration(v); });
     CloseAndRelease(rs);
     CloseAndRelease(conn);
     CurrentResponse().Write(

@@ -27,18 +27,25 @@ void DbEditOk::InitFunction3() {
     Variant url = request.Form(u"url");
     filtration(url);
     Url = records::StoredAddress(url);
-    if (records::AddressTaken(conn, Url.str(), id)) {
+    records::RecordFields fields{Variant(), Content, Url, Variant(), request.Form(u"source_url")};
+    fields.title = request.Form(u"title");
+    filtration(fields.title);
+    fields.source = request.Form(u"source");
+    filtration(fields.source);
+    const bool stored = records::WriteUnlessAddressTaken(conn, Url.str(), id, [&] {
+      ado::Recordset& records =
+          OpenRecordset(rs, u"select * from db where id=" + TextOf(id), conn, 1, 3);
+      if (records.Eof() && records.Bof()) {
+        CloseAndRelease(rs);
+        CloseAndRelease(conn);
+        WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+      }
+      records::StoreRecordForm(records, fields);
+    });
+    if (!stored) {
       CloseAndRelease(conn);
       WriteAndEnd(records::DuplicateAlert(Url.str()));
     }
-    ado::Recordset& records =
-        OpenRecordset(rs, u"select * from db where id=" + TextOf(id), conn, 1, 3);
-    if (records.Eof() && records.Bof()) {
-      CloseAndRelease(rs);
-      CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
-    }
-    records::StoreRecordForm(records, Url, Content, [this](Variant& v) { return filtration(v); });
     CloseAndRelease(rs);
     CloseAndRelease(conn);
     CurrentResponse().Write(u"<Script>window.alert('修改成功！');history.go(-1);</Script>");

@@ -20,7 +20,7 @@ void DbList::InitFunction4() {
 }
 
 void DbList::showContent() {
-  Guard(u"showContent", [&] { records::WriteRecordBody(rs, conn); });
+  Guard(u"showContent", [&] { records::WriteRecordBody(CurrentResponse(), rs, conn); });
 }
 
 }  // namespace ostrakan::admin

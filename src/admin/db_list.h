@@ -1,11 +1,11 @@
 // db_list.asp (Ostrakan.Class30): the video records, twenty a page, newest first.
 #pragma once
 
-#include "records/paged_list.h"
+#include "admin/paged_list.h"
 
 namespace ostrakan::admin {
 
-class DbList : public records::PagedList {
+class DbList : public PagedList {
  public:
   DbList();
   void InitFunction3() {}

@@ -1,6 +1,7 @@
 #include "admin/db_search.h"
 
 #include "frame/data_access.h"
+#include "frame/escape.h"
 #include "records/record_rows.h"
 
 namespace ostrakan::admin {
@@ -30,10 +31,11 @@ void DbSearch::InitFunction3() {
       WriteAndEnd(u"<Script>window.alert('请输入关键字！');history.go(-1);</Script>");
     }
     action = request.QueryString(u"action");
-    // Any other field leaves the condition empty: the search then lists every record.
+    // Any other field leaves the condition empty: the search then lists every record. The word
+    // is bound into the condition.
     const std::u16string field = TextOf(action);
     where_sql = field == u"title" || field == u"content" || field == u"url"
-                    ? u"where " + field + u" like '%" + TextOf(Keyword) + u"%'"
+                    ? u"where " + field + u" like '%' || ? || '%'"
                     : u"";
     searching_ = true;
   });
@@ -46,7 +48,8 @@ void DbSearch::InitFunction5() {
     const std::u16string columns = u"id,title,content,url,source,source_url,time from db ";
     WriteList({u"select count(*) as db_count from db " + where,
                u"select top 20 " + columns + where + u" order by id desc",
-               u"select " + columns + where + u" order by id desc", records::kRecordPageSize},
+               u"select " + columns + where + u" order by id desc", records::kRecordPageSize,
+               where.empty() ? ado::Params{} : ado::Params{Keyword}},
               // An edit or delete started from the results comes back to this search and page.
               [&] {
                 return u"db_search.asp?action=" + TextOf(action) + u"&keyword=" + TextOf(Keyword) +
@@ -56,11 +59,11 @@ void DbSearch::InitFunction5() {
 }
 
 void DbSearch::showContent() {
-  Guard(u"showContent", [&] { records::WriteRecordBody(rs, conn); });
+  Guard(u"showContent", [&] { records::WriteRecordBody(CurrentResponse(), rs, conn); });
 }
 
 std::u16string DbSearch::PagerKeys() const {
-  return u"action=" + TextOf(action) + u"&keyword=" + TextOf(Keyword) + u"&";
+  return u"action=" + HtmlAttr(TextOf(action)) + u"&keyword=" + HtmlAttr(TextOf(Keyword)) + u"&";
 }
 
 }  // namespace ostrakan::admin

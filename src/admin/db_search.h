@@ -2,11 +2,11 @@
 // contains a word, twenty a page, newest first, with the rows of the record list.
 #pragma once
 
-#include "records/paged_list.h"
+#include "admin/paged_list.h"
 
 namespace ostrakan::admin {
 
-class DbSearch : public records::PagedList {
+class DbSearch : public PagedList {
  public:
   Variant Keyword, action, where_sql;
 

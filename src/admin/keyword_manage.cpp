@@ -1,6 +1,7 @@
 #include "admin/keyword_manage.h"
 
 #include "frame/data_access.h"
+#include "frame/escape.h"
 #include "keywords/keyword_rows.h"
 
 namespace ostrakan::admin {
@@ -14,8 +15,9 @@ KeywordManage::KeywordManage() : PagedList(u"\\admin\\keyword_manage", {u"个关
   Block(u"InitFunction5", [this] { InitFunction5(); });
 }
 
-// The filter is taken as typed: it goes into the list query unchanged, and a quote in it makes
-// the query fail (logged, no list).
+// The filter is taken as typed. It is bound into the list query as a LIKE pattern, so its own %
+// and _ still match as wildcards; a quote in it fails the list as it always has (logged, no
+// list), without running anything.
 void KeywordManage::InitFunction3() {
   Guard(u"InitFunction3", [&] { Keyword = CurrentRequest().QueryString(u"keyword"); });
 }
@@ -26,17 +28,19 @@ void KeywordManage::InitFunction5() {
       list_sql = u"order by id desc";
       count_sql = u"";
     } else {
-      const std::u16string where = u"where keyword like '%" + TextOf(Keyword) + u"%'";
+      ado::RefuseQuote(TextOf(Keyword));
+      const std::u16string where = u"where keyword like '%' || ? || '%'";
       list_sql = where + u" order by id desc";
       count_sql = where;
     }
     const int size = keywords::kKeywordPageSize;
     WriteList({u"select count(*) as db_count from keyword " + TextOf(count_sql),
                u"select top " + CStr(Variant(size)) + u" * from keyword " + TextOf(list_sql),
-               u"select * from keyword " + TextOf(list_sql), size},
+               u"select * from keyword " + TextOf(list_sql), size,
+               Equals(Keyword, Variant(u"")) ? ado::Params{} : ado::Params{Keyword}},
               // The deletes come back here, to the same filter and page.
               [&] {
-                return u"keyword_manage.asp?keyword=" + TextOf(Keyword) + u"&page=" +
+                return u"keyword_manage.asp?keyword=" + UrlQuery(TextOf(Keyword)) + u"&page=" +
                        CStr(currentPage);
               });
   });
@@ -46,14 +50,15 @@ void KeywordManage::showContent() {
   Guard(u"showContent", [&] {
     auto records = rs.As<ado::Recordset>();
     if (!records) throw ObjectRequired();
-    keywords::WriteKeywordLines(*records);
+    Response& response = CurrentResponse();
+    keywords::WriteKeywordLines(response, *records);
     CloseAndRelease(rs);
-    CurrentResponse().Write(u"<br>");
+    response.Write(u"<br>");
   });
 }
 
 std::u16string KeywordManage::PagerKeys() const {
-  return u"keyword=" + TextOf(Keyword) + u"&";
+  return u"keyword=" + HtmlAttr(TextOf(Keyword)) + u"&";
 }
 
 }  // namespace ostrakan::admin

@@ -2,11 +2,11 @@
 // an optional substring filter.
 #pragma once
 
-#include "records/paged_list.h"
+#include "admin/paged_list.h"
 
 namespace ostrakan::admin {
 
-class KeywordManage : public records::PagedList {
+class KeywordManage : public PagedList {
  public:
   Variant Keyword, list_sql, count_sql;
 

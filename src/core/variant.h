@@ -9,6 +9,7 @@
 // - Conversions that fail throw ScriptError with the runtime's number and text.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -33,10 +34,15 @@ enum class VarType { Empty, Null, Boolean, Integer, Long, Double, Date, String, 
 class Variant {
  public:
   Variant() = default;
-  Variant(bool v) : value_(v) {}
+  // Only a real bool makes a Boolean: a pointer or a narrow literal must not turn into True.
+  template <class B>
+  requires std::same_as<B, bool>
+  explicit Variant(B v) : value_(v) {}
   Variant(int32_t v) : value_(v) {}
   Variant(double v) : value_(v) {}
   Variant(const char16_t* v) : value_(std::u16string(v)) {}
+  // Text is UTF-16: a narrow literal ("x" instead of u"x") is a mistake, not a Boolean.
+  Variant(const char* v) = delete;
   Variant(std::u16string v) : value_(std::move(v)) {}
   Variant(std::u16string_view v) : value_(std::u16string(v)) {}
   Variant(ObjectRef v) : value_(ObjectSlot{std::move(v)}) {}

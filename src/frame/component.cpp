@@ -1,5 +1,10 @@
 #include "frame/component.h"
 
+#include <optional>
+#include <stdexcept>
+#include <typeinfo>
+#include <variant>
+
 #include "frame/error_log.h"
 
 namespace ostrakan {
@@ -83,6 +88,24 @@ Variant Component::filtration(Variant& input) {
   return GuardValue(u"filtration", [&] { return Filtration(filterKind_, input); });
 }
 
+namespace {
+
+#ifdef OSTRAKAN_STRICT
+constexpr bool kStrict = true;
+#else
+constexpr bool kStrict = false;
+#endif
+
+// A broken precondition of our own code, not a failure of the page's work.
+bool IsProgrammingError(const std::exception& e) {
+  return dynamic_cast<const std::logic_error*>(&e) || dynamic_cast<const std::bad_cast*>(&e) ||
+         dynamic_cast<const std::bad_variant_access*>(&e) ||
+         dynamic_cast<const std::bad_optional_access*>(&e) ||
+         dynamic_cast<const std::bad_function_call*>(&e);
+}
+
+}  // namespace
+
 Variant Component::GuardValue(std::u16string_view method, const std::function<Variant()>& body) {
   std::u16string description;
   try {
@@ -91,6 +114,7 @@ Variant Component::GuardValue(std::u16string_view method, const std::function<Va
     if (e.number == kResponseEndedError) throw;
     description = e.description;
   } catch (const std::exception& e) {
+    if (kStrict && IsProgrammingError(e)) throw;
     description = FromUtf8(e.what());
   }
   LogError(method, description);

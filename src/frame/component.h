@@ -7,16 +7,18 @@
 //
 // The error convention is implemented once, in Guard: ResponseEnded (and any ScriptError with
 // its number) passes on; any other error becomes one line in the error log,
-// "<context>, <method>: <description>", and the method returns normally.
+// "<context>, <method>: <description>", and the method returns normally. Built with
+// OSTRAKAN_STRICT (the test build), programming errors (std::logic_error and its kin, bad casts
+// and accesses) are not logged but rethrown, so that a test fails loudly.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "core/variant.h"
 #include "frame/filtration.h"
 #include "frame/request_context.h"
-#include "core/variant.h"
 
 namespace ostrakan {
 

@@ -1,7 +1,5 @@
 #include "frame/data_access.h"
 
-#include "frame/request_context.h"
-
 namespace ostrakan {
 
 ado::Connection& ConnectionOf(const Variant& conn) {
@@ -10,16 +8,16 @@ ado::Connection& ConnectionOf(const Variant& conn) {
   return *connection;
 }
 
-std::shared_ptr<ado::Recordset> Execute(const Variant& conn, std::u16string_view sql) {
-  return ConnectionOf(conn).Execute(sql);
+std::shared_ptr<ado::Recordset> Execute(const Variant& conn, std::u16string_view sql,
+                                        const ado::Params& params) {
+  return ConnectionOf(conn).Execute(sql, params);
 }
 
 ado::Recordset& OpenRecordset(Variant& holder, std::u16string_view sql, const Variant& conn,
-                              int cursorType, int lockType) {
-  auto records = CurrentServer().CreateObject(u"adodb.recordset").As<ado::Recordset>();
-  if (!records) throw ObjectRequired();
+                              int cursorType, int lockType, ado::Params params) {
+  auto records = std::make_shared<ado::Recordset>();
   holder = records;
-  records->Open(sql, conn, cursorType, lockType);
+  records->Open(sql, conn, cursorType, lockType, std::move(params));
   return *records;
 }
 

@@ -13,13 +13,15 @@ namespace ostrakan {
 // The open connection held by `conn`; "Object required" when it holds none.
 ado::Connection& ConnectionOf(const Variant& conn);
 
-// conn.Execute(sql): one statement; a query's rows come back as an open record set.
-std::shared_ptr<ado::Recordset> Execute(const Variant& conn, std::u16string_view sql);
+// conn.Execute(sql): one statement; a query's rows come back as an open record set. Text that
+// the page did not write itself goes in `params`, bound to the statement's "?" marks.
+std::shared_ptr<ado::Recordset> Execute(const Variant& conn, std::u16string_view sql,
+                                        const ado::Params& params = {});
 
-// A new "adodb.recordset" (through Server.CreateObject), stored in `holder` and opened on
-// `sql` over `conn` with the given cursor and lock types.
+// A new "adodb.recordset", stored in `holder` and opened on `sql` (with `params` bound to its
+// marks) over `conn` with the given cursor and lock types.
 ado::Recordset& OpenRecordset(Variant& holder, std::u16string_view sql, const Variant& conn,
-                              int cursorType = 1, int lockType = 1);
+                              int cursorType = 1, int lockType = 1, ado::Params params = {});
 
 // Whether a request value may go into SQL text as an identifier: not empty, and numeric.
 bool IsValidId(const Variant& id);

@@ -5,16 +5,20 @@
 
 namespace ostrakan {
 
-void PageHeaderGuard(const Variant& adminSession) {
-  Response& response = CurrentResponse();
+void PageHeaderGuard(Response& response, const Session& session, const Variant& adminSession) {
   response.SetExpiresAbsolute(Now() - 1);
   response.SetExpires(0);
-  response.CacheControl = u"no-cache";
+  response.CacheControl = u"no-cache, no-store";
   response.AddHeader(u"Pragma", u"No-Cache");
-  if (Equals(CurrentSession().Get(TextOf(adminSession)), Variant(u"")))
+  if (Equals(session.Get(TextOf(adminSession)), Variant(u"")))
     WriteAndEnd(
+        response,
         u"<Script>window.alert('您目前还没有登录或登录超时！');window.parent.location.replace("
         u"'index.asp');</Script>");
+}
+
+void PageHeaderGuard(const Variant& adminSession) {
+  PageHeaderGuard(CurrentResponse(), CurrentSession(), adminSession);
 }
 
 void OpenConnection(const Component& page, std::u16string_view method, const Variant& db,
@@ -40,9 +44,14 @@ void CloseAndRelease(Variant& object) {
   object = Variant::Nothing();
 }
 
+void WriteAndEnd(Response& response, std::u16string_view text) {
+  response.Write(Variant(text));
+  response.End();
+  throw ResponseEnded{};
+}
+
 void WriteAndEnd(std::u16string_view text) {
-  CurrentResponse().Write(Variant(text));
-  EndResponse();
+  WriteAndEnd(CurrentResponse(), text);
 }
 
 }  // namespace ostrakan

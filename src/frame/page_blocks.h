@@ -7,8 +7,11 @@
 namespace ostrakan {
 
 // Forbids caching of the answer (ExpiresAbsolute yesterday, Expires 0, Cache-Control no-cache,
-// Pragma No-Cache), then refuses a caller whose Session variable named by `adminSession` is
-// empty: the alert sends the top frame to index.asp and the page ends.
+// plus no-store so that no copy of an administration page outlives the sign-out, Pragma
+// No-Cache), then refuses a caller whose Session variable named by `adminSession` is empty:
+// the alert sends the top frame to index.asp and the page ends.
+void PageHeaderGuard(Response& response, const Session& session, const Variant& adminSession);
+// The same for the request being served (the component-side form).
 void PageHeaderGuard(const Variant& adminSession);
 
 // Opens the database named by `db` (relative to the site root; the pages live one folder
@@ -23,6 +26,8 @@ void OpenConnection(const Component& page, std::u16string_view method, const Var
 void CloseAndRelease(Variant& object);
 
 // Writes `text` and ends the page.
+[[noreturn]] void WriteAndEnd(Response& response, std::u16string_view text);
+// The same on the response being served (the component-side form).
 [[noreturn]] void WriteAndEnd(std::u16string_view text);
 
 }  // namespace ostrakan

@@ -1,43 +1,57 @@
 #include "frame/row_deletes.h"
 
 #include "frame/data_access.h"
+#include "frame/escape.h"
 #include "frame/page_blocks.h"
 
 namespace ostrakan {
 
 namespace {
 
-void DeleteRow(const Variant& conn, std::u16string_view table, const Variant& id) {
+void DeleteOne(Response& response, Variant& conn, std::u16string_view table, const Variant& id) {
   if (!IsValidId(id)) {
-    Variant closing = conn;
-    CloseAndRelease(closing);
-    WriteAndEnd(u"非法ID参数");
+    CloseAndRelease(conn);
+    WriteAndEnd(response, u"非法ID参数");
   }
   Execute(conn, u"delete from " + std::u16string(table) + u" where id=" + TextOf(id));
 }
 
 }  // namespace
 
-void DeleteRequestedRow(Variant& conn, std::u16string_view table) {
-  DeleteRow(conn, table, CurrentRequest().QueryString(u"id"));
+void DeleteRow(Response& response, Variant& conn, std::u16string_view table, const Variant& id) {
+  DeleteOne(response, conn, table, id);
   CloseAndRelease(conn);
+}
+
+void DeleteRows(Response& response, Variant& conn, std::u16string_view table, const Variant& first,
+                const std::vector<std::u16string>& ids) {
+  if (Equals(first, Variant(u""))) {
+    CloseAndRelease(conn);
+    WriteAndEnd(response, u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>");
+  }
+  for (const std::u16string& value : ids) DeleteOne(response, conn, table, Variant(value));
+  CloseAndRelease(conn);
+}
+
+std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message,
+                                  const Variant& listUrl) {
+  return u"<" + std::u16string(tag) + u">window.alert('" + std::u16string(message) +
+         u"');location.replace('" + JsString(TextOf(listUrl)) + u"');</" + std::u16string(tag) +
+         u">";
+}
+
+void DeleteRequestedRow(Variant& conn, std::u16string_view table) {
+  DeleteRow(CurrentResponse(), conn, table, CurrentRequest().QueryString(u"id"));
 }
 
 void DeleteTickedRows(Variant& conn, std::u16string_view table) {
   const Request& request = CurrentRequest();
-  if (Equals(request.QueryString(u"id"), Variant(u""))) {
-    CloseAndRelease(conn);
-    WriteAndEnd(u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>");
-  }
-  for (const std::u16string& value : request.queryString.All(u"id"))
-    DeleteRow(conn, table, Variant(value));
-  CloseAndRelease(conn);
+  DeleteRows(CurrentResponse(), conn, table, request.QueryString(u"id"),
+             request.queryString.All(u"id"));
 }
 
 std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message) {
-  return u"<" + std::u16string(tag) + u">window.alert('" + std::u16string(message) +
-         u"');location.replace('" + TextOf(CurrentSession().Get(u"url")) + u"');</" +
-         std::u16string(tag) + u">";
+  return ReturnToListScript(tag, message, CurrentSession().Get(u"url"));
 }
 
 }  // namespace ostrakan

@@ -2,22 +2,35 @@
 // check boxes all named "id"). Identifiers reach the SQL text only after the number test.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/variant.h"
+#include "frame/response.h"
 
 namespace ostrakan {
 
-// Deletes the row of `table` whose id is QueryString "id", then closes `conn`. A missing or
-// non-numeric id closes `conn`, writes "非法ID参数" and ends the page.
+// Deletes the row of `table` whose id is `id`, then closes `conn`. A missing or non-numeric id
+// closes `conn`, writes "非法ID参数" to `response` and ends the page.
+void DeleteRow(Response& response, Variant& conn, std::u16string_view table, const Variant& id);
+
+// Deletes the rows of `table` named by `ids` (every "id" value of the query string), in order,
+// then closes `conn`. No value at all (`first`, the combined "id" value, is empty) refuses
+// with the "nothing ticked" alert; a bad value closes `conn`, writes "非法ID参数" and ends the
+// page, the rows before it staying deleted.
+void DeleteRows(Response& response, Variant& conn, std::u16string_view table, const Variant& first,
+                const std::vector<std::u16string>& ids);
+
+// The alert that reports a delete and returns to `listUrl` (the list page kept in Session
+// "url"), which is written as a script string: no address can end the script.
+std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message,
+                                  const Variant& listUrl);
+
+// Component-side forms of the above that read QueryString "id" and Session "url" of the
+// request being served.
 void DeleteRequestedRow(Variant& conn, std::u16string_view table);
-
-// Deletes the rows of `table` named by each "id" value of the query string, in order, then
-// closes `conn`. No value at all refuses with the "nothing ticked" alert; a bad value closes
-// `conn`, writes "非法ID参数" and ends the page, the rows before it staying deleted.
 void DeleteTickedRows(Variant& conn, std::u16string_view table);
-
-// The alert that reports a delete and returns to the list page kept in Session "url".
 std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message);
 
 }  // namespace ostrakan

@@ -1,6 +1,6 @@
 #include "keywords/keyword_rows.h"
 
-#include "frame/request_context.h"
+#include "frame/escape.h"
 
 namespace ostrakan::keywords {
 
@@ -13,15 +13,15 @@ std::u16string KeywordCell(const ado::Recordset& rs) {
   const std::u16string word = TextOf(rs.Field(u"keyword"));
   return u"<table width='100%' border='0' cellspacing='0' cellpadding='2'><tr><td>"
          u"<input name='id' type='checkbox' value='" +
-         id + u"'> <b>" + word + u"</b> [<a href='javascript:keyword_delete(" + id +
+         id + u"'> <b>" + HtmlText(word) + u"</b> [<a href='javascript:keyword_delete(" + id +
          u")'>删除</a>]</td></tr><tr><td>搜索次数：" + TextOf(rs.Field(u"hot")) +
-         u" <a href='keyword_manage.asp?keyword=" + word + u"'>相关搜索</a></td></tr></table>";
+         u" <a href='keyword_manage.asp?keyword=" + HtmlAttr(word) +
+         u"'>相关搜索</a></td></tr></table>";
 }
 
 }  // namespace
 
-void WriteKeywordLines(ado::Recordset& rs) {
-  Response& response = CurrentResponse();
+void WriteKeywordLines(Response& response, ado::Recordset& rs) {
   for (int line = 0; line < kKeywordLines; ++line) {
     std::u16string text =
         u"<table width='750' border='0' align='center' cellpadding='0' cellspacing='0'><tr>";

@@ -1,7 +1,10 @@
 // The body of the keyword list: lines of three keyword cells, each cell a check box, the word,
 // its delete action, how often it was searched and a link to the entries that contain it.
+// The words come from the public site's visitors: they are written escaped, so a plain word
+// reads exactly as before and markup in one stays text.
 #pragma once
 
+#include "frame/response.h"
 #include "platform/ado/recordset.h"
 
 namespace ostrakan::keywords {
@@ -16,6 +19,6 @@ constexpr int kKeywordsPerLine = 3;
 // Writes the lines from the set's current row on, advancing past each entry written; a line
 // always has its three cells (empty ones once the set is at its end), and the lines stop after
 // the one that reached the end.
-void WriteKeywordLines(ado::Recordset& rs);
+void WriteKeywordLines(Response& response, ado::Recordset& rs);
 
 }  // namespace ostrakan::keywords

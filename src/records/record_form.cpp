@@ -1,8 +1,9 @@
 #include "records/record_form.h"
 
 #include "frame/data_access.h"
+#include "frame/escape.h"
 #include "frame/filtration.h"
-#include "frame/request_context.h"
+#include "platform/ado/write_transaction.h"
 
 namespace ostrakan::records {
 
@@ -11,37 +12,40 @@ std::u16string StoredAddress(const Variant& address) {
 }
 
 bool AddressTaken(const Variant& conn, std::u16string_view url, const Variant& ownId) {
-  const std::u16string where = u" from db where url = '" + std::u16string(url) + u"'";
+  const ado::Params address{Variant(url)};
   if (ownId.IsEmpty()) {
-    auto found = Execute(conn, u"select url" + where);
+    auto found = Execute(conn, u"select url from db where url = ?", address);
     const bool taken = !found->Eof();
     found->Close();
     return taken;
   }
   // The record's number arrives as text; it is compared as a number with the stored one.
-  auto found = Execute(conn, u"select id,url" + where);
+  auto found = Execute(conn, u"select id,url from db where url = ?", address);
   const bool taken = !found->Eof() && CDbl(found->Field(u"id")) != CDbl(ownId);
   found->Close();
   return taken;
 }
 
+bool WriteUnlessAddressTaken(const Variant& conn, std::u16string_view url, const Variant& ownId,
+                             const std::function<void()>& write) {
+  ado::WriteTransaction transaction(ConnectionOf(conn));
+  if (AddressTaken(conn, url, ownId)) return false;
+  write();
+  transaction.Commit();
+  return true;
+}
+
 std::u16string DuplicateAlert(std::u16string_view url) {
-  return u"<Script>window.alert('已经存在“" + std::u16string(url) +
+  return u"<Script>window.alert('已经存在“" + JsString(url) +
          u"”这条记录！');history.go(-1);</Script>";
 }
 
-void StoreRecordForm(ado::Recordset& rs, const Variant& url, const Variant& content,
-                     const TextFilter& filter) {
-  Request& request = CurrentRequest();
-  Variant title = request.Form(u"title");
-  filter(title);
-  Variant source = request.Form(u"source");
-  filter(source);
-  rs.SetField(u"title", title);
-  rs.SetField(u"url", url);
-  rs.SetField(u"content", Equals(content, Variant(u"")) ? Variant::Null() : content);
-  rs.SetField(u"source", source);
-  rs.SetField(u"source_url", StoredAddress(request.Form(u"source_url")));
+void StoreRecordForm(ado::Recordset& rs, const RecordFields& fields) {
+  rs.SetField(u"title", fields.title);
+  rs.SetField(u"url", fields.url);
+  rs.SetField(u"content", Equals(fields.content, Variant(u"")) ? Variant::Null() : fields.content);
+  rs.SetField(u"source", fields.source);
+  rs.SetField(u"source_url", StoredAddress(fields.sourceUrl));
   rs.Update();
 }
 

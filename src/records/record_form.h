@@ -13,8 +13,11 @@
 
 namespace ostrakan::records {
 
-// The page's `filtration`: rewrites its argument in place and returns it.
-using TextFilter = std::function<Variant(Variant&)>;
+// The five texts of a record as the page hands them over: `title`, `source` and `content`
+// through the page's filter, `url` as stored (filtered, without "http://"), `sourceUrl` as typed.
+struct RecordFields {
+  Variant title, content, url, source, sourceUrl;
+};
 
 // The address as stored: every "http://" removed (case-sensitive).
 std::u16string StoredAddress(const Variant& address);
@@ -23,13 +26,19 @@ std::u16string StoredAddress(const Variant& address);
 // Empty and any record with the address counts; an edited record may keep its own address.
 bool AddressTaken(const Variant& conn, std::u16string_view url, const Variant& ownId = Variant());
 
+// The duplicate test of `url` and `write` in one write transaction on `conn`: `write` runs only
+// when no record other than `ownId` has the address, and its changes are committed with the
+// test, so two identical posts at the same moment store the address once (the second waits for
+// the first's commit, then finds the address). Returns false, having written nothing, when the
+// address is taken. An error or the end of the page inside `write` rolls everything back.
+bool WriteUnlessAddressTaken(const Variant& conn, std::u16string_view url, const Variant& ownId,
+                             const std::function<void()>& write);
+
 // The refusal of an address in use: the address between the full-width quotation marks.
 std::u16string DuplicateAlert(std::u16string_view url);
 
-// Sets the five fields of the set's new or current row from the posted form and writes the
-// row: the title and the source through `filter`, `url` and `content` as the page prepared
-// them (an empty content is stored as Null), the source address without "http://".
-void StoreRecordForm(ado::Recordset& rs, const Variant& url, const Variant& content,
-                     const TextFilter& filter);
+// Sets the five fields of the set's new or current row and writes the row: an empty content
+// is stored as Null, the source address without "http://".
+void StoreRecordForm(ado::Recordset& rs, const RecordFields& fields);
 
 }  // namespace ostrakan::records

@@ -131,7 +131,7 @@ TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
       " ('苹果手机', 4), ('苹果', 5), ('香蕉', 6)");
   EXPECT_EQ(Ids(List({{u"keyword", u"apple"}})), (std::vector<int>{3, 1}));  // any case
   EXPECT_EQ(Ids(List({{u"keyword", u"苹果"}})), (std::vector<int>{5, 4}));
-  EXPECT_EQ(CStr(session->Get(u"url")), u"keyword_manage.asp?keyword=苹果&page=1");
+  EXPECT_EQ(CStr(session->Get(u"url")), u"keyword_manage.asp?keyword=%C6%BB%B9%FB&page=1");
   EXPECT_EQ(Ids(List({{u"keyword", u"none"}})), std::vector<int>{});
   EXPECT_EQ(Ids(List({{u"keyword", u""}})), Descending(6, 1));
 
@@ -152,24 +152,67 @@ TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
   EXPECT_EQ(CStr(session->Get(u"url")), u"keyword_manage.asp?keyword=x&page=2");
 }
 
-TEST_F(KeywordPages, AQueryThatCannotRunIsLoggedAndThePageGoesOn) {
+TEST_F(KeywordPages, NoFilterChangesTheStatement) {
   AddWords(3);
-  bool ranToEnd = false;
-  std::u16string text = Run(
-      u"Ostrakan.Class10", {{u"keyword", u"it's"}},
-      {u"InitFunction1", u"InitFunction2", u"InitFunction3", u"InitFunction4", u"InitFunction5"},
-      &ranToEnd);
-  EXPECT_TRUE(ranToEnd);
-  EXPECT_EQ(text, u"");
-  EXPECT_NE(site.log().find("\\admin\\keyword_manage, InitFunction5: "), std::string::npos)
+  Sql(site.database(),
+      "insert into admin (username, password) values ('root', 'd41d8cd98f00b204e9800998ecf8427e');"
+      "insert into keyword (keyword, hot) values ('50%_off', 9), ('a\"b--;', 9)");
+  // A quote fails the list as it always did (logged, nothing listed), and runs nothing: the
+  // injection that once listed the administrators lists nothing at all.
+  for (const char16_t* quoted : {u"it's", u"%' union select id,username,password from admin --"}) {
+    bool ranToEnd = false;
+    std::u16string text = Run(
+        u"Ostrakan.Class10", {{u"keyword", quoted}},
+        {u"InitFunction1", u"InitFunction2", u"InitFunction3", u"InitFunction4", u"InitFunction5"},
+        &ranToEnd);
+    EXPECT_TRUE(ranToEnd);
+    EXPECT_EQ(text, u"");
+  }
+  const std::string log = site.log();
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
+  EXPECT_NE(site.log().find("\\admin\\keyword_manage, InitFunction5: Syntax error in string"),
+            std::string::npos)
       << site.log();
-  EXPECT_EQ(SqlValue(site.database(), "select count(*) from keyword"), "3");
+  // Every other sign is data: LIKE's wildcards still match as wildcards, the rest literally.
+  EXPECT_EQ(Ids(List({{u"keyword", u"a\"b--;"}})), (std::vector<int>{5}));
+  EXPECT_EQ(Ids(List({{u"keyword", u"0%_o"}})), (std::vector<int>{4}));
+  EXPECT_EQ(Ids(List({{u"keyword", u"%"}})), Descending(5, 1));
+  EXPECT_EQ(Ids(List({{u"keyword", std::u16string(u"a\0b", 3)}})), std::vector<int>{});
+  EXPECT_EQ(SqlValue(site.database(), "select count(*) from keyword"), "5");
 
   // A page number that is not a number stops the list the same way.
   EXPECT_EQ(List({{u"page", u"two"}}), u"");
   EXPECT_NE(site.log().find("\\admin\\keyword_manage, InitFunction5: Type mismatch"),
             std::string::npos)
       << site.log();
+}
+
+TEST_F(KeywordPages, VisitorsWordsAndFiltersCannotBreakOutOfTheMarkupOrTheScript) {
+  Sql(site.database(),
+      "insert into keyword (keyword, hot) values ('<img src=x onerror=alert(1)>', 1), ('tom & "
+      "jerry', 2)");
+  std::u16string list = List({});
+  EXPECT_EQ(list.find(u"<img"), std::u16string::npos);
+  EXPECT_NE(list.find(u"<b>&lt;img src=x onerror=alert(1)&gt;</b>"), std::u16string::npos);
+  EXPECT_NE(list.find(u"<b>tom &amp; jerry</b>"), std::u16string::npos);
+
+  // A filter that closes the script: the delete answers with the address as a script string.
+  const std::u16string breaking = u"</script><script>alert(1)</script>";
+  List({{u"keyword", breaking}});
+  for (const auto& [action, id] : {std::pair{u"del", u"1"}, {u"alldel", u"2"}}) {
+    std::u16string done = Ok({{u"action", action}, {u"id", id}});
+    EXPECT_EQ(done.find(u"</script><script>"), std::u16string::npos) << ToUtf8(done);
+    EXPECT_NE(done.find(u"location.replace('keyword_manage.asp?keyword=%3C%2Fscript%3E%3Cscript%3E"
+                        u"alert%281%29%3C%2Fscript%3E&page=1');</Script>"),
+              std::u16string::npos)
+        << ToUtf8(done);
+  }
+  // A Session "url" set elsewhere cannot end the script either.
+  session->Set(u"url", Variant(u"x');alert(1);//</script>"));
+  Sql(site.database(), "insert into keyword (keyword) values ('w')");
+  EXPECT_EQ(Ok({{u"action", u"del"}, {u"id", u"3"}}),
+            u"<Script>window.alert('删除成功！');location.replace('x\\');alert(1);//\\x3c/"
+            u"script>');</Script>");
 }
 
 TEST_F(KeywordPages, ADeleteReturnsToTheFilterAndPageItCameFrom) {

@@ -23,6 +23,8 @@ class Probe : public SitePage {
     Block(u"InitFunction4", [this] { Guard(u"InitFunction4", [this] { Helper(); }); });
     Block(u"InitFunction5",
           [this] { Guard(u"InitFunction5", [] { throw std::runtime_error("disk full"); }); });
+    Block(u"InitFunction6",
+          [this] { Guard(u"InitFunction6", [] { (void)std::vector<int>().at(3); }); });
   }
   void Helper() {
     Guard(u"Helper", [] { WriteAndEnd(u"stop"); });
@@ -46,6 +48,17 @@ TEST(Component, AnErrorIsLoggedOnceAndThePageGoesOn) {
   EXPECT_TRUE(RunBlocks(page, {u"InitFunction5"}));
   EXPECT_NE(site.log().find("\\admin\\sort_manage, InitFunction5: disk full"), std::string::npos);
 }
+
+#ifdef OSTRAKAN_STRICT
+// In the test build a programming error is not swallowed into the log.
+TEST(Component, AProgrammingErrorEscapesTheGuardInTheTestBuild) {
+  TestSite site;
+  TestRequest request(site);
+  Probe page;
+  EXPECT_THROW(RunBlocks(page, {u"InitFunction6"}), std::out_of_range);
+  EXPECT_EQ(site.log(), "");
+}
+#endif
 
 TEST(Component, EndingTheResponsePassesThroughNestedMethodsUnlogged) {
   TestSite site;

@@ -39,10 +39,11 @@ TEST(PageHeaderGuard, RefusesWithoutSessionButSendsCacheHeaders) {
   EXPECT_EQ(request.text(),
             u"<Script>window.alert('您目前还没有登录或登录超时！');window.parent.location."
             u"replace('index.asp');</Script>");
+  // no-store as well, so that no copy of an administration page outlives the sign-out.
   bool pragma = false, noCache = false, expires = false;
   for (const auto& [name, value] : request.response().Headers()) {
     pragma |= name == "Pragma" && value == "No-Cache";
-    noCache |= name == "Cache-Control" && value == "no-cache";
+    noCache |= name == "Cache-Control" && value == "no-cache, no-store";
     expires |= name == "Expires";
   }
   EXPECT_TRUE(pragma && noCache && expires);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <functional>
 #include <thread>
+#include <type_traits>
 
 #include "platform/ado/connection.h"
 #include "support/page_harness.h"
@@ -429,6 +430,84 @@ TEST_F(Database, ARecordSetNeedsAnOpenConnection) {
   conn->Close();
   EXPECT_EQ(conn->State(), 0);
   EXPECT_EQ(ErrorOf([&] { Query(conn, u"select * from db"); }), 3704);
+}
+
+// A copy would finalize the statement or close the database twice.
+static_assert(!std::is_copy_constructible_v<Recordset> && !std::is_copy_assignable_v<Recordset>);
+static_assert(!std::is_copy_constructible_v<Connection> && !std::is_copy_assignable_v<Connection>);
+
+TEST_F(Database, WhereASetStandsIsOneStateThatCloseEnds) {
+  Sql(file(), "insert into db(title) values('a'),('b')");
+  auto conn = Connect();
+  auto empty = Query(conn, u"select * from db where id < 0");
+  EXPECT_TRUE(empty->Bof() && empty->Eof());
+  auto rs = Query(conn, u"select * from db order by id", 3);
+  EXPECT_FALSE(rs->Bof() || rs->Eof());
+  rs->Move(-1);  // before the first row: BOF only, and no current row
+  EXPECT_TRUE(rs->Bof() && !rs->Eof());
+  EXPECT_EQ(ErrorOf([&] { rs->Field(u"title"); }), 3021);
+  rs->Move(2);
+  EXPECT_EQ(CStr(rs->Field(u"title")), u"b");
+  rs->MoveNext();  // past the last row: EOF only
+  EXPECT_TRUE(rs->Eof() && !rs->Bof());
+  rs->AddNew();  // an added row is neither BOF nor EOF, and stands on its row once written
+  EXPECT_FALSE(rs->Eof() || rs->Bof());
+  rs->SetField(u"title", Variant(u"c"));
+  rs->Update();
+  EXPECT_EQ(CStr(rs->Field(u"title")), u"c");
+  rs->Close();
+  rs->Close();
+  EXPECT_EQ(rs->State(), 0);
+  EXPECT_EQ(ErrorOf([&] { rs->Eof(); }), 3704);
+  EXPECT_EQ(ErrorOf([&] { rs->MoveNext(); }), 3704);
+  rs->Open(u"select * from db where title='c'", Variant(conn), 1, 1);  // a closed set reopens
+  EXPECT_EQ(CLng(rs->Field(u"id")), 3);
+}
+
+TEST_F(Database, BoundTextIsDataWhateverItHolds) {
+  Sql(file(), "insert into admin(username,password) values('root','digest')");
+  for (int i = 0; i < 100; ++i) Sql(file(), "insert into keyword(keyword,hot) values('k',1)");
+  Sql(file(), "insert into keyword(keyword,hot) values('it''s',1)");
+  auto conn = Connect();
+  const std::u16string where = u"from keyword where keyword like '%' || ? || '%'";
+  const Variant injection(u"%' union select id,username,password from admin --");
+  auto rs = conn->Execute(u"select * " + where, {injection});
+  EXPECT_TRUE(rs->Eof());
+  rs = conn->Execute(u"select * " + where + u" order by id", {Variant(u"'")});
+  EXPECT_EQ(CStr(rs->Field(u"keyword")), u"it's");
+
+  // The values stay bound when the set re-runs its query: long moves, moves back, counting.
+  auto many = std::make_shared<Recordset>();
+  many->Open(u"select * " + where + u" order by id", Variant(conn), 1, 1, {Variant(u"k")});
+  EXPECT_EQ(many->RecordCount(), 100);
+  many->Move(90);
+  EXPECT_EQ(CLng(many->Field(u"id")), 91);
+  many->Move(-5);
+  EXPECT_EQ(CLng(many->Field(u"id")), 86);
+
+  conn->Execute(u"update keyword set hot = ? where keyword = ?", {Variant(7), injection});
+  conn->Execute(u"update keyword set hot = ? where keyword = ?", {Variant(9), Variant(u"it's")});
+  EXPECT_EQ(Value("select group_concat(distinct hot) from keyword"), "1,9");
+  // Marks and values that differ in number are a mistake of the caller.
+  EXPECT_THROW(conn->Execute(u"select * " + where), std::invalid_argument);
+}
+
+TEST_F(Database, TextWithANulNeverReachesAStatement) {
+  Sql(file(), "insert into db(title) values('a')");
+  auto conn = Connect();
+  const std::u16string nul(u"a\0b", 3);
+  for (auto run : std::vector<std::function<void()>>{
+           [&] { conn->Execute(u"delete from db where title='" + nul + u"'"); },
+           [&] { conn->Execute(u"delete from db where title=?", {Variant(nul)}); },
+           [&] { Query(conn, u"select * from db where title like '" + nul + u"%'"); }}) {
+    try {
+      run();
+      ADD_FAILURE() << "a NUL was accepted";
+    } catch (const ScriptError& e) {
+      EXPECT_EQ(e.description, NulInText().description);
+    }
+  }
+  EXPECT_EQ(Value("select count(*) from db"), "1");
 }
 
 }  // namespace

@@ -39,8 +39,9 @@ std::u16string DatabasePathOf(std::u16string_view connectionString) {
   return {};
 }
 
-Connection::~Connection() {
-  if (db_) sqlite3_close_v2(db_);
+void Connection::Closer::operator()(sqlite3* db) const {
+  // Statements of record sets still open keep the database until they are finalized.
+  sqlite3_close_v2(db);
 }
 
 void Connection::Open(std::u16string_view connectionString) {
@@ -65,16 +66,16 @@ void Connection::Open(std::u16string_view connectionString) {
     sqlite3_close_v2(db);
     throw error;
   }
-  db_ = db;
+  db_.reset(db);
 }
 
-std::shared_ptr<Recordset> Connection::Execute(std::u16string_view sql) {
+std::shared_ptr<Recordset> Connection::Execute(std::u16string_view sql, const Params& params) {
   sqlite3* db = handle();
-  StatementPtr stmt = PrepareOne(db, AdaptStatement(sql));
+  StatementPtr stmt = PrepareWith(db, AdaptStatement(sql), params);
   auto rs = std::make_shared<Recordset>();
   if (sqlite3_column_count(stmt.get()) > 0) {
     stmt.reset();
-    rs->Open(sql, Variant(shared_from_this()), 0, 1);
+    rs->Open(sql, Variant(shared_from_this()), 0, 1, params);
     recordsAffected_ = 0;
   } else {
     recordsAffected_ = RunWrite(db, stmt.get());
@@ -83,14 +84,12 @@ std::shared_ptr<Recordset> Connection::Execute(std::u16string_view sql) {
 }
 
 void Connection::Close() {
-  // Statements of record sets still open keep the database until they are finalized.
-  if (db_) sqlite3_close_v2(db_);
-  db_ = nullptr;
+  db_.reset();
 }
 
 sqlite3* Connection::handle() const {
   if (!db_) throw ScriptError(3704, u"Operation is not allowed when the object is closed.");
-  return db_;
+  return db_.get();
 }
 
 }  // namespace ostrakan::ado

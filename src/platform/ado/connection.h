@@ -4,13 +4,16 @@
 // that the components build, and opens that SQLite file for reading and writing; it never
 // creates a file. Each connection uses WAL journaling, a 5-second busy time-out, and wraps a
 // write in BEGIN IMMEDIATE when no transaction is open, so that pages run side by side.
-// One Execute runs exactly one statement; text after it is an error.
+// One Execute runs exactly one statement; text after it is an error. Text that a caller did
+// not write itself goes into the statement as a bound value (Params), never into its text.
+// A connection owns its SQLite handle and cannot be copied (a copy would close it twice).
 #pragma once
 
 #include <memory>
 #include <string>
 
 #include "core/variant.h"
+#include "platform/ado/statement.h"
 
 struct sqlite3;
 
@@ -20,11 +23,15 @@ class Recordset;
 
 class Connection : public Object, public std::enable_shared_from_this<Connection> {
  public:
-  ~Connection() override;
+  Connection() = default;
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  ~Connection() override = default;
   void Open(std::u16string_view connectionString);  // raises ScriptError on failure
   // Runs one statement. A query returns an open record set on its rows; any other statement
   // returns a closed record set. recordsAffected counts rows changed by the last statement.
-  std::shared_ptr<Recordset> Execute(std::u16string_view sql);
+  // `params` are bound to the statement's "?" marks, in order.
+  std::shared_ptr<Recordset> Execute(std::u16string_view sql, const Params& params = {});
   void Close();
   int State() const { return db_ ? 1 : 0; }  // 0 closed, 1 open
   long recordsAffected() const { return recordsAffected_; }
@@ -33,7 +40,10 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   sqlite3* handle() const;  // raises error 3704 when closed
 
  private:
-  sqlite3* db_ = nullptr;
+  struct Closer {
+    void operator()(sqlite3* db) const;
+  };
+  std::unique_ptr<sqlite3, Closer> db_;
   long recordsAffected_ = 0;
 };
 

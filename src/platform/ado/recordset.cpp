@@ -7,7 +7,7 @@
 namespace ostrakan::ado {
 namespace {
 
-ScriptError NoCurrentRecord() {
+ScriptError RowRequired() {
   return {3021,
           u"Either BOF or EOF is True, or the current record has been deleted. Requested "
           u"operation requires a current record."};
@@ -36,12 +36,8 @@ constexpr size_t npos = std::u16string::npos;
 
 }  // namespace
 
-Recordset::~Recordset() {
-  if (stmt_) sqlite3_finalize(stmt_);
-}
-
 void Recordset::RequireOpen() const {
-  if (!stmt_ && !adding_) {
+  if (cursor_ == Cursor::Closed) {
     throw ScriptError(3704, u"Operation is not allowed when the object is closed.");
   }
 }
@@ -56,8 +52,8 @@ void Recordset::RequireUpdatable() const {
 }
 
 void Recordset::Open(std::u16string_view sql, const Variant& activeConnection, int /*cursorType*/,
-                     int lockType) {
-  if (stmt_ || adding_) {
+                     int lockType, Params params) {
+  if (cursor_ != Cursor::Closed) {
     throw ScriptError(3705, u"Operation is not allowed when the object is open.");
   }
   conn_ = activeConnection.As<Connection>();
@@ -71,6 +67,7 @@ void Recordset::Open(std::u16string_view sql, const Variant& activeConnection, i
                       u"conflict with one another.");
   }
   lockType_ = lockType;
+  params_ = std::move(params);
   sql_ = AdaptStatement(sql);
   table_ = TableOfQuery(sql_);
   Prepare();
@@ -79,9 +76,13 @@ void Recordset::Open(std::u16string_view sql, const Variant& activeConnection, i
   Advance();
 }
 
+StatementPtr Recordset::PrepareBound(std::u16string_view sql) const {
+  return PrepareWith(conn_->handle(), sql, params_);
+}
+
 void Recordset::Prepare() {
   sqlite3* db = conn_->handle();
-  StatementPtr stmt = PrepareOne(db, sql_);
+  StatementPtr stmt = PrepareBound(sql_);
   const int count = sqlite3_column_count(stmt.get());
   if (count == 0) {
     RunWrite(db, stmt.get());
@@ -90,7 +91,7 @@ void Recordset::Prepare() {
   names_.clear();
   isDate_.clear();
   keyColumn_ = -1;
-  hiddenKey_ = false;
+  keyName_ = u"\"id\"";
   for (int i = 0; i < count; ++i) {
     const auto* name = static_cast<const char16_t*>(sqlite3_column_name16(stmt.get(), i));
     names_.emplace_back(name ? name : u"");
@@ -103,118 +104,109 @@ void Recordset::Prepare() {
     std::u16string keyed = sql_;
     keyed.insert(from, u", rowid AS " + std::u16string(kHiddenKey) + u" ");
     try {
-      stmt = PrepareOne(db, keyed);
+      stmt = PrepareBound(keyed);
       sql_ = std::move(keyed);
       keyColumn_ = count;
-      hiddenKey_ = true;
+      keyName_ = u"rowid";
     } catch (const ScriptError&) {
       // A query that cannot carry a rowid (grouped, joined ...) stays unkeyed.
     }
   }
-  stmt_ = stmt.release();
+  stmt_ = std::move(stmt);
+  cursor_ = Cursor::Empty;
 }
 
 void Recordset::Execute() {
-  if (skipping_) {
-    StatementPtr whole = PrepareOne(conn_->handle(), sql_);
-    sqlite3_finalize(stmt_);
-    stmt_ = whole.release();
-    skipping_ = false;
+  if (offset_ > 0) {
+    stmt_ = PrepareBound(sql_);
+    offset_ = 0;
   }
-  sqlite3_reset(stmt_);
-  hasRow_ = false;
-  pending_ = true;
+  sqlite3_reset(stmt_.get());
   position_ = -1;
   StepStatement();
-  bof_ = true;
-  eof_ = !pending_;
+  cursor_ = pending_ ? Cursor::BeforeFirst : Cursor::Empty;
 }
 
 void Recordset::SkipTo(long row) {
-  StatementPtr rest =
-      PrepareOne(conn_->handle(), std::u16string(TrimStatementEnd(sql_)) + u" limit -1 offset " +
-                                      FromUtf8(std::to_string(row)));
-  sqlite3_finalize(stmt_);
-  stmt_ = rest.release();
-  skipping_ = true;
-  hasRow_ = false;
+  stmt_ = PrepareBound(std::u16string(TrimStatementEnd(sql_)) + u" limit -1 offset " +
+                       FromUtf8(std::to_string(row)));
+  offset_ = row;
   position_ = row - 1;
   StepStatement();
   Advance();
 }
 
 void Recordset::StepStatement() {
-  const int rc = sqlite3_step(stmt_);
+  sqlite3_stmt* stmt = stmt_.get();
+  const int rc = sqlite3_step(stmt);
   if (rc == SQLITE_ROW) {
     pending_ = true;
     return;
   }
   pending_ = false;
   if (rc == SQLITE_DONE) {
-    sqlite3_reset(stmt_);  // ends the read at once; the statement can run again
+    sqlite3_reset(stmt);  // ends the read at once; the statement can run again
     return;
   }
-  ScriptError error = SqliteError(sqlite3_db_handle(stmt_));
-  sqlite3_reset(stmt_);
+  ScriptError error = SqliteError(sqlite3_db_handle(stmt));
+  sqlite3_reset(stmt);
   throw error;
 }
 
 void Recordset::LoadRow() {
+  sqlite3_stmt* stmt = stmt_.get();
   row_.resize(names_.size());
   for (size_t i = 0; i < names_.size(); ++i) {
-    row_[i] = ColumnVariant(stmt_, static_cast<int>(i), isDate_[i]);
+    row_[i] = ColumnVariant(stmt, static_cast<int>(i), isDate_[i]);
   }
-  keyValid_ = keyColumn_ >= 0 && sqlite3_column_type(stmt_, keyColumn_) == SQLITE_INTEGER;
-  rowKey_ = keyValid_ ? sqlite3_column_int64(stmt_, keyColumn_) : 0;
+  rowKey_.reset();
+  if (keyColumn_ >= 0 && sqlite3_column_type(stmt, keyColumn_) == SQLITE_INTEGER) {
+    rowKey_ = sqlite3_column_int64(stmt, keyColumn_);
+  }
 }
 
 void Recordset::Advance() {
   ++position_;
   if (!pending_) {
-    hasRow_ = false;
-    eof_ = true;
+    if (cursor_ != Cursor::Empty) cursor_ = Cursor::AfterLast;
     return;
   }
   LoadRow();
-  hasRow_ = true;
-  bof_ = false;
-  eof_ = false;
+  cursor_ = Cursor::OnRow;
   StepStatement();
 }
 
 void Recordset::Close() {
   // Closing twice is harmless; pending changes are dropped, as a close without Update does.
-  if (stmt_) sqlite3_finalize(stmt_);
-  stmt_ = nullptr;
+  stmt_.reset();
   names_.clear();
   isDate_.clear();
   row_.clear();
   edits_.clear();
-  adding_ = false;
-  skipping_ = false;
-  hasRow_ = pending_ = false;
-  eof_ = bof_ = true;
+  cursor_ = Cursor::Closed;
+  offset_ = 0;
+  pending_ = false;
   position_ = -1;
 }
 
 bool Recordset::Eof() const {
   RequireOpen();
-  return !adding_ && eof_;
+  return cursor_ == Cursor::AfterLast || cursor_ == Cursor::Empty;
 }
 
 bool Recordset::Bof() const {
   RequireOpen();
-  return !adding_ && bof_;
+  return cursor_ == Cursor::BeforeFirst || cursor_ == Cursor::Empty;
 }
 
 void Recordset::SaveEdits() {
-  if (adding_ || !edits_.empty()) Update();
+  if (cursor_ == Cursor::Adding || !edits_.empty()) Update();
 }
 
 void Recordset::MoveNext() {
   RequireOpen();
   SaveEdits();
-  if (eof_) throw NoCurrentRecord();
+  if (Eof()) throw RowRequired();
   Advance();
 }
 
@@ -223,7 +215,7 @@ void Recordset::Move(long n) {
   SaveEdits();
   if (n == 0) return;
   if (n > 0) {
-    if (eof_) throw NoCurrentRecord();
+    if (Eof()) throw RowRequired();
     if (n > kLongMove && lockType_ <= 1 && TopLevelKeyword(sql_, u"limit") == npos) {
       SkipTo(position_ + n);
       return;
@@ -236,7 +228,7 @@ void Recordset::Move(long n) {
     Advance();
     return;
   }
-  if (bof_ && !hasRow_) throw NoCurrentRecord();
+  if (Bof()) throw RowRequired();
   const long target = position_ + n;
   Execute();
   if (target < 0) return;  // before the first row: BOF
@@ -251,7 +243,7 @@ void Recordset::MoveFirst() {
   RequireOpen();
   SaveEdits();
   Execute();
-  if (!pending_) throw NoCurrentRecord();
+  if (!pending_) throw RowRequired();
   Advance();
 }
 
@@ -275,8 +267,8 @@ Variant Recordset::FieldAt(int ordinal) const {
   for (const auto& [name, value] : edits_) {
     if (IEquals(name, names_[ordinal])) return value;
   }
-  if (adding_) return Variant::Null();
-  if (!hasRow_) throw NoCurrentRecord();
+  if (cursor_ == Cursor::Adding) return Variant::Null();
+  if (cursor_ != Cursor::OnRow) throw RowRequired();
   return row_[ordinal];
 }
 
@@ -284,7 +276,7 @@ void Recordset::SetField(std::u16string_view name, Variant value) {
   RequireUpdatable();
   const int index = IndexOf(name);
   if (index < 0) throw ItemNotFound();
-  if (!adding_ && !hasRow_) throw NoCurrentRecord();
+  if (cursor_ != Cursor::Adding && cursor_ != Cursor::OnRow) throw RowRequired();
   for (auto& edit : edits_) {
     if (IEquals(edit.first, names_[index])) {
       edit.second = std::move(value);
@@ -297,21 +289,22 @@ void Recordset::SetField(std::u16string_view name, Variant value) {
 void Recordset::AddNew() {
   RequireUpdatable();
   SaveEdits();
-  adding_ = true;
+  beforeAdding_ = cursor_;
+  cursor_ = Cursor::Adding;
   edits_.clear();
 }
 
 void Recordset::Update() {
   RequireUpdatable();
-  if (!adding_ && edits_.empty()) return;
-  if (!adding_ && !hasRow_) throw NoCurrentRecord();
-  if (!adding_ && !keyValid_) {
+  const bool adding = cursor_ == Cursor::Adding;
+  if (!adding && edits_.empty()) return;
+  if (!adding && cursor_ != Cursor::OnRow) throw RowRequired();
+  if (!adding && !rowKey_) {
     throw ScriptError(kProviderError,
                       u"Insufficient key column information for updating or refreshing.");
   }
-  const char16_t* keyColumn = hiddenKey_ ? u"rowid" : u"\"id\"";
   std::u16string sql;
-  if (adding_) {
+  if (adding) {
     sql = u"INSERT INTO " + QuoteName(table_);
     if (edits_.empty()) {
       sql += u" DEFAULT VALUES";
@@ -328,7 +321,7 @@ void Recordset::Update() {
     for (size_t i = 0; i < edits_.size(); ++i) {
       sql += (i ? u", " : u"") + QuoteName(edits_[i].first) + u" = ?";
     }
-    sql += u" WHERE " + std::u16string(keyColumn) + u" = ?";
+    sql += u" WHERE " + keyName_ + u" = ?";
   }
   sqlite3* db = conn_->handle();
   StatementPtr stmt = PrepareOne(db, sql);
@@ -336,29 +329,26 @@ void Recordset::Update() {
   for (const auto& [name, value] : edits_) {
     BindVariant(stmt.get(), param++, value, isDate_[IndexOf(name)]);
   }
-  if (!adding_) sqlite3_bind_int64(stmt.get(), param, rowKey_);
+  if (!adding) sqlite3_bind_int64(stmt.get(), param, *rowKey_);
   RunWrite(db, stmt.get());
-  if (adding_) {
-    ReloadRow(u"rowid", sqlite3_last_insert_rowid(db));
-  } else {
-    ReloadRow(keyColumn, rowKey_);
-  }
-  adding_ = false;
   edits_.clear();
+  const bool reloaded =
+      adding ? ReloadRow(u"rowid", sqlite3_last_insert_rowid(db)) : ReloadRow(keyName_, *rowKey_);
+  if (!reloaded && adding) cursor_ = beforeAdding_;
 }
 
-void Recordset::ReloadRow(const char16_t* keyColumn, long long key) {
+bool Recordset::ReloadRow(std::u16string_view keyColumn, long long key) {
   sqlite3* db = conn_->handle();
   StatementPtr stmt =
       PrepareOne(db, u"SELECT *, rowid AS " + std::u16string(kHiddenKey) + u" FROM " +
-                         QuoteName(table_) + u" WHERE " + keyColumn + u" = ?");
+                         QuoteName(table_) + u" WHERE " + std::u16string(keyColumn) + u" = ?");
   sqlite3_bind_int64(stmt.get(), 1, key);
   const int rc = sqlite3_step(stmt.get());
-  if (rc == SQLITE_DONE) return;  // the row left the table (a trigger, another writer)
+  if (rc == SQLITE_DONE) return false;  // the row left the table (a trigger, another writer)
   if (rc != SQLITE_ROW) throw SqliteError(db);
   const int count = sqlite3_column_count(stmt.get());
   std::vector<Variant> row(names_.size(), Variant::Null());
-  int keyIndex = hiddenKey_ ? count - 1 : -1;
+  int keyIndex = keyName_ == u"rowid" ? count - 1 : -1;
   for (int j = 0; j < count; ++j) {
     const auto* name = static_cast<const char16_t*>(sqlite3_column_name16(stmt.get(), j));
     if (!name) continue;
@@ -367,17 +357,19 @@ void Recordset::ReloadRow(const char16_t* keyColumn, long long key) {
     if (keyIndex < 0 && IEquals(name, u"id")) keyIndex = j;
   }
   row_ = std::move(row);
-  keyValid_ = keyIndex >= 0 && sqlite3_column_type(stmt.get(), keyIndex) == SQLITE_INTEGER;
-  if (keyValid_) rowKey_ = sqlite3_column_int64(stmt.get(), keyIndex);
-  hasRow_ = true;
-  bof_ = eof_ = false;
+  rowKey_.reset();
+  if (keyIndex >= 0 && sqlite3_column_type(stmt.get(), keyIndex) == SQLITE_INTEGER) {
+    rowKey_ = sqlite3_column_int64(stmt.get(), keyIndex);
+  }
+  cursor_ = Cursor::OnRow;
+  return true;
 }
 
 long Recordset::RecordCount() {
   RequireOpen();
   sqlite3* db = conn_->handle();
   StatementPtr stmt =
-      PrepareOne(db, u"SELECT count(*) FROM (" + std::u16string(TrimStatementEnd(sql_)) + u")");
+      PrepareBound(u"SELECT count(*) FROM (" + std::u16string(TrimStatementEnd(sql_)) + u")");
   if (sqlite3_step(stmt.get()) != SQLITE_ROW) throw SqliteError(db);
   return static_cast<long>(sqlite3_column_int64(stmt.get(), 0));
 }

@@ -10,16 +10,19 @@
 // with bound values, as an INSERT into the table named after FROM in the query, or as an
 // UPDATE of the current row by its `id`. A set opened with lock type 1 (read-only) refuses
 // changes.
+//
+// A set owns its prepared statement and cannot be copied (a copy would finalize it twice).
+// Where the set stands is one state (Cursor); the statement reads one row ahead of it.
 #pragma once
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/variant.h"
-
-struct sqlite3_stmt;
+#include "platform/ado/statement.h"
 
 namespace ostrakan::ado {
 
@@ -27,15 +30,19 @@ class Connection;
 
 class Recordset : public Object {
  public:
-  ~Recordset() override;
+  Recordset() = default;
+  Recordset(const Recordset&) = delete;
+  Recordset& operator=(const Recordset&) = delete;
+  ~Recordset() override = default;
 
   // activeConnection holds a Connection object (or a connection string, which opens a
   // connection of the set's own). cursorType and lockType follow ADO's numbers (lock type 1
   // read-only, 2-4 updatable). A statement without rows runs and leaves the set closed.
+  // `params` are bound to the query's "?" marks, and again whenever the set re-runs it.
   void Open(std::u16string_view sql, const Variant& activeConnection, int cursorType = 0,
-            int lockType = 1);
+            int lockType = 1, Params params = {});
   void Close();  // closing a closed set does nothing
-  int State() const { return stmt_ || adding_ ? 1 : 0; }
+  int State() const { return cursor_ == Cursor::Closed ? 0 : 1; }
 
   bool Eof() const;  // ADO's EOF
   bool Bof() const;  // ADO's BOF
@@ -56,6 +63,9 @@ class Recordset : public Object {
   std::vector<std::u16string> FieldNames() const;
 
  private:
+  // Where the set stands. BOF is BeforeFirst or Empty, EOF is AfterLast or Empty.
+  enum class Cursor { Closed, BeforeFirst, Empty, OnRow, AfterLast, Adding };
+
   void RequireOpen() const;
   void RequireUpdatable() const;
   void Prepare();         // prepares sql_; names, date columns and the row key
@@ -65,28 +75,27 @@ class Recordset : public Object {
   void Advance();         // makes the pending row current, or moves to EOF
   void LoadRow();         // copies the statement's row into row_
   void SaveEdits();       // writes pending AddNew/field changes before a move
-  void ReloadRow(const char16_t* keyColumn, long long key);
+  bool ReloadRow(std::u16string_view keyColumn, long long key);  // false when the row is gone
+  StatementPtr PrepareBound(std::u16string_view sql) const;
   int IndexOf(std::u16string_view name) const;  // -1 when absent
 
   std::shared_ptr<Connection> conn_;
   std::u16string sql_;
   std::u16string table_;  // the table named after FROM, for AddNew/Update
   int lockType_ = 1;
-  sqlite3_stmt* stmt_ = nullptr;
+  Params params_;
+  StatementPtr stmt_;                  // set exactly while the set is open
   std::vector<std::u16string> names_;  // the visible columns
   std::vector<bool> isDate_;
-  int keyColumn_ = -1;      // the column that identifies a row: `id`, or a hidden rowid
-  bool hiddenKey_ = false;  // the key is a rowid column appended to the query
-  long long rowKey_ = 0;
-  bool keyValid_ = false;
-  std::vector<Variant> row_;  // the current row
-  bool hasRow_ = false;
-  bool pending_ = false;  // the statement holds a row not yet read (the next one)
-  bool eof_ = true;
-  bool bof_ = true;
-  long position_ = -1;     // index of the current row
-  bool skipping_ = false;  // stmt_ runs sql_ with an OFFSET (SkipTo)
-  bool adding_ = false;
+  int keyColumn_ = -1;               // the column that identifies a row: `id`, or a hidden rowid
+  std::u16string keyName_;           // how UPDATE names that column ("id" quoted, or rowid)
+  std::optional<long long> rowKey_;  // the current row's key, when it has one
+  std::vector<Variant> row_;         // the current row (valid OnRow)
+  Cursor cursor_ = Cursor::Closed;
+  Cursor beforeAdding_ = Cursor::Closed;  // where AddNew found the set
+  bool pending_ = false;                  // the statement holds a row not yet read (the next one)
+  long position_ = -1;                    // index of the current row
+  long offset_ = 0;  // the OFFSET that stmt_ runs sql_ with (SkipTo); 0 for the whole query
   std::vector<std::pair<std::u16string, Variant>> edits_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <limits>
+#include <stdexcept>
 
 namespace ostrakan::ado {
 namespace {
@@ -11,17 +12,36 @@ void Exec(sqlite3* db, const char* sql) {
 }
 
 void BindText(sqlite3_stmt* stmt, int index, std::u16string_view text) {
+  if (text.find(u'\0') != std::u16string_view::npos) throw NulInText();
   sqlite3_bind_text16(stmt, index, text.empty() ? u"" : text.data(),
                       static_cast<int>(text.size() * sizeof(char16_t)), SQLITE_TRANSIENT);
 }
 
 }  // namespace
 
+void StatementFinalize::operator()(sqlite3_stmt* stmt) const {
+  sqlite3_finalize(stmt);
+}
+
+ScriptError NulInText() {
+  return ScriptError(kProviderError,
+                     u"Text with a NUL character cannot be part of an SQL statement.");
+}
+
+ScriptError QuoteBreaksStatement() {
+  return ScriptError(kProviderError, u"Syntax error in string in query expression.");
+}
+
+void RefuseQuote(std::u16string_view text) {
+  if (text.find(u'\'') != std::u16string_view::npos) throw QuoteBreaksStatement();
+}
+
 ScriptError SqliteError(sqlite3* db) {
   return ScriptError(kProviderError, FromUtf8(db ? sqlite3_errmsg(db) : "out of memory"));
 }
 
 StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
+  if (sql.find(u'\0') != std::u16string_view::npos) throw NulInText();
   const char16_t* text = sql.empty() ? u"" : sql.data();
   const int bytes = static_cast<int>(sql.size() * sizeof(char16_t));
   sqlite3_stmt* raw = nullptr;
@@ -41,6 +61,17 @@ StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
     if (rc2 != SQLITE_OK || next) {
       throw ScriptError(kProviderError, u"Characters found after end of SQL statement.");
     }
+  }
+  return stmt;
+}
+
+StatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params) {
+  StatementPtr stmt = PrepareOne(db, sql);
+  if (sqlite3_bind_parameter_count(stmt.get()) != static_cast<int>(params.size())) {
+    throw std::invalid_argument("the statement's marks and its bound values differ in number");
+  }
+  for (size_t i = 0; i < params.size(); ++i) {
+    BindVariant(stmt.get(), static_cast<int>(i + 1), params[i], false);
   }
   return stmt;
 }

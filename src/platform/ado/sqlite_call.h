@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "core/variant.h"
+#include "platform/ado/statement.h"
 
 namespace ostrakan::ado {
 
@@ -19,14 +20,12 @@ constexpr int32_t kProviderError = -2147467259;
 // The connection's last SQLite error as a ScriptError.
 ScriptError SqliteError(sqlite3* db);
 
-struct StatementFinalize {
-  void operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
-};
-using StatementPtr = std::unique_ptr<sqlite3_stmt, StatementFinalize>;
-
 // Prepares the one statement in sql; text after it (other than blanks and ';') is an error,
-// and so is a text without any statement.
+// and so is a text without any statement or with a NUL character. Its marks are left unbound.
 StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql);
+// PrepareOne, then `params` bound to the "?" marks; their number must match the marks (a
+// mismatch is a programming error).
+StatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params);
 
 // Steps a statement that changes the database to its end. Outside an open transaction it runs
 // inside BEGIN IMMEDIATE ... COMMIT (the busy time-out applies to BEGIN), and a failure rolls
@@ -35,7 +34,8 @@ long RunWrite(sqlite3* db, sqlite3_stmt* stmt);
 
 // Binds a Variant the way the record set stores it: Empty and Null as NULL, True as -1,
 // dates as ISO text ('yyyy-mm-dd hh:mm:ss'), byte arrays as blobs. asDate stores a text or
-// number that reads as a date in ISO form too (for DATETIME columns).
+// number that reads as a date in ISO form too (for DATETIME columns). Text with a NUL in it
+// raises NulInText.
 void BindVariant(sqlite3_stmt* stmt, int index, const Variant& value, bool asDate);
 
 // Whether a declared column type holds dates (DATETIME, DATE, TIME ...).

@@ -1,4 +1,4 @@
-// The paged list shared by the record list, the record search and the keyword list.
+// The paged list page shared by the record list, the record search and the keyword list.
 //
 // A list page counts its rows once (the count then travels in the pager's links as
 // "db_count"), reads "page", opens its query (limited to one page on page 1, the whole ordered
@@ -12,20 +12,17 @@
 #include <string>
 
 #include "frame/database_page.h"
+#include "platform/ado/statement.h"
+#include "records/pager.h"
 
-namespace ostrakan::records {
-
-// What distinguishes one list's pager from another's.
-struct PagerStyle {
-  std::u16string unit;    // "条记录" or "个关键词"
-  bool countOnFirstLink;  // whether the first-page link carries db_count too
-};
+namespace ostrakan::admin {
 
 struct ListQueries {
   std::u16string countSql;      // "select count(*) as db_count from ..."
   std::u16string firstPageSql;  // with "top <page size>"
   std::u16string laterPageSql;  // the same query without "top"
   int pageSize;
+  ado::Params params;  // bound to the marks of each of the three queries
 };
 
 class PagedList : public DatabasePage {
@@ -38,20 +35,17 @@ class PagedList : public DatabasePage {
 
  protected:
   // Registers the list properties and the methods showContent and showpage.
-  PagedList(std::u16string context, PagerStyle style);
+  PagedList(std::u16string context, records::PagerStyle style);
 
   // The list: count, page, query, clamp, move, body and pager, Session "url", time line.
   // `returnUrl` gives the address kept in Session "url" once the page number is known.
   void WriteList(const ListQueries& queries, const std::function<std::u16string()>& returnUrl);
   // The query-string keys that every pager link carries before "page=", each followed by '&'
-  // (the search's word and field, the keyword list's filter).
+  // and escaped for the link's attribute (the search's word and field, the keyword filter).
   virtual std::u16string PagerKeys() const { return u""; }
 
  private:
-  PagerStyle style_;
+  records::PagerStyle style_;
 };
 
-// Writes the elapsed time since `start` (a Timer value) as "<br>0.001234 秒".
-void WriteElapsed(const Variant& start, Variant& end);
-
-}  // namespace ostrakan::records
+}  // namespace ostrakan::admin
