@@ -5,11 +5,11 @@
 <link rel="stylesheet" href="css/style.css" type="text/css">
 <script type="text/javascript">
 function selectAll(box) {
-  var boxes = document.getElementsByName('id');
+  var boxes = document.querySelectorAll('input[type=checkbox][name=id]');
   for (var i = 0; i < boxes.length; i++) boxes[i].checked = box.checked;
 }
 function ticked() {
-  var boxes = document.getElementsByName('id');
+  var boxes = document.querySelectorAll('input[type=checkbox][name=id]');
   for (var i = 0; i < boxes.length; i++) if (boxes[i].checked) return true;
   return false;
 }
