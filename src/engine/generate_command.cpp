@@ -45,11 +45,12 @@ int RunGenerate(const GenerateOptions& o, std::ostream& out, std::ostream& err) 
   }
   std::vector<Variant> ids;
   for (const std::string& c : o.categories) {
-    ids.emplace_back(FromUtf8(c));
-    if (!IsValidId(ids.back())) {
+    const Variant id(std::u16string_view(FromUtf8(c)));
+    if (!IsValidId(id)) {
       err << "ostrakan generate: \"" << c << "\" is not a category number.\n";
       return 1;
     }
+    ids.push_back(id);
   }
   const auto start = std::chrono::steady_clock::now();
   size_t files = 0, failed = 0;
