@@ -33,7 +33,12 @@ Variant BoundQuery::Column(int index) const {
 }
 
 std::u16string BoundQuery::Text(int index) const {
-  return TextOf(Column(index));
+  // Text and numbers straight from SQLite's own text form; dates in the general date form.
+  if (isDate_.at(static_cast<size_t>(index))) return TextOf(Column(index));
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt_.get(), index));
+  if (!text) return {};
+  return FromUtf8(
+      std::string_view(text, static_cast<size_t>(sqlite3_column_bytes(stmt_.get(), index))));
 }
 
 int32_t BoundQuery::Long(int index) const {

@@ -22,8 +22,9 @@ class BoundQuery {
   BoundQuery(ado::Connection& conn, std::u16string_view sql, std::initializer_list<Variant> values);
   bool Next();  // moves to the next row; false at the end
   Variant Column(int index) const;
-  std::u16string Text(int index) const;  // Null as ""
-  int32_t Long(int index) const;         // Null as 0
+  // Null as ""; a whole number as its digits; a date in the general date form.
+  std::u16string Text(int index) const;
+  int32_t Long(int index) const;  // Null as 0
 
  private:
   ado::StatementPtr stmt_;
