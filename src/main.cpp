@@ -1,10 +1,13 @@
 // The ostrakan command: make a site (init) or serve one (serve).
+#include <unistd.h>
+
 #include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "engine/commands.h"
+#include "engine/generate_command.h"
 
 namespace {
 
@@ -28,6 +31,15 @@ Usage:
       (a bare PORT means 127.0.0.1:PORT; port 0 picks a free one); --threads (default 64)
       is the number of requests served at once. Errors of the pages are logged in
       DIR/data/PagebindLog.Log. SIGINT or SIGTERM stops the server.
+
+  ostrakan generate --site DIR [--category ID ...] [--json]
+      Rebuild the front end's category pages of the site in DIR from its templates: with
+      no --category every top-level page (sort_list_ID.html) and every sub-category page
+      (list/list_ID.html); with --category (repeatable) those categories, a top-level one
+      with all its sub-categories. Each page is written whole (a temporary file renamed
+      over the old one), so it may run while the site is served. Prints a summary line;
+      with --json the last line is {"files":N,"failed":M}. Exit status 1 when any page
+      was not written (a missing template, an unknown category ...).
 
   ostrakan --help
       This text.
@@ -114,6 +126,34 @@ int Serve(const std::vector<std::string>& args) {
   return RunServe(o, std::cout, std::cerr);
 }
 
+// ostrakan generate --site DIR [--category ID ...] [--json]
+int Generate(const std::vector<std::string>& args) {
+  GenerateOptions o;
+  bool haveSite = false;
+  for (size_t i = 1; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    if (a == "--help") {
+      std::cout << kHelp;
+      return 0;
+    }
+    if (a == "--json") {
+      o.json = true;
+      continue;
+    }
+    if (a != "--site" && a != "--category") return Usage("unknown argument \"" + a + "\"");
+    if (i + 1 >= args.size()) return Usage(a + " needs a value");
+    if (a == "--site") {
+      o.site = args[++i];
+      haveSite = true;
+    } else {
+      o.categories.push_back(args[++i]);
+    }
+  }
+  if (!haveSite) return Usage("generate needs --site DIR");
+  o.progress = isatty(STDERR_FILENO) != 0;
+  return RunGenerate(o, std::cout, std::cerr);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -126,5 +166,6 @@ int main(int argc, char** argv) {
   }
   if (command == "init") return Init(args);
   if (command == "serve") return Serve(args);
+  if (command == "generate") return Generate(args);
   return Usage("unknown command \"" + command + "\"");
 }

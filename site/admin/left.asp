@@ -10,6 +10,13 @@
   <dd><a href="db_add.asp" target="main">添加数据</a></dd>
   <dd><a href="db_search.asp" target="main">数据搜索</a></dd>
   <dd><a href="db_manage.asp" target="main">数据维护</a></dd>
+  <!-- Categories and generation -->
+  <dt>分类管理</dt>
+  <dd><a href="sort_manage.asp" target="main">分类管理</a></dd>
+  <dd><a href="sort_batch_add.asp" target="main">批量添加一级分类</a></dd>
+  <dt>生成HTML</dt>
+  <dd><a href="create_all.asp" target="main">生成全站</a></dd>
+  <dd><a href="create_sort.asp" target="main">生成分类页面</a></dd>
   <dt>搜索关键词</dt>
   <dd><a href="keyword_manage.asp" target="main">关键词管理</a></dd>
   <dt>系统管理</dt>

@@ -4,7 +4,15 @@
 
 #include "admin/admin.h"
 #include "admin/admin_ok.h"
+// Categories and generation
+#include "admin/category_generator.h"
 #include "admin/conn.h"
+#include "admin/create_all.h"
+#include "admin/create_all_instruction.h"
+#include "admin/create_sort.h"
+#include "admin/create_sort_list.h"
+#include "admin/create_sort_one_instruction.h"
+#include "admin/create_sort_two_instruction.h"
 #include "admin/db_add.h"
 #include "admin/db_add_ok.h"
 #include "admin/db_edit.h"
@@ -15,6 +23,7 @@
 #include "admin/db_ok.h"
 #include "admin/db_search.h"
 #include "admin/desktop.h"
+#include "admin/goto.h"
 #include "admin/inc/code.h"
 #include "admin/inc/md5.h"
 #include "admin/keyword_manage.h"
@@ -22,6 +31,11 @@
 #include "admin/login.h"
 #include "admin/login_out.h"
 #include "admin/login_verify.h"
+#include "admin/sort_batch_add.h"
+#include "admin/sort_batch_add_ok.h"
+#include "admin/sort_list.h"
+#include "admin/sort_manage.h"
+#include "admin/sort_ok.h"
 
 namespace ostrakan {
 
@@ -62,6 +76,21 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class10", Make<admin::KeywordManage>},  // keyword_manage.asp
       {u"Ostrakan.Class11", Make<admin::KeywordOk>},      // keyword_ok.asp
       {u"Ostrakan.Class14", Make<admin::DbSearch>},       // db_search.asp
+      // Categories, generation and the public click-through
+      {u"Ostrakan.Class5", Make<admin::SortManage>},                 // sort_manage.asp
+      {u"Ostrakan.Class6", Make<admin::SortList>},                   // sort_list.asp
+      {u"Ostrakan.Class7", Make<admin::SortBatchAdd>},               // sort_batch_add.asp
+      {u"Ostrakan.Class8", Make<admin::SortBatchAddOk>},             // sort_batch_add_ok.asp
+      {u"Ostrakan.Class9", Make<admin::SortOk>},                     // sort_ok.asp
+      {u"Ostrakan.Class21", Make<admin::CreateAll>},                 // create_all.asp
+      {u"Ostrakan.Class22", Make<admin::CreateSort>},                // create_sort.asp
+      {u"Ostrakan.Class23", Make<admin::CreateSortTwoOk>},           // create_sort_two_ok.asp
+      {u"Ostrakan.Class26", Make<admin::CreateSortOneOk>},           // create_sort_one_ok.asp
+      {u"Ostrakan.Class27", Make<admin::CreateSortOneInstruction>},  // create_sort_one_instruction
+      {u"Ostrakan.Class56", Make<admin::CreateSortList>},            // create_sort_list.asp
+      {u"Ostrakan.Class57", Make<admin::CreateSortTwoInstruction>},  // create_sort_two_instruction
+      {u"Ostrakan.Class58", Make<admin::CreateAllInstruction>},      // create_all_instruction.asp
+      {u"Ostrakan.Goto", Make<admin::Goto>},                         // /goto.asp (public)
   };
   return table;
 }

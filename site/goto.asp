@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Goto" %><% id = Request.QueryString("id") %><% InitFunction1 %><% InitFunction2 %>

@@ -1,0 +1,32 @@
+#include "admin/category_blocks.h"
+
+#include "frame/data_access.h"
+#include "frame/escape.h"
+#include "frame/page_blocks.h"
+#include "frame/request_context.h"
+
+namespace ostrakan::admin {
+
+std::vector<Variant> RequestValues(std::u16string_view name) {
+  const Request& request = CurrentRequest();
+  const KeyedValues& from = request.queryString.Has(name) ? request.queryString : request.form;
+  std::vector<Variant> values;
+  for (std::u16string& v : from.All(name)) values.emplace_back(std::move(v));
+  return values;
+}
+
+std::u16string SortListAddress(const Variant& sort, const Variant& sortId) {
+  return u"sort_list.asp?sort=" + UrlQuery(TextOf(sort)) + u"&sort_id=" + UrlQuery(TextOf(sortId));
+}
+
+void RequireId(const Variant& id, Variant& conn) {
+  if (IsValidId(id)) return;
+  CloseAndRelease(conn);
+  WriteAndEnd(u"非法ID参数");
+}
+
+void TypeMismatch() {
+  throw ScriptError(13, u"Type mismatch");
+}
+
+}  // namespace ostrakan::admin

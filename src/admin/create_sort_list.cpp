@@ -1,0 +1,39 @@
+#include "admin/create_sort_list.h"
+
+#include "admin/category_blocks.h"
+#include "categories/tree_markup.h"
+#include "frame/data_access.h"
+#include "frame/escape.h"
+
+namespace ostrakan::admin {
+
+CreateSortList::CreateSortList() : DatabasePage(u"\\admin\\create_sort_list") {
+  for (auto [name, member] :
+       {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}, {u"rsa", &rsa}, {u"rs", &rs}})
+    Property(name, *member);
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction4", [this] { InitFunction4(); });
+  Block(u"InitFunction5", [this] { InitFunction5(); });
+}
+
+void CreateSortList::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    sort = CurrentRequest().Item(u"sort");
+    sort_id = CurrentRequest().Item(u"sort_id");
+    RequireId(sort_id, conn);
+  });
+}
+
+void CreateSortList::InitFunction4() {
+  Guard(u"InitFunction4", [&] { CurrentResponse().Write(HtmlText(TextOf(sort))); });
+}
+
+void CreateSortList::InitFunction5() {
+  Guard(u"InitFunction5", [&] {
+    CurrentResponse().Write(
+        categories::GenerateLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
+    CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));
+  });
+}
+
+}  // namespace ostrakan::admin

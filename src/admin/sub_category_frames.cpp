@@ -1,0 +1,30 @@
+#include "admin/sub_category_frames.h"
+
+#include "admin/category_blocks.h"
+#include "frame/data_access.h"
+#include "generation/rebuild_plan.h"
+
+namespace ostrakan::admin {
+
+SubCategoryFrames::SubCategoryFrames(std::u16string context) : DatabasePage(std::move(context)) {
+  Method(
+      u"create_sort_two",
+      [this](Args& args) {
+        create_sort_two(args.at(0));
+        return Variant();
+      },
+      1);
+}
+
+void SubCategoryFrames::create_sort_two(const Variant& parent) {
+  Guard(u"create_sort_two", [&] {
+    // The parent's id went into the statement as a number; anything else failed there.
+    if (!IsValidId(parent)) TypeMismatch();
+    std::u16string frames;
+    for (const generation::PageJob& job : generation::SubCategoryPlan(ConnectionOf(conn), parent))
+      frames += generation::GeneratorFrame(job);
+    CurrentResponse().Write(frames);
+  });
+}
+
+}  // namespace ostrakan::admin

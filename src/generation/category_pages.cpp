@@ -1,0 +1,154 @@
+#include "generation/category_pages.h"
+
+#include "categories/bound_query.h"
+#include "categories/grid.h"
+#include "frame/data_access.h"
+#include "frame/escape.h"
+#include "frame/filtration.h"
+#include "platform/ado/sqlite_call.h"
+#include "platform/text/codepage.h"
+
+namespace ostrakan::generation {
+
+namespace {
+
+constexpr int kRecordLimit = 100;
+
+std::u16string Num(int32_t n) {
+  return CStr(Variant(n));
+}
+
+std::u16string GotoLink(std::u16string_view id) {
+  return u"<a href='../goto.asp?id=" + std::u16string(id) + u"'  target='_blank'>";
+}
+
+// One record of the sub-category page.
+std::u16string RecordBlock(const categories::BoundQuery& q, bool showSource) {
+  const std::u16string id = q.Text(0);
+  const std::u16string image = q.Text(4);
+  std::u16string out = u"<table  width='68%'><tr><td width='125'>" + GotoLink(id);
+  if (!image.empty())
+    out += u"<img src='http://" + HtmlAttr(image) +
+           u"' width='120' height='90' border='0' onerror=\"src='../image/image.gif'\">";
+  else
+    out += u"<img src='../image/image.gif' width='120' height='90' border='0'>";
+  out += u"</a></td> <td valign='top'>";
+  out +=
+      u"<span style='font-size: 14px'>" + GotoLink(id) + HtmlText(q.Text(1)) + u"</a></span><br>";
+  out += u"<span style='line-height: 150%'>" + HtmlText(q.Text(2)) + u"</span><br>";
+  out += u"<span style='line-height: 150%'><font color='#009900'>" + HtmlText(q.Text(8));
+  if (showSource)
+    out += u" 来源：</font><a href='http://" + HtmlAttr(q.Text(6)) +
+           u"' target='_blank'><font color='#999999'>" + HtmlText(q.Text(5)) + u"</font></a>";
+  else
+    out += u"</font>";
+  out += u"<br><font color='#009900'>" + HtmlText(q.Text(3)) + u"</font></span><br><br>";
+  out += u"</td></tr></table>";
+  return out;
+}
+
+const char16_t* ListMarker(PageKind kind) {
+  return kind == PageKind::TopLevel ? u"[pellumar]sort_list[/pellumar]"
+                                    : u"[pellumar]db_list[/pellumar]";
+}
+
+}  // namespace
+
+bool ShowsSource(const Variant& sourceShow) {
+  return IsValidId(sourceShow) && CDbl(sourceShow) == 1;
+}
+
+std::filesystem::path TemplateOf(PageKind kind, const std::filesystem::path& root) {
+  return root / "template" /
+         (kind == PageKind::TopLevel ? "sort_one_list.asp" : "sort_two_list.asp");
+}
+
+std::filesystem::path OutputOf(PageKind kind, const std::filesystem::path& root, int32_t id) {
+  const std::string number = std::to_string(id);
+  if (kind == PageKind::TopLevel) return root / ("sort_list_" + number + ".html");
+  return root / "list" / ("list_" + number + ".html");
+}
+
+std::u16string LetterGroupList(const std::vector<categories::LetterGroup>& groups) {
+  std::u16string out;
+  for (const categories::LetterGroup& g : groups) {
+    std::vector<std::u16string> cells;
+    for (const categories::Category& c : g.categories)
+      cells.push_back(u"<a href='list/list_" + Num(c.id) + u".html' target='_blank'>" +
+                      HtmlText(c.name) + u"</a>");
+    out += u"<a name='" + HtmlAttr(g.letter.text) + u"'></a>";
+    out += u"<table width='100%' border='0' cellpadding='5' cellspacing='5'><tr>";
+    out +=
+        u"<td width='50' align='center' bgcolor='#F5F5F5'><span style='bold;font-size: "
+        u"18px;color: #666666;font-family: Arial;'>" +
+        HtmlText(g.letter.text) + u"</span></td><td bgcolor='#F5F5F5'>";
+    out += categories::LayOut(cells, categories::kFrontEndGrid);
+    out += u"</td></tr></table>";
+  }
+  return out;
+}
+
+std::u16string RecordList(ado::Connection& conn, std::u16string_view name, bool showSource) {
+  // The name is bound. A quote in it would have ended the pattern's literal and broken the
+  // statement; that failure is kept, without running anything.
+  if (name.find(u'\'') != std::u16string_view::npos)
+    throw ScriptError(ado::kProviderError,
+                      u"[Microsoft][ODBC Microsoft Access Driver] Syntax error (missing operator) "
+                      u"in query expression 'title like '%" +
+                          std::u16string(name) + u"%''.");
+  categories::BoundQuery q(conn,
+                           u"select id,title,content,url,image,source,source_url,click,time "
+                           u"from db where title like '%' || ?1 || '%' "
+                           u"order by click desc,time desc limit 100",
+                           {Variant(name)});
+  std::u16string out;
+  for (int n = 0; n < kRecordLimit && q.Next(); ++n) out += RecordBlock(q, showSource);
+  return out;
+}
+
+std::u16string FillTemplate(PageKind kind, std::u16string text, std::u16string_view title,
+                            std::u16string_view name, std::u16string_view list) {
+  text = ReplaceAll(std::move(text), u"[pellumar]title[/pellumar]", HtmlText(title));
+  text = ReplaceAll(std::move(text), u"[pellumar]sort[/pellumar]", HtmlText(name));
+  return ReplaceAll(std::move(text), ListMarker(kind), list);
+}
+
+Generated GeneratePage(PageKind kind, ado::Connection& conn, fs::FileSystem& files,
+                       const FrontEnd& site, const Variant& id) {
+  Generated result;
+  if (!IsValidId(id)) {
+    result.outcome = Generated::Outcome::BadId;
+    return result;
+  }
+  std::optional<categories::Category> category = categories::Find(conn, id);
+  if (!category) {
+    result.outcome = Generated::Outcome::Unknown;
+    return result;
+  }
+  result.name = category->name;
+  result.file = OutputOf(kind, site.root, category->id);
+  const std::u16string list =
+      kind == PageKind::TopLevel
+          ? LetterGroupList(categories::LetterGroups(conn, Variant(category->id)))
+          : RecordList(conn, category->name, site.showSource);
+
+  std::string bytes;
+  if (fs::Failure failed = files.Read(TemplateOf(kind, site.root), bytes)) {
+    result.failure = *failed;
+    return result;
+  }
+  const std::u16string page = FillTemplate(kind, text::Decode(bytes, text::kAnsiCodePage),
+                                           site.title, category->name, list);
+  if (fs::Failure failed = files.MakeFolder(result.file.parent_path())) {
+    result.failure = *failed;
+    return result;
+  }
+  if (fs::Failure failed = files.WriteAtomic(result.file, text::Encode(page + u"\r\n", 936))) {
+    result.failure = *failed;
+    return result;
+  }
+  result.outcome = Generated::Outcome::Written;
+  return result;
+}
+
+}  // namespace ostrakan::generation
