@@ -10,6 +10,9 @@
   <dd><a href="db_add.asp" target="main">添加数据</a></dd>
   <dd><a href="db_search.asp" target="main">数据搜索</a></dd>
   <dd><a href="db_manage.asp" target="main">数据维护</a></dd>
+  <dt>列表采集</dt>
+  <dd><a href="gather_list_web_manage.asp" target="main">采集网站管理</a></dd>
+  <dd><a href="gather_list_web_add.asp" target="main">添加采集网站</a></dd>
   <dt>搜索关键词</dt>
   <dd><a href="keyword_manage.asp" target="main">关键词管理</a></dd>
   <dt>系统管理</dt>
