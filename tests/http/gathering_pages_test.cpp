@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "engine/assignment_file.h"
+#include "engine/gather_command.h"
 #include "http/site_fixture.h"
 #include "support/remote_site.h"
 
@@ -278,6 +279,33 @@ TEST_F(GatheringPages, OtherPagesAnswerWhileOneWaitsOnASlowSite) {
   EXPECT_FALSE(slowDone.load());
   EXPECT_EQ(other.status, 200);
   slow.join();
+}
+
+TEST_F(GatheringPages, AHeadlessRunWorksBesideTheServer) {
+  const std::string id = Add(Rule("b5", u"big5"));
+  std::atomic<bool> done{false};
+  int status = -1;
+  std::ostringstream out, err;
+  std::thread run([&] {
+    engine::GatherOptions o;
+    o.site = root();
+    o.ruleId = std::stoll(id);
+    o.first = 1;
+    o.last = 3;
+    o.delayMs = 100;
+    status = engine::RunGather(o, out, err);
+    done = true;
+  });
+  // The pages keep answering (and writing) while the run stores records.
+  int answered = 0;
+  while (!done) {
+    EXPECT_EQ(Get("/admin/db_list.asp").status, 200);
+    ++answered;
+  }
+  run.join();
+  EXPECT_EQ(status, 0) << err.str();
+  EXPECT_GT(answered, 0);
+  EXPECT_NE(Text(Get("/admin/db_list.asp")).find(u"remote.test/v/3-2.html"), std::u16string::npos);
 }
 
 }  // namespace
