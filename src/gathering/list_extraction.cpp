@@ -71,30 +71,63 @@ std::u16string PageAddress(const ListRule& rule, std::u16string_view encodedKeyw
   return ReplaceAll(std::move(address), u"[page]", CStr(Variant(number)));
 }
 
-ListExtractor::ListExtractor(ListRule rule) : rule_(std::move(rule)) {}
+ListExtractor::ListExtractor(ListRule rule) : rule_(std::move(rule)) {
+  error_ = Prepare(rule_.error_html);
+  cycle_ = Prepare(rule_.cyc_border);
+  // The no-results and loop markers are used as they stand.
+  error_.hasSn = cycle_.hasSn = false;
+  error_.prepared = FoldedMarker(error_.raw);
+  cycle_.prepared = FoldedMarker(cycle_.raw);
+  imageStart_ = Prepare(rule_.image_start);
+  imageEnd_ = Prepare(rule_.image_end);
+  urlStart_ = Prepare(rule_.url_start);
+  urlEnd_ = Prepare(rule_.url_end);
+  titleStart_ = Prepare(rule_.title_start);
+  titleEnd_ = Prepare(rule_.title_end);
+  contentStart_ = Prepare(rule_.content_start);
+  contentEnd_ = Prepare(rule_.content_end);
+}
+
+ListExtractor::Marker ListExtractor::Prepare(const std::u16string& raw) {
+  Marker m;
+  m.raw = raw;
+  m.hasSn = raw.find(kSnToken) != std::u16string::npos;
+  if (!m.hasSn) m.prepared = FoldedMarker(raw);
+  return m;
+}
 
 std::u16string ListExtractor::WithSn(std::u16string_view marker) const {
   if (marker.find(kSnToken) == std::u16string_view::npos) return std::u16string(marker);
   return ReplaceAll(std::u16string(marker), kSnToken, FromUtf8(std::to_string(sn_)));
 }
 
-long ListExtractor::Find(long from, std::u16string_view marker) const {
+std::u16string ListExtractor::Typed(const Marker& m) const {
+  return m.hasSn ? WithSn(m.raw) : m.raw;
+}
+
+const FoldedMarker& ListExtractor::Folded(const Marker& m, FoldedMarker& scratch) const {
+  if (!m.hasSn) return m.prepared;
+  scratch = FoldedMarker(WithSn(m.raw));
+  return scratch;
+}
+
+long ListExtractor::Find(long from, const FoldedMarker& marker) const {
   if (from < 1) throw InvalidCall();
   if (folded_.empty() || static_cast<size_t>(from) > folded_.size()) return 0;
-  if (marker.empty()) return from;
-  // Markers are short; folding one costs nothing next to the page.
-  size_t hit = std::u16string_view(folded_).find(text::LowerCase(marker), from - 1);
+  size_t hit = marker.FindIn(folded_, static_cast<size_t>(from) - 1);
   return hit == std::u16string_view::npos ? 0 : static_cast<long>(hit) + 1;
 }
 
-bool ListExtractor::CutField(Field& field, long from, const std::u16string& start,
-                             const std::u16string& end, bool folded) {
-  long s = Find(from, start);
+bool ListExtractor::CutField(Field& field, long from, const Marker& start, const Marker& end,
+                             bool folded) {
+  FoldedMarker startScratch, endScratch;
+  const FoldedMarker& s0 = Folded(start, startScratch);
+  long s = Find(from, s0);
   if (s == 0) return false;
-  long e = Find(s, end);
+  long e = Find(s, Folded(end, endScratch));
   std::u16string cut = Mid(folded ? std::u16string_view(folded_) : html_, s, e - s);
-  field.text = folded ? ReplaceAll(std::move(cut), text::LowerCase(start), u"")
-                      : ReplaceAll(std::move(cut), start, u"");
+  field.text = folded ? ReplaceAll(std::move(cut), s0.text(), u"")
+                      : ReplaceAll(std::move(cut), Typed(start), u"");
   field.start = s;
   field.end = e;
   field.cut = true;
@@ -105,24 +138,23 @@ ListExtractor::Outcome ListExtractor::Cut(std::u16string_view html,
                                           const std::function<void(const ListEntry&)>& emit) {
   html_ = html;
   folded_ = text::LowerCase(html);
-  if (Find(1, rule_.error_html) > 0) return Outcome::NoResults;
+  if (Find(1, error_.prepared) > 0) return Outcome::NoResults;
   sn_ = CLng(Variant(rule_.cyc_border_sn));
   Variant pos(1);
-  while (Find(PositionOf(pos), rule_.cyc_border) > 0) {
+  while (Find(PositionOf(pos), cycle_.prepared) > 0) {
     const long entryFrom = PositionOf(pos);
 
-    CutField(image_, PositionOf(pos), WithSn(rule_.image_start), WithSn(rule_.image_end), false);
+    CutField(image_, PositionOf(pos), imageStart_, imageEnd_, false);
     pos = image_.cut ? Variant(static_cast<int32_t>(image_.start)) : Variant(rule_.image_start);
 
-    if (CutField(url_, PositionOf(pos), WithSn(rule_.url_start), WithSn(rule_.url_end), false)) {
+    if (CutField(url_, PositionOf(pos), urlStart_, urlEnd_, false)) {
       if (!rule_.url_filtration.empty())
         url_.text = DefinedFiltration(url_.text, WithSn(rule_.url_filtration));
       url_.text = rule_.v_url + Gathered(std::move(url_.text));
     }
     pos = url_.cut ? Variant(static_cast<int32_t>(url_.start)) : Variant(rule_.url_start);
 
-    if (CutField(title_, PositionOf(pos), WithSn(rule_.title_start), WithSn(rule_.title_end),
-                 true)) {
+    if (CutField(title_, PositionOf(pos), titleStart_, titleEnd_, true)) {
       if (!rule_.title_filtration.empty())
         title_.text = DefinedFiltration(title_.text, WithSn(rule_.title_filtration));
       title_.text = Gathered(std::move(title_.text));
@@ -130,8 +162,7 @@ ListExtractor::Outcome ListExtractor::Cut(std::u16string_view html,
     pos = title_.cut ? Variant(static_cast<int32_t>(title_.start)) : Variant(rule_.title_start);
 
     if (!rule_.content_start.empty()) {
-      if (CutField(content_, PositionOf(pos), WithSn(rule_.content_start),
-                   WithSn(rule_.content_end), true)) {
+      if (CutField(content_, PositionOf(pos), contentStart_, contentEnd_, true)) {
         if (!rule_.content_filtration.empty())
           content_.text = DefinedFiltration(content_.text, WithSn(rule_.content_filtration));
         content_.text = Gathered(std::move(content_.text));

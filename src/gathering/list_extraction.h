@@ -18,6 +18,7 @@
 #include <string_view>
 
 #include "core/variant.h"
+#include "gathering/folded_marker.h"
 #include "gathering/list_rule.h"
 
 namespace ostrakan::gathering {
@@ -61,15 +62,25 @@ class ListExtractor {
     bool cut = false;  // an end position has been set
     std::u16string text;
   };
+  // A marker of the rule, prepared once unless it holds "<[SN]>".
+  struct Marker {
+    std::u16string raw;
+    bool hasSn = false;
+    FoldedMarker prepared;
+  };
+  static Marker Prepare(const std::u16string& raw);
+  // The marker with the current SN in place, as typed and prepared for the folded page.
+  std::u16string Typed(const Marker& m) const;
+  const FoldedMarker& Folded(const Marker& m, FoldedMarker& scratch) const;
   // Searches the folded page for `marker` from `from` (InStr's rules); 0 when absent.
-  long Find(long from, std::u16string_view marker) const;
-  // Cuts `field` with the given markers (SN already in place) from `from`; false when the
-  // start marker is absent.
-  bool CutField(Field& field, long from, const std::u16string& start, const std::u16string& end,
-                bool folded);
+  long Find(long from, const FoldedMarker& marker) const;
+  // Cuts `field` between the markers from `from`; false when the start marker is absent.
+  bool CutField(Field& field, long from, const Marker& start, const Marker& end, bool folded);
   std::u16string WithSn(std::u16string_view marker) const;
 
   ListRule rule_;
+  Marker error_, cycle_, imageStart_, imageEnd_, urlStart_, urlEnd_, titleStart_, titleEnd_,
+      contentStart_, contentEnd_;
   long sn_ = 0;
   Field image_, url_, title_, content_;
   std::u16string_view html_;

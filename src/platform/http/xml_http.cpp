@@ -1,5 +1,7 @@
 #include "platform/http/xml_http.h"
 
+#include <cctype>
+
 #include "core/script_error.h"
 
 namespace ostrakan::http {
@@ -10,8 +12,13 @@ void XmlHttp::Open(std::u16string_view method, std::u16string_view address, bool
   if (!IEquals(method, u"GET") || async)
     throw ScriptError(-2147024809, u"Only synchronous GET requests are supported");
   std::string wire = EncodeAddress(address);
-  std::string lower = ToUtf8(AsciiLower(FromUtf8(wire.substr(0, 8))));
-  if (!lower.starts_with("http://") && !lower.starts_with("https://"))
+  auto startsWith = [&](std::string_view scheme) {
+    if (wire.size() < scheme.size()) return false;
+    for (size_t i = 0; i < scheme.size(); ++i)
+      if (std::tolower(static_cast<unsigned char>(wire[i])) != scheme[i]) return false;
+    return true;
+  };
+  if (!startsWith("http://") && !startsWith("https://"))
     throw ScriptError(-2147012890, u"The URL does not use a recognized protocol");
   address_ = std::move(wire);
   readyState_ = 1;
