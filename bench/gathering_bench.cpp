@@ -80,7 +80,7 @@ void BM_CaseInsensitiveScan(benchmark::State& state) {
 }
 BENCHMARK(BM_CaseInsensitiveScan)->Unit(benchmark::kMillisecond);
 
-constexpr int kRunPages = 40;
+constexpr int kRunPages = 200;
 
 struct Fixture {
   Fixture() {
@@ -112,6 +112,39 @@ void BM_HeadlessRun(benchmark::State& state) {
       static_cast<double>(kRunPages * state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_HeadlessRun)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// The same run with the pages served from memory: what cutting and storing cost per page.
+class MemoryFetcher : public http::Fetcher {
+ public:
+  http::FetchResult Get(const std::string& address) override {
+    size_t slash = address.rfind('/');
+    int page = std::atoi(address.c_str() + slash + 1);
+    return {true, 200, testing::FixtureResultPage(page, 20), ""};
+  }
+};
+
+void BM_HeadlessRunFromMemory(benchmark::State& state) {
+  testing::TempDir dir;
+  const fsys::path site = dir.path() / "site";
+  std::ostringstream out, err;
+  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
+  const std::string rule =
+      testing::InsertFixtureRule(site / "data/ostrakan.db", "http://memory/r/[page].html");
+  engine::GatherOptions o;
+  o.site = site;
+  o.ruleId = std::stoll(rule);
+  o.first = 1;
+  o.last = kRunPages;
+  o.delayMs = 0;
+  o.fetcher = std::make_shared<MemoryFetcher>();
+  for (auto _ : state) {
+    std::ostringstream o1, e1;
+    if (engine::RunGather(o, o1, e1) != 0) state.SkipWithError("run failed");
+  }
+  state.counters["pages/s"] = benchmark::Counter(
+      static_cast<double>(kRunPages * state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_HeadlessRunFromMemory)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_FetchOnly(benchmark::State& state) {
   Fixture f;

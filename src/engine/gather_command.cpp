@@ -142,6 +142,9 @@ int RunGather(const GatherOptions& o, std::ostream& out, std::ostream& err) {
     ado::Connection& conn = *shared;
     conn.Open(u"DBQ=" + FromUtf8(LoadSiteSetup(o.site).DatabasePath(o.site).string()) + u";");
     gathering::EnsureRunJournal(conn);
+    // Each page is one commit; in WAL mode NORMAL keeps every commit through a crash of this
+    // process (what --resume relies on) without a flush to disk per page.
+    conn.Execute(u"pragma synchronous = NORMAL");
     std::optional<gathering::ListRule> rule = gathering::LoadListRule(conn, o.ruleId);
     if (!rule) {
       err << "ostrakan gather: there is no list rule number " << o.ruleId << " in this site\n";

@@ -1,5 +1,6 @@
 #include "gathering/headless_run.h"
 
+#include <future>
 #include <thread>
 
 #include "core/script_error.h"
@@ -25,9 +26,14 @@ std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
 
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
              const GatherUnit& gather, const RunReport& report) {
-  for (; run.next <= run.last;) {
+  // The next unit is fetched and cut while this one is stored; units are still gathered one
+  // after the other, in order, so pacing and the extractor's carried state are kept.
+  std::future<UnitResult> ahead;
+  if (run.next <= run.last) ahead = std::async(std::launch::async, gather, run.next);
+  while (run.next <= run.last) {
     const long unit = run.next;
-    UnitResult result = gather(unit);
+    UnitResult result = ahead.get();
+    if (unit + 1 <= run.last) ahead = std::async(std::launch::async, gather, unit + 1);
     WriteTransaction transaction(conn);
     RunCounts& c = run.counts;
     ++c.pages;
