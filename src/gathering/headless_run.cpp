@@ -28,6 +28,7 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
              const GatherUnit& gather, const RunReport& report) {
   // The next unit is fetched and cut while this one is stored; units are still gathered one
   // after the other, in order, so pacing and the extractor's carried state are kept.
+  RecordStore store(conn, site);
   std::future<UnitResult> ahead;
   if (run.next <= run.last) ahead = std::async(std::launch::async, gather, run.next);
   while (run.next <= run.last) {
@@ -48,7 +49,7 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
       case UnitOutcome::Gathered:
         for (const GatheredRecord& record : result.records) {
           ++c.entries;
-          if (StoreRecord(conn, record, site) == StoreOutcome::Inserted)
+          if (store.Store(record) == StoreOutcome::Inserted)
             ++c.inserted;
           else
             ++c.updated;

@@ -7,6 +7,7 @@
 // only title, description and time: link, image, source and click count stay.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/ado/connection.h"
@@ -31,6 +32,21 @@ std::u16string StoredLink(std::u16string_view link);
 void AddRecord(ado::Connection& conn, const GatheredRecord& record, const SourceSite& site);
 void EditRecord(ado::Connection& conn, long long id, std::u16string_view title,
                 std::u16string_view content);
+
+// The store of one run: its statements prepared once. Destroy it before closing `conn`.
+class RecordStore {
+ public:
+  RecordStore(ado::Connection& conn, SourceSite site);
+  ~RecordStore();
+  // As StoreRecord.
+  StoreOutcome Store(const GatheredRecord& record);
+
+ private:
+  struct Statements;
+  ado::Connection& conn_;
+  SourceSite site_;
+  std::unique_ptr<Statements> statements_;
+};
 
 // Looks the stored link up and adds or edits, in one write transaction (BEGIN IMMEDIATE), so
 // two runs that meet the same link at once store it once.
