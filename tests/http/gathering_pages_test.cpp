@@ -59,6 +59,8 @@ class GatheringPages : public SiteTest {
     }
     for (const char* none : {"/gb/9.html", "/gb/90.html"})
       remote_->Set(none, {200, Gbk(u"<div class=\"none\">没有找到</div>")});
+    remote_->Set("/quote/1.html",
+                 {200, Gbk(u"<li class=\"v\"><a href=\"v/it's.html\" title=\"x\">Quote</a>")});
     remote_->Set("/slow/1.html", RemoteReply(200, ResultPage(1, 1, u"gb2312")).Delay(1500));
   }
   static void TearDownTestSuite() {
@@ -263,6 +265,20 @@ TEST_F(GatheringPages, ABrokenMarkerStopsTheStepWithoutStoringHalfAnEntry) {
   EXPECT_EQ(Value("select count(*) from db where url like 'remote.test/v/2-%'"), "0");
   EXPECT_NE(ReadFile(root() / "data/PagebindLog.Log")
                 .find("\\admin\\gather_list_db_ok, InitFunction1: Invalid procedure call"),
+            std::string::npos);
+}
+
+TEST_F(GatheringPages, AQuoteInALinkStopsTheStepAsABrokenStatementWould) {
+  RuleForm rule = Rule("quote", u"gb2312");
+  rule.Set(u"image_start", u"");
+  rule.Set(u"image_end", u"");
+  const std::string id = Add(rule);
+  std::u16string step =
+      Text(Get("/admin/gather_list_db_ok.asp?ID=" + id + "&Page_Start=1&Page_End=2"));
+  EXPECT_EQ(step.find(u"Next_Page"), std::u16string::npos);
+  EXPECT_EQ(Value("select count(*) from db where url like '%it''s%'"), "0");
+  EXPECT_NE(ReadFile(root() / "data/PagebindLog.Log")
+                .find("\\admin\\gather_list_db_ok, InitFunction1: Syntax error"),
             std::string::npos);
 }
 
