@@ -1,4 +1,5 @@
-// The ostrakan command: make a site (init) or serve one (serve).
+// The ostrakan command: make a site (init), serve one (serve), and the headless jobs on a site
+// (gather, generate).
 #include <unistd.h>
 
 #include <cstring>
@@ -8,6 +9,7 @@
 
 #include "engine/commands.h"
 #include "engine/generate_command.h"
+#include "engine/gather_command.h"
 
 namespace {
 
@@ -40,6 +42,18 @@ Usage:
       over the old one), so it may run while the site is served. Prints a summary line;
       with --json the last line is {"files":N,"failed":M}. Exit status 1 when any page
       was not written (a missing template, an unknown category ...).
+  ostrakan gather --site DIR list RULE_ID [--keyword WORD] [--pages FIRST-LAST]
+                  [--delay-ms N] [--retries N] [--json] [--resume]
+      Gather with the list-site rule RULE_ID of the site in DIR, without a browser: fetch
+      its result pages FIRST to LAST (default 1-1, both gathered) for WORD (default the
+      sample term), waiting N ms between fetches (default 1000) and retrying a failed fetch
+      N times (default 2), and store the entries in the video table, new links added and
+      known ones refreshed. Safe while "ostrakan serve" runs on the same site. Shows a
+      progress bar on a terminal and a line per page otherwise, then a summary; with
+      --json the last line is {"pages", "entries", "inserted", "updated", "no_results",
+      "failed"}. Each run is kept in the table gather_run; --resume continues the last
+      unfinished run of the rule where it stopped (or starts a new one when there is none).
+      Failed fetches are counted, not fatal; a missing site or rule exits with status 1.
 
   ostrakan --help
       This text.
@@ -167,5 +181,20 @@ int main(int argc, char** argv) {
   if (command == "init") return Init(args);
   if (command == "serve") return Serve(args);
   if (command == "generate") return Generate(args);
+  // Headless gathering.
+  if (command == "gather") {
+    std::vector<std::string> rest(args.begin() + 1, args.end());
+    if (!rest.empty() && (rest[0] == "--help" || rest[0] == "-h")) {
+      std::string help = kHelp;
+      size_t from = help.find("  ostrakan gather"), to = help.find("  ostrakan --help");
+      std::cout << help.substr(from, to - from);
+      return 0;
+    }
+    std::string problem;
+    auto options = ParseGatherArgs(rest, problem);
+    if (!options) return Usage(problem);
+    options->terminal = isatty(STDOUT_FILENO);
+    return RunGather(*options, std::cout, std::cerr);
+  }
   return Usage("unknown command \"" + command + "\"");
 }

@@ -17,6 +17,9 @@
   <dt>生成HTML</dt>
   <dd><a href="create_all.asp" target="main">生成全站</a></dd>
   <dd><a href="create_sort.asp" target="main">生成分类页面</a></dd>
+  <dt>列表采集</dt>
+  <dd><a href="gather_list_web_manage.asp" target="main">采集网站管理</a></dd>
+  <dd><a href="gather_list_web_add.asp" target="main">添加采集网站</a></dd>
   <dt>搜索关键词</dt>
   <dd><a href="keyword_manage.asp" target="main">关键词管理</a></dd>
   <dt>系统管理</dt>

@@ -101,3 +101,24 @@ CREATE TABLE gather_id_web (
   content_end TEXT COLLATE NOCASE,
   "range" TEXT COLLATE NOCASE
 );
+
+-- Headless gathering runs ("ostrakan gather"): one row per run, kept up to date after every
+-- page, so that a stopped run can be resumed at `next`; `finished` stays NULL until it ends.
+CREATE TABLE gather_run (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  kind TEXT NOT NULL,
+  rule_id INTEGER NOT NULL,
+  keyword TEXT,
+  first INTEGER NOT NULL,
+  last INTEGER NOT NULL,
+  next INTEGER NOT NULL,
+  pages INTEGER DEFAULT 0,
+  entries INTEGER DEFAULT 0,
+  inserted INTEGER DEFAULT 0,
+  updated INTEGER DEFAULT 0,
+  no_results INTEGER DEFAULT 0,
+  failed INTEGER DEFAULT 0,
+  started DATETIME,
+  finished DATETIME
+);
+CREATE INDEX gather_run_rule ON gather_run (kind, rule_id, finished);

@@ -24,6 +24,16 @@
 #include "admin/db_search.h"
 #include "admin/desktop.h"
 #include "admin/goto.h"
+#include "admin/gather_list_db.h"
+#include "admin/gather_list_db_ok.h"
+#include "admin/gather_list_web_add.h"
+#include "admin/gather_list_web_add_ok.h"
+#include "admin/gather_list_web_edit.h"
+#include "admin/gather_list_web_edit_ok.h"
+#include "admin/gather_list_web_manage.h"
+#include "admin/gather_list_web_ok.h"
+#include "admin/gather_list_web_update.h"
+#include "admin/gather_list_web_verify.h"
 #include "admin/inc/code.h"
 #include "admin/inc/md5.h"
 #include "admin/keyword_manage.h"
@@ -91,6 +101,17 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class57", Make<admin::CreateSortTwoInstruction>},  // create_sort_two_instruction
       {u"Ostrakan.Class58", Make<admin::CreateAllInstruction>},      // create_all_instruction.asp
       {u"Ostrakan.Goto", Make<admin::Goto>},                         // /goto.asp (public)
+      // List-site gathering
+      {u"Ostrakan.Class25", Make<admin::GatherListWebAdd>},     // gather_list_web_add.asp
+      {u"Ostrakan.Class31", Make<admin::GatherListWebAddOk>},   // gather_list_web_add_ok.asp
+      {u"Ostrakan.Class32", Make<admin::GatherListWebEdit>},    // gather_list_web_edit.asp
+      {u"Ostrakan.Class33", Make<admin::GatherListWebEditOk>},  // gather_list_web_edit_ok.asp
+      {u"Ostrakan.Class34", Make<admin::GatherListWebOk>},      // gather_list_web_ok.asp
+      {u"Ostrakan.Class35", Make<admin::GatherListWebManage>},  // gather_list_web_manage.asp
+      {u"Ostrakan.Class36", Make<admin::GatherListWebUpdate>},  // gather_list_web_update.asp
+      {u"Ostrakan.Class37", Make<admin::GatherListWebVerify>},  // gather_list_web_verify.asp
+      {u"Ostrakan.Class54", Make<admin::GatherListDbOk>},       // gather_list_db_ok.asp
+      {u"Ostrakan.Class66", Make<admin::GatherListDb>},         // gather_list_db.asp
   };
   return table;
 }

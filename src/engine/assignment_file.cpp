@@ -44,6 +44,23 @@ bool StartsWithWord(std::u16string_view s, std::u16string_view word) {
   return s.size() == word.size() || IsBlank(s[word.size()]);
 }
 
+// Reads a double-quoted literal starting at s[i] onto `out` (a doubled quote stands for one);
+// i ends after the closing quote.
+void ReadLiteral(std::u16string_view s, size_t& i, std::u16string& out, int lineNo) {
+  for (++i;; ++i) {
+    if (i >= s.size()) throw AssignmentSyntaxError(lineNo, "unterminated quoted value");
+    if (s[i] != u'"') {
+      out += s[i];
+    } else if (i + 1 < s.size() && s[i + 1] == u'"') {
+      out += u'"';
+      ++i;
+    } else {
+      ++i;
+      return;
+    }
+  }
+}
+
 // Reads `name = value [' comment]`. Returns nullopt when the line does not start as an
 // assignment (a name followed by '='); throws when it does but the value is malformed.
 std::optional<Assignment> ReadAssignment(std::u16string_view line, int lineNo) {
@@ -58,17 +75,31 @@ std::optional<Assignment> ReadAssignment(std::u16string_view line, int lineNo) {
   while (i < s.size() && IsBlank(s[i])) ++i;
   if (i >= s.size()) throw AssignmentSyntaxError(lineNo, "missing value after '='");
   if (s[i] == u'"') {
-    for (++i;; ++i) {
-      if (i >= s.size()) throw AssignmentSyntaxError(lineNo, "unterminated quoted value");
-      if (s[i] != u'"') {
-        a.value += s[i];
-      } else if (i + 1 < s.size() && s[i + 1] == u'"') {
-        a.value += u'"';
-        ++i;
+    ReadLiteral(s, i, a.value, lineNo);
+    // Further parts joined with '&': literals and the line-break constants.
+    while (true) {
+      size_t j = i;
+      while (j < s.size() && IsBlank(s[j])) ++j;
+      if (j >= s.size() || s[j] != u'&') break;
+      ++j;
+      while (j < s.size() && IsBlank(s[j])) ++j;
+      if (j < s.size() && s[j] == u'"') {
+        ReadLiteral(s, j, a.value, lineNo);
       } else {
-        ++i;
-        break;
+        size_t start = j;
+        while (j < s.size() && IsNameChar(s[j])) ++j;
+        std::u16string_view name = s.substr(start, j - start);
+        if (IEquals(name, u"vbCrLf")) {
+          a.value += u"\r\n";
+        } else if (IEquals(name, u"vbCr")) {
+          a.value += u'\r';
+        } else if (IEquals(name, u"vbLf")) {
+          a.value += u'\n';
+        } else {
+          throw AssignmentSyntaxError(lineNo, "expected a quoted text or vbCrLf after '&'");
+        }
       }
+      i = j;
     }
   } else {
     size_t start = i;
@@ -103,7 +134,15 @@ std::optional<long long> WholeNumber(std::u16string_view s) {
   return negative ? -n : n;
 }
 
+// A case label as written: `3` or `"3"`.
+std::u16string_view Unquoted(std::u16string_view s) {
+  s = Trim(s);
+  if (s.size() >= 2 && s.front() == u'"' && s.back() == u'"') s = s.substr(1, s.size() - 2);
+  return s;
+}
+
 bool LabelMatches(std::u16string_view label, std::u16string_view id) {
+  label = Unquoted(label);
   auto a = WholeNumber(label), b = WholeNumber(id);
   if (a && b) return *a == *b;
   return !a && !b && Trim(label) == Trim(id);

@@ -6,8 +6,9 @@
 //   Page_Start=1
 //   %>
 //
-// A value is a double-quoted literal (a quote inside it doubled) or a bare token such as a
-// number; a comment may follow it. Rule files group their assignments in case arms:
+// A value is a double-quoted literal (a quote inside it doubled), several of them joined with
+// '&' and the line-break constants vbCrLf, vbCr and vbLf ("a" & vbCrLf & "b"), or a bare token
+// such as a number; a comment may follow it. Rule files group their assignments in case arms:
 //
 //   Select Case id
 //   Case 3
@@ -52,7 +53,8 @@ std::vector<Assignment> ParseAssignments(std::u16string_view text);
 std::vector<CaseArm> ParseCaseArms(std::u16string_view text);
 
 // The arm whose label equals `id` (both read as whole numbers when they are, so " 03" matches
-// "Case 3"; "Case 3, 4" lists two labels), else the "Case Else" arm, else nullptr.
+// "Case 3"; a label may be quoted, `Case "3"`; "Case 3, 4" lists two labels), else the "Case Else"
+// arm, else nullptr.
 const CaseArm* FindCaseArm(const std::vector<CaseArm>& arms, std::u16string_view id);
 
 }  // namespace ostrakan::engine

@@ -4,6 +4,7 @@
 
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
+#include "platform/http/xml_http.h"
 #include "platform/text/stream.h"
 
 namespace ostrakan {
@@ -43,9 +44,11 @@ ObjectFactory ObjectFactory::WithPlatformObjects() {
   factory.Register(u"ADODB.Stream", [] { return std::make_shared<Stream>(); });
   factory.Register(u"MSScriptControl.ScriptControl",
                    [] { return std::make_shared<ScriptControl>(); });
-  // The XML HTTP request objects ("MSXML2.XMLHTTP.4.0", "MSXML2.XMLHTTP.3.0",
-  // "MSXML2.XMLHTTP", "Microsoft.XMLHttp") and "Scripting.FileSystemObject" register here
-  // once platform/http and platform/fs provide them.
+  // The XML HTTP request objects, each over the fetcher in force when it is created.
+  for (const char16_t* progId : http::kXmlHttpProgIds)
+    factory.Register(progId,
+                     [] { return std::make_shared<http::XmlHttp>(http::DefaultFetcher()); });
+  // "Scripting.FileSystemObject" registers here once platform/fs provides it.
   return factory;
 }
 

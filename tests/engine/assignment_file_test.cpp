@@ -28,6 +28,12 @@ TEST(ParseAssignments, ReadsQuotedAndBareValuesAndSkipsCommentsAndDelimiters) {
   EXPECT_EQ(a[3].value, u"a'b");  // a quote inside the literal is not a comment
 }
 
+TEST(ParseAssignments, JoinsLiteralsAndLineBreaks) {
+  auto values = ParseAssignments(u"A=\"x\"\"y\" & vbCrLf & \"z\" & VBLF & vbCr ' note");
+  ASSERT_EQ(values.size(), 1u);
+  EXPECT_EQ(values[0].value, u"x\"y\r\nz\n\r");
+}
+
 TEST(ParseAssignments, NamesTheLineOfAMalformedLine) {
   auto lineOf = [](std::u16string_view text) {
     try {
@@ -41,7 +47,8 @@ TEST(ParseAssignments, NamesTheLineOfAMalformedLine) {
   EXPECT_EQ(lineOf(u"A=\"1\" junk"), 1);
   EXPECT_EQ(lineOf(u"\n\nDim x"), 3);
   EXPECT_EQ(lineOf(u"A="), 1);
-  EXPECT_EQ(lineOf(u"A=\"1\" & \"2\""), 1);
+  EXPECT_EQ(lineOf(u"A=\"1\" & Chr(34)"), 1);
+  EXPECT_EQ(lineOf(u"A=\"1\" &"), 1);
   EXPECT_EQ(lineOf(u"A=\"ok\"\r\n' fine\r\nB=\"ok\""), 0);
 }
 

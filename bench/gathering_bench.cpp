@@ -1,0 +1,198 @@
+// Gathering: extraction of a large result page against one case-insensitive scan of it; a
+// headless run over the loopback fixture against fetching the same pages alone; the cost of
+// the duplicate test and store per entry, with a small and a large video table.
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <sstream>
+
+#include "engine/commands.h"
+#include "engine/gather_command.h"
+#include "gathering/list_extraction.h"
+#include "gathering/record_store.h"
+#include "platform/text/bytes_to_bstr.h"
+#include "support/list_rule_fixture.h"
+#include "support/remote_site.h"
+
+namespace {
+
+using namespace ostrakan;
+namespace fsys = std::filesystem;
+
+const fsys::path kSourceSite = fsys::path(OSTRAKAN_SOURCE_DIR) / "site";
+
+gathering::ListRule FixtureRule() {
+  gathering::ListRule r;
+  r.web = u"Fixture";
+  r.url = u"http://remote.test/";
+  r.next_page = u"1";
+  r.charset = u"utf-8";
+  r.error_html = u"<div class=\"none\">";
+  r.cyc_border = u"<li class=\"v\">";
+  r.cyc_border_sn = u"1";
+  r.image_start = u"<img src=\"http://";
+  r.image_end = u"\" alt";
+  r.url_start = u"<a href=\"";
+  r.url_end = u"\" title";
+  r.v_url = u"http://remote.test/";
+  r.title_start = u"title=\"x\">";
+  r.title_end = u"</a>";
+  r.content_start = u"<p>";
+  r.content_end = u"</p>";
+  r.content_filtration = u" text";
+  return r;
+}
+
+// A result page of about 1 MB with 1,000 entries (padding between them, as real pages have).
+std::u16string LargePage() {
+  std::u16string html = u"<html><body><ul>";
+  const std::u16string padding(880, u'x');
+  for (int n = 1; n <= 1000; ++n) {
+    std::u16string id = FromUtf8(std::to_string(n));
+    html += u"<li class=\"v\"><div class=\"Pad\">" + padding +
+            u"</div><img src=\"http://img.test/" + id + u".jpg\" alt=\"\"><a href=\"v/" + id +
+            u".html\" title=\"x\">Video 影片 " + id + u"</a><p>About " + id + u" Text</p></li>\n";
+  }
+  return html + u"</ul></body></html>";
+}
+
+void BM_ExtractLargePage(benchmark::State& state) {
+  const std::u16string page = LargePage();
+  size_t entries = 0;
+  for (auto _ : state) {
+    gathering::ListExtractor x(FixtureRule());
+    entries = 0;
+    x.Cut(page, [&](const gathering::ListEntry&) { ++entries; });
+  }
+  state.counters["entries"] = static_cast<double>(entries);
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(page.size() * 2));
+}
+BENCHMARK(BM_ExtractLargePage)->Unit(benchmark::kMillisecond);
+
+// The yardstick: lower-case the page once and search it through for a marker it lacks.
+void BM_CaseInsensitiveScan(benchmark::State& state) {
+  const std::u16string page = LargePage();
+  for (auto _ : state) {
+    std::u16string folded = text::LowerCase(page);
+    benchmark::DoNotOptimize(folded.find(u"<div class=\"none\">"));
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(page.size() * 2));
+}
+BENCHMARK(BM_CaseInsensitiveScan)->Unit(benchmark::kMillisecond);
+
+constexpr int kRunPages = 200;
+
+struct Fixture {
+  Fixture() {
+    for (int p = 1; p <= kRunPages; ++p)
+      remote.Set("/r/" + std::to_string(p) + ".html", {200, testing::FixtureResultPage(p, 20)});
+  }
+  testing::RemoteSite remote;
+};
+
+void BM_HeadlessRun(benchmark::State& state) {
+  Fixture f;
+  testing::TempDir dir;
+  const fsys::path site = dir.path() / "site";
+  std::ostringstream out, err;
+  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
+  const std::string rule = testing::InsertFixtureRule(site / "data/ostrakan.db",
+                                                      f.remote.Url("/r/[page].html?q=[keyword]"));
+  engine::GatherOptions o;
+  o.site = site;
+  o.ruleId = std::stoll(rule);
+  o.first = 1;
+  o.last = kRunPages;
+  o.delayMs = 0;
+  for (auto _ : state) {
+    std::ostringstream o1, e1;
+    if (engine::RunGather(o, o1, e1) != 0) state.SkipWithError("run failed");
+  }
+  state.counters["pages/s"] = benchmark::Counter(
+      static_cast<double>(kRunPages * state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_HeadlessRun)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// The same run with the pages served from memory: what cutting and storing cost per page.
+class MemoryFetcher : public http::Fetcher {
+ public:
+  http::FetchResult Get(const std::string& address) override {
+    size_t slash = address.rfind('/');
+    int page = std::atoi(address.c_str() + slash + 1);
+    return {true, 200, testing::FixtureResultPage(page, 20), ""};
+  }
+};
+
+void BM_HeadlessRunFromMemory(benchmark::State& state) {
+  testing::TempDir dir;
+  const fsys::path site = dir.path() / "site";
+  std::ostringstream out, err;
+  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
+  const std::string rule =
+      testing::InsertFixtureRule(site / "data/ostrakan.db", "http://memory/r/[page].html");
+  engine::GatherOptions o;
+  o.site = site;
+  o.ruleId = std::stoll(rule);
+  o.first = 1;
+  o.last = kRunPages;
+  o.delayMs = 0;
+  o.fetcher = std::make_shared<MemoryFetcher>();
+  for (auto _ : state) {
+    std::ostringstream o1, e1;
+    if (engine::RunGather(o, o1, e1) != 0) state.SkipWithError("run failed");
+  }
+  state.counters["pages/s"] = benchmark::Counter(
+      static_cast<double>(kRunPages * state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_HeadlessRunFromMemory)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void BM_FetchOnly(benchmark::State& state) {
+  Fixture f;
+  auto fetcher = http::MakeCurlFetcher();
+  for (auto _ : state) {
+    for (int p = 1; p <= kRunPages; ++p)
+      benchmark::DoNotOptimize(
+          fetcher->Get(f.remote.Url("/r/" + std::to_string(p) + ".html?q=%E7%94%B5")));
+  }
+  state.counters["pages/s"] = benchmark::Counter(
+      static_cast<double>(kRunPages * state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_FetchOnly)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// A site whose video table holds `rows` records.
+struct StoreSite {
+  explicit StoreSite(long rows) {
+    std::ostringstream out, err;
+    engine::RunInit({dir.path() / "site", kSourceSite, "admin", std::string("secret123")}, out,
+                    err);
+    db = dir.path() / "site/data/ostrakan.db";
+    testing::Sql(db, "with recursive n(i) as (select 1 union all select i + 1 from n where i < " +
+                         std::to_string(rows) +
+                         ") insert into db (title, content, url, source, source_url) "
+                         "select 'title ' || i, 'content ' || i, 'old.test/v/' || i || '.html', "
+                         "'Old', 'old.test' from n");
+    conn = std::make_shared<ado::Connection>();
+    conn->Open(u"DBQ=" + FromUtf8(db.string()) + u";");
+  }
+  testing::TempDir dir;
+  fsys::path db;
+  std::shared_ptr<ado::Connection> conn;
+};
+
+void BM_StoreEntry(benchmark::State& state) {
+  StoreSite s(state.range(0));
+  const gathering::SourceSite source{u"Fixture", u"http://remote.test/"};
+  long n = 0;
+  for (auto _ : state) {
+    // Half new links, half known ones (refreshed).
+    ++n;
+    std::u16string link =
+        (n % 2) ? u"remote.test/v/" + FromUtf8(std::to_string(n)) + u".html"
+                : u"old.test/v/" + FromUtf8(std::to_string(n * 7 % state.range(0) + 1)) + u".html";
+    gathering::StoreRecord(*s.conn, {u"title", u"content", link, u""}, source);
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_StoreEntry)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+
+}  // namespace

@@ -1,0 +1,5 @@
+<%
+' 列表采集规则，由 gather_list_web_update.asp 生成，请勿手工修改。
+Select Case ID
+End Select
+%>

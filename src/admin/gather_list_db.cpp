@@ -1,0 +1,42 @@
+#include "admin/gather_list_db.h"
+
+#include "frame/data_access.h"
+#include "frame/escape.h"
+
+namespace ostrakan::admin {
+
+GatherListDb::GatherListDb() : DatabasePage(u"\\admin\\gather_list_db") {
+  Property(u"rs", rs);
+  Property(u"id", id);
+  Property(u"web", web);
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction4", [this] {
+    Guard(u"InitFunction4", [&] { CurrentResponse().Write(HtmlAttr(TextOf(id))); });
+  });
+  Block(u"InitFunction5", [this] {
+    Guard(u"InitFunction5", [&] { CurrentResponse().Write(HtmlText(TextOf(web))); });
+  });
+}
+
+void GatherListDb::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    Variant requested = CurrentRequest().QueryString(u"id");
+    if (!IsValidId(requested)) {
+      CloseAndRelease(conn);
+      WriteAndEnd(u"非法ID参数");
+    }
+    ado::Recordset& rule = OpenRecordset(
+        rs, u"select id,web from gather_list_web where id=" + TextOf(requested), conn);
+    if (rule.Eof() && rule.Bof()) {
+      CloseAndRelease(rs);
+      CloseAndRelease(conn);
+      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    }
+    id = rule.Field(u"id");
+    web = rule.Field(u"web");
+    CloseAndRelease(rs);
+    CloseAndRelease(conn);
+  });
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,41 @@
+#include "admin/gather_list_web_edit.h"
+
+#include "admin/gather_list_web_form.h"
+#include "frame/data_access.h"
+
+namespace ostrakan::admin {
+
+GatherListWebEdit::GatherListWebEdit() : DatabasePage(u"\\admin\\gather_list_web_edit") {
+  Property(u"rs", rs);
+  Property(u"id", id);
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  UseFiltration(FilterKind::QuoteUndoubling);
+}
+
+void GatherListWebEdit::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    id = CurrentRequest().QueryString(u"id");
+    if (!IsValidId(id)) {
+      CloseAndRelease(conn);
+      WriteAndEnd(u"非法ID参数");
+    }
+    ado::Recordset& rules =
+        OpenRecordset(rs, u"select * from gather_list_web where id=" + TextOf(id), conn);
+    if (rules.Eof() && rules.Bof()) {
+      CloseAndRelease(rs);
+      CloseAndRelease(conn);
+      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    }
+    gathering::ListRule values;
+    for (const auto& f : gathering::ListRuleFields()) {
+      Variant v = rules.Field(f.column);
+      values.*f.member = TextOf(filtration(v));
+    }
+    const std::u16string page = ListRuleEditPage(TextOf(rules.Field(u"id")), values);
+    CloseAndRelease(rs);
+    CloseAndRelease(conn);
+    CurrentResponse().Write(page);
+  });
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,205 @@
+#include "engine/gather_command.h"
+
+#include <chrono>
+#include <cstdio>
+#include <ostream>
+
+#include "core/script_error.h"
+#include "engine/commands.h"
+#include "engine/site_setup.h"
+#include "frame/error_log.h"
+#include "gathering/headless_run.h"
+#include "gathering/list_extraction.h"
+
+namespace ostrakan::engine {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+bool ReadNumber(const std::string& text, long long low, long long& out) {
+  if (text.empty() || text.size() > 12 || text.find_first_not_of("0123456789") != std::string::npos)
+    return false;
+  out = std::stoll(text);
+  return out >= low;
+}
+
+bool ReadRange(const std::string& text, long& first, long& last) {
+  size_t dash = text.find('-');
+  long long a, b;
+  if (dash == std::string::npos) {
+    if (!ReadNumber(text, 0, a)) return false;
+    b = a;
+  } else if (!ReadNumber(text.substr(0, dash), 0, a) || !ReadNumber(text.substr(dash + 1), 0, b)) {
+    return false;
+  }
+  if (a > b || b > 1000000) return false;
+  first = static_cast<long>(a);
+  last = static_cast<long>(b);
+  return true;
+}
+
+std::string Duration(double seconds) {
+  long s = static_cast<long>(seconds + 0.5);
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "%ld:%02ld", s / 60, s % 60);
+  return buf;
+}
+
+// Progress on a terminal: one line redrawn in place.
+void DrawBar(std::ostream& out, const gathering::JournalRun& run, long doneThisTime,
+             double elapsed) {
+  const long total = run.last - run.first + 1;
+  const long done = run.next - run.first;
+  const int width = 24;
+  const int filled = total > 0 ? static_cast<int>(width * done / total) : width;
+  const long left = run.last - run.next + 1;
+  std::string eta = doneThisTime > 0 ? Duration(elapsed / doneThisTime * left) : "?";
+  out << "\r[" << std::string(filled, '#') << std::string(width - filled, '-') << "] " << done
+      << "/" << total << " pages, " << run.counts.inserted << " inserted, " << run.counts.updated
+      << " updated, " << run.counts.failed << " failed, " << eta << " left  " << std::flush;
+}
+
+}  // namespace
+
+std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& args,
+                                             std::string& problem) {
+  GatherOptions o;
+  std::vector<std::string> positional;
+  bool haveSite = false;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    auto value = [&]() -> const std::string* {
+      if (i + 1 >= args.size()) {
+        problem = a + " needs a value";
+        return nullptr;
+      }
+      return &args[++i];
+    };
+    long long n = 0;
+    if (a == "--json") {
+      o.json = true;
+    } else if (a == "--resume") {
+      o.resume = true;
+    } else if (a == "--site") {
+      auto v = value();
+      if (!v) return std::nullopt;
+      o.site = *v;
+      haveSite = true;
+    } else if (a == "--keyword") {
+      auto v = value();
+      if (!v) return std::nullopt;
+      o.keyword = *v;
+    } else if (a == "--pages") {
+      auto v = value();
+      if (!v) return std::nullopt;
+      if (!ReadRange(*v, o.first, o.last)) {
+        problem = "--pages takes FIRST-LAST, two page numbers with FIRST not above LAST";
+        return std::nullopt;
+      }
+    } else if (a == "--delay-ms" || a == "--retries") {
+      auto v = value();
+      if (!v) return std::nullopt;
+      if (!ReadNumber(*v, 0, n) || n > 3600000) {
+        problem = a + " takes a whole number of 0 or more";
+        return std::nullopt;
+      }
+      (a == "--delay-ms" ? o.delayMs : o.retries) = static_cast<int>(n);
+    } else if (a.starts_with("--")) {
+      problem = "unknown option \"" + a + "\"";
+      return std::nullopt;
+    } else {
+      positional.push_back(a);
+    }
+  }
+  if (!haveSite) {
+    problem = "gather needs --site DIR";
+    return std::nullopt;
+  }
+  if (positional.size() != 2) {
+    problem = "gather needs a kind of rule and a rule number, as in \"list 3\"";
+    return std::nullopt;
+  }
+  o.kind = positional[0];
+  if (o.kind != "list") {
+    problem = "gather knows the rule kind \"list\", not \"" + o.kind + "\"";
+    return std::nullopt;
+  }
+  if (!ReadNumber(positional[1], 1, o.ruleId)) {
+    problem = "the rule number must be a whole number from 1";
+    return std::nullopt;
+  }
+  return o;
+}
+
+int RunGather(const GatherOptions& o, std::ostream& out, std::ostream& err) {
+  if (std::string problem = CheckSite(o.site); !problem.empty()) {
+    err << "ostrakan gather: " << problem << "\n";
+    return 1;
+  }
+  SetErrorLogPath(o.site / "data" / "PagebindLog.Log");
+  try {
+    auto shared = std::make_shared<ado::Connection>();  // record sets keep their connection
+    ado::Connection& conn = *shared;
+    conn.Open(u"DBQ=" + FromUtf8(LoadSiteSetup(o.site).DatabasePath(o.site).string()) + u";");
+    gathering::EnsureRunJournal(conn);
+    // Each page is one commit; in WAL mode NORMAL keeps every commit through a crash of this
+    // process (what --resume relies on) without a flush to disk per page.
+    conn.Execute(u"pragma synchronous = NORMAL");
+    std::optional<gathering::ListRule> rule = gathering::LoadListRule(conn, o.ruleId);
+    if (!rule) {
+      err << "ostrakan gather: there is no list rule number " << o.ruleId << " in this site\n";
+      return 1;
+    }
+
+    std::optional<gathering::JournalRun> run;
+    if (o.resume) run = gathering::LastUnfinishedRun(conn, u"list", o.ruleId);
+    if (run) {
+      out << "resuming run " << run->id << " of rule " << o.ruleId << " at page " << run->next
+          << " of " << run->first << "-" << run->last << "\n";
+    } else {
+      std::u16string keyword =
+          o.keyword ? FromUtf8(*o.keyword) : std::u16string(gathering::kSampleKeyword);
+      run = gathering::StartRun(conn, u"list", o.ruleId, keyword, o.first, o.last);
+    }
+
+    std::shared_ptr<http::Fetcher> fetcher = o.fetcher ? o.fetcher : http::MakeCurlFetcher();
+    gathering::PacedFetcher paced(*fetcher, {o.delayMs, o.retries, o.retryPauseMs});
+    gathering::GatherUnit pages = gathering::ListPages(*rule, run->keyword, paced);
+
+    const auto started = Clock::now();
+    const long resumedAt = run->next;
+    gathering::RunReport report;
+    report.progress = [&](const gathering::JournalRun& r) {
+      if (o.terminal) {
+        std::chrono::duration<double> elapsed = Clock::now() - started;
+        DrawBar(out, r, r.next - resumedAt, elapsed.count());
+      } else {
+        const auto& c = r.counts;
+        out << "page " << r.next - 1 << " done: " << c.entries << " entries, " << c.inserted
+            << " inserted, " << c.updated << " updated, " << c.failed << " failed\n";
+      }
+    };
+    report.failure = [&](long page, const std::string& why) {
+      if (o.terminal) out << "\n";
+      out << "page " << page << " failed: " << why << "\n";
+    };
+    gathering::WalkRun(conn, *run, {rule->web, rule->url}, pages, report);
+    if (o.terminal) out << "\n";
+
+    const auto& c = run->counts;
+    out << "rule " << o.ruleId << ": " << c.pages << " pages, " << c.entries << " entries, "
+        << c.inserted << " inserted, " << c.updated << " updated, " << c.noResults
+        << " without results, " << c.failed << " failed\n";
+    if (o.json)
+      out << "{\"pages\":" << c.pages << ",\"entries\":" << c.entries
+          << ",\"inserted\":" << c.inserted << ",\"updated\":" << c.updated
+          << ",\"no_results\":" << c.noResults << ",\"failed\":" << c.failed << "}\n";
+    out.flush();
+    return 0;
+  } catch (const ScriptError& e) {
+    err << "ostrakan gather: the database failed: " << ToUtf8(e.description) << "\n";
+    return 1;
+  }
+}
+
+}  // namespace ostrakan::engine

@@ -1,0 +1,91 @@
+#include "gathering/headless_run.h"
+
+#include <future>
+#include <thread>
+
+#include "core/script_error.h"
+#include "gathering/bound_sql.h"
+#include "gathering/list_extraction.h"
+#include "platform/text/bytes_to_bstr.h"
+
+namespace ostrakan::gathering {
+
+std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
+                                                  std::u16string_view charset) {
+  const std::string wire = http::EncodeAddress(address);
+  for (int attempt = 0; attempt <= pacing_.retries; ++attempt) {
+    auto wait =
+        std::chrono::milliseconds(attempt == 0 ? pacing_.delayMs : attempt * pacing_.retryPauseMs);
+    if (last_) std::this_thread::sleep_until(*last_ + wait);
+    http::FetchResult r = fetcher_.Get(wire);
+    last_ = std::chrono::steady_clock::now();
+    if (r.completed && r.status == 200) return text::BytesToBstr(r.body, charset);
+  }
+  return std::nullopt;
+}
+
+void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
+             const GatherUnit& gather, const RunReport& report) {
+  // The next unit is fetched and cut while this one is stored; units are still gathered one
+  // after the other, in order, so pacing and the extractor's carried state are kept.
+  RecordStore store(conn, site);
+  std::future<UnitResult> ahead;
+  if (run.next <= run.last) ahead = std::async(std::launch::async, gather, run.next);
+  while (run.next <= run.last) {
+    const long unit = run.next;
+    UnitResult result = ahead.get();
+    if (unit + 1 <= run.last) ahead = std::async(std::launch::async, gather, unit + 1);
+    WriteTransaction transaction(conn);
+    RunCounts& c = run.counts;
+    ++c.pages;
+    switch (result.outcome) {
+      case UnitOutcome::Failed:
+        ++c.failed;
+        if (report.failure) report.failure(unit, result.why);
+        break;
+      case UnitOutcome::NoResults:
+        ++c.noResults;
+        break;
+      case UnitOutcome::Gathered:
+        for (const GatheredRecord& record : result.records) {
+          ++c.entries;
+          if (store.Store(record) == StoreOutcome::Inserted)
+            ++c.inserted;
+          else
+            ++c.updated;
+        }
+        break;
+    }
+    run.next = unit + 1;
+    RecordProgress(conn, run, run.next > run.last);
+    transaction.Commit();
+    if (report.progress) report.progress(run);
+  }
+  if (run.first > run.last) RecordProgress(conn, run, true);
+}
+
+GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher& fetcher) {
+  auto extractor = std::make_shared<ListExtractor>(rule);
+  const std::u16string word = EncodeKeyword(rule, keyword);
+  return [extractor, word, &fetcher](long page) {
+    UnitResult result;
+    try {
+      const std::u16string address = PageAddress(extractor->rule(), word, page);
+      std::optional<std::u16string> html = fetcher.Fetch(address, extractor->rule().charset);
+      if (!html) {
+        result.outcome = UnitOutcome::Failed;
+        result.why = "could not fetch " + ToUtf8(address);
+        return result;
+      }
+      auto outcome = extractor->Cut(*html, [&](const ListEntry& e) {
+        result.records.push_back({e.title, e.content, StoredLink(e.url), e.image});
+      });
+      if (outcome == ListExtractor::Outcome::NoResults) result.outcome = UnitOutcome::NoResults;
+    } catch (const ScriptError& e) {
+      result = {UnitOutcome::Failed, {}, "the rule cannot cut the page: " + ToUtf8(e.description)};
+    }
+    return result;
+  };
+}
+
+}  // namespace ostrakan::gathering

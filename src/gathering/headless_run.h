@@ -1,0 +1,68 @@
+// Headless gathering runs (the `ostrakan gather` command, cron jobs): a paced, retrying walk
+// over pages or IDs that stores what it finds with the record store and keeps the run journal
+// up to date after every unit, so that a stopped run can be resumed without duplicates.
+//
+// One unit (a page) is stored in one write transaction together with its journal update: a
+// run killed at any moment leaves either the whole unit or nothing of it.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "gathering/list_rule.h"
+#include "gathering/record_store.h"
+#include "gathering/run_journal.h"
+#include "platform/ado/connection.h"
+#include "platform/http/fetcher.h"
+
+namespace ostrakan::gathering {
+
+struct PacedFetch {
+  int delayMs = 1000;       // between two fetches
+  int retries = 2;          // further attempts after a failed fetch
+  int retryPauseMs = 1000;  // the pause before retry n is n times this
+};
+
+// Fetches an address (non-ASCII sent as GBK bytes) and decodes it with the charset, waiting
+// `delayMs` since the previous fetch and retrying failures. Only a final 200 gives text;
+// nullopt after the last failed attempt.
+class PacedFetcher {
+ public:
+  PacedFetcher(http::Fetcher& fetcher, PacedFetch pacing) : fetcher_(fetcher), pacing_(pacing) {}
+  std::optional<std::u16string> Fetch(std::u16string_view address, std::u16string_view charset);
+
+ private:
+  http::Fetcher& fetcher_;
+  PacedFetch pacing_;
+  std::optional<std::chrono::steady_clock::time_point> last_;
+};
+
+// What one unit gave: its entries, no results, or a failure (a fetch that did not succeed,
+// or a rule that could not cut the page; `why` says which).
+enum class UnitOutcome { Gathered, NoResults, Failed };
+struct UnitResult {
+  UnitOutcome outcome = UnitOutcome::Gathered;
+  std::vector<GatheredRecord> records;
+  std::string why;
+};
+
+// Fetches and cuts one unit (a page number or an ID). Runs outside any transaction.
+using GatherUnit = std::function<UnitResult(long unit)>;
+
+struct RunReport {
+  std::function<void(const JournalRun&)> progress;                 // after each unit
+  std::function<void(long unit, const std::string& why)> failure;  // a failed unit
+};
+
+// Walks run.next .. run.last: gathers each unit, then stores its records and the journal
+// update in one write transaction; marks the run finished at the end.
+void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
+             const GatherUnit& gather, const RunReport& report);
+
+// The list-site unit: page `unit` of the rule for the keyword, cut into records.
+GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher& fetcher);
+
+}  // namespace ostrakan::gathering

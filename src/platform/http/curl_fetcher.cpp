@@ -1,0 +1,127 @@
+#include <curl/curl.h>
+
+#include <mutex>
+
+#include "platform/http/fetcher.h"
+#include "platform/text/codepage.h"
+
+namespace ostrakan::http {
+namespace {
+
+constexpr char kUserAgent[] =
+    "Mozilla/5.0 (X11; Linux x86_64) AppleWebKit/537.36 (KHTML, like Gecko) "
+    "Chrome/120.0 Safari/537.36";
+
+struct Sink {
+  std::string* body;
+  size_t limit;
+  bool tooLarge = false;
+};
+
+size_t Receive(char* data, size_t size, size_t count, void* user) {
+  auto* sink = static_cast<Sink*>(user);
+  size_t n = size * count;
+  if (sink->body->size() + n > sink->limit) {
+    sink->tooLarge = true;
+    return 0;  // makes libcurl stop with a write error
+  }
+  sink->body->append(data, n);
+  return n;
+}
+
+class CurlFetcher : public Fetcher {
+ public:
+  explicit CurlFetcher(FetchLimits limits) : limits_(limits) {
+    static std::once_flag once;
+    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+  }
+
+  FetchResult Get(const std::string& address) override {
+    FetchResult result;
+    CURL* curl = curl_easy_init();
+    if (!curl) {
+      result.error = "cannot start a transfer";
+      return result;
+    }
+    Sink sink{&result.body, limits_.maxBodyBytes};
+    curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
+    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(curl, CURLOPT_MAXREDIRS, limits_.maxRedirects);
+    curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "");  // every encoding libcurl can unpack
+    curl_easy_setopt(curl, CURLOPT_USERAGENT, kUserAgent);
+    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, limits_.connectTimeoutMs);
+    curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, limits_.totalTimeoutMs);
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, limits_.lowSpeedBytesPerSecond);
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, limits_.lowSpeedSeconds);
+    curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE,
+                     static_cast<curl_off_t>(limits_.maxBodyBytes));
+    curl_easy_setopt(curl, CURLOPT_NOPROXY, "127.0.0.1,localhost,::1");
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, Receive);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &sink);
+    CURLcode code = curl_easy_perform(curl);
+    if (code == CURLE_OK) {
+      curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &result.status);
+      result.completed = true;
+    } else {
+      result.body.clear();
+      result.error =
+          sink.tooLarge ? "the answer is larger than the limit" : curl_easy_strerror(code);
+    }
+    curl_easy_cleanup(curl);
+    return result;
+  }
+
+ private:
+  FetchLimits limits_;
+};
+
+std::mutex defaultMutex;
+std::shared_ptr<Fetcher>& DefaultSlot() {
+  static std::shared_ptr<Fetcher> slot = MakeCurlFetcher();
+  return slot;
+}
+
+}  // namespace
+
+std::shared_ptr<Fetcher> MakeCurlFetcher(FetchLimits limits) {
+  return std::make_shared<CurlFetcher>(limits);
+}
+
+std::shared_ptr<Fetcher> DefaultFetcher() {
+  std::lock_guard lock(defaultMutex);
+  return DefaultSlot();
+}
+
+void SetDefaultFetcher(std::shared_ptr<Fetcher> fetcher) {
+  std::lock_guard lock(defaultMutex);
+  DefaultSlot() = fetcher ? std::move(fetcher) : MakeCurlFetcher();
+}
+
+std::string EncodeAddress(std::u16string_view address) {
+  static const char* hex = "0123456789ABCDEF";
+  std::string out;
+  auto escape = [&](unsigned char c) {
+    out += '%';
+    out += hex[c >> 4];
+    out += hex[c & 15];
+  };
+  for (size_t i = 0; i < address.size(); ++i) {
+    char16_t c = address[i];
+    if (c > 0x20 && c < 0x7f) {
+      out += static_cast<char>(c);
+    } else if (c < 0x80) {
+      escape(static_cast<unsigned char>(c));
+    } else {
+      size_t n = 1;
+      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < address.size()) n = 2;
+      for (unsigned char b : text::Encode(address.substr(i, n), text::kAnsiCodePage)) escape(b);
+      i += n - 1;
+    }
+  }
+  return out;
+}
+
+}  // namespace ostrakan::http
