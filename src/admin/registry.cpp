@@ -15,6 +15,13 @@
 #include "admin/db_ok.h"
 #include "admin/db_search.h"
 #include "admin/desktop.h"
+#include "admin/gather_id_web_add.h"
+#include "admin/gather_id_web_add_ok.h"
+#include "admin/gather_id_web_edit.h"
+#include "admin/gather_id_web_edit_ok.h"
+#include "admin/gather_id_web_manage.h"
+#include "admin/gather_id_web_ok.h"
+#include "admin/gather_id_web_update.h"
 #include "admin/inc/code.h"
 #include "admin/inc/md5.h"
 #include "admin/keyword_manage.h"
@@ -62,6 +69,14 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class10", Make<admin::KeywordManage>},  // keyword_manage.asp
       {u"Ostrakan.Class11", Make<admin::KeywordOk>},      // keyword_ok.asp
       {u"Ostrakan.Class14", Make<admin::DbSearch>},       // db_search.asp
+      // ID-site gathering rules
+      {u"Ostrakan.Class38", Make<admin::GatherIdWebManage>},  // gather_id_web_manage.asp
+      {u"Ostrakan.Class41", Make<admin::GatherIdWebUpdate>},  // gather_id_web_update.asp
+      {u"Ostrakan.Class42", Make<admin::GatherIdWebOk>},      // gather_id_web_ok.asp
+      {u"Ostrakan.Class47", Make<admin::GatherIdWebAddOk>},   // gather_id_web_add_ok.asp
+      {u"Ostrakan.Class48", Make<admin::GatherIdWebAdd>},     // gather_id_web_add.asp
+      {u"Ostrakan.Class49", Make<admin::GatherIdWebEdit>},    // gather_id_web_edit.asp
+      {u"Ostrakan.Class50", Make<admin::GatherIdWebEditOk>},  // gather_id_web_edit_ok.asp
   };
   return table;
 }
