@@ -28,10 +28,13 @@ bool IsLowSurrogate(char16_t c) {
 
 using Clock = std::chrono::steady_clock;
 
-// Automatic callouts run before every item of the pattern. They carry the time budget of one
-// Execute: PCRE2's match limit counts backtracking steps per starting position, and a pattern
-// whose steps each scan the page (a*a*x on a page of a's) stays under it while running for
-// hours; the clock catches that within one item's scan.
+// Automatic callouts run before every item of the pattern and carry the time budget of one
+// Execute. PCRE2's match limit counts backtracking steps per starting position: a pattern that
+// stays under it at each of a million positions ([^<]*x on a page without "<"), or whose single
+// steps each scan the page (a*a*x on a page of a's, once PCRE2 makes the second repeat
+// possessive), would still run for hours; the clock stops both within one item's scan. The
+// callouts cost speed (GetText on a 200 KB page: about 0.4 ms instead of 0.02 ms), which is
+// small beside the fetch of the page.
 struct Deadline {
   Clock::time_point at;
   unsigned calls = 0;
@@ -40,7 +43,7 @@ struct Deadline {
 
 int CheckDeadline(pcre2_callout_block* /*block*/, void* data) {
   auto* d = static_cast<Deadline*>(data);
-  if ((++d->calls & 0xFF) != 0) return 0;  // the clock is read every 256 items
+  if ((++d->calls & 0xFF) != 0) return 0;  // the clock is read every 256 calls
   if (Clock::now() < d->at) return 0;
   d->passed = true;
   return PCRE2_ERROR_CALLOUT;
