@@ -1,9 +1,12 @@
 // A page that receives an ID-site rule's fields after the 13 settings (Parameter14 ..
 // Parameter22, from the rule file's case arm for the request's id), kept in the properties
 // web, Url, Gather_Url, Charset, Error_Html, Title_Start, Title_End, Content_Start, Content_End.
+// Such a page also carries the public methods GetText(text, StartHtml, EndHtml) and
+// Filtration(text) (the gathered-text filter).
 #pragma once
 
 #include "frame/site_page.h"
+#include "gathering/id_extraction.h"
 #include "gathering/id_rule.h"
 
 namespace ostrakan::admin {
@@ -26,6 +29,15 @@ class IdRulePage : public SitePage {
   explicit IdRulePage(std::u16string context) : SitePage(std::move(context)) {
     auto values = Values();
     for (size_t i = 0; i < values.size(); ++i) Property(gathering::kIdRuleKeys[i], *values[i]);
+    UseFiltration(FilterKind::GatheredText);
+    Method(
+        u"GetText",
+        [this](Args& a) {
+          return GuardValue(u"GetText", [&] {
+            return Variant(gathering::GetText(TextOf(a.at(0)), TextOf(a.at(1)), TextOf(a.at(2))));
+          });
+        },
+        3);
   }
   void AssignExtra(Args& parameters, size_t from) override {
     auto values = Values();

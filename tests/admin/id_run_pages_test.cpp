@@ -215,6 +215,20 @@ TEST_F(IdRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
   EXPECT_EQ(run.text.find(u"<b>"), std::u16string::npos);
 }
 
+TEST_F(IdRunPages, TestAndStepPagesCarryGetTextAndFiltration) {
+  TestRequest r(site, u"/admin/page.asp", session);
+  for (const char16_t* progId : {u"Ostrakan.Class43", u"Ostrakan.Class53"}) {
+    auto page = CreateComponent(progId);
+    Component::Args cut = {Variant(u"<H1>Big Film</H1>"), Variant(u"<h1>"), Variant(u"</h1>")};
+    EXPECT_EQ(TextOf(page->Invoke(u"GetText", cut)), u"big film");
+    Component::Args clean = {Variant(u" <b>x</b>&nbsp;\"y\" ")};
+    EXPECT_EQ(TextOf(page->Invoke(u"Filtration", clean)), u"xy");
+    Component::Args bad = {Variant(u"x"), Variant(u"("), Variant(u"")};
+    EXPECT_EQ(page->Invoke(u"GetText", bad).type(), VarType::Empty);
+  }
+  EXPECT_NE(site.log().find("\\admin\\gather_id_db_ok, GetText: Syntax error"), std::string::npos);
+}
+
 TEST_F(IdRunPages, StartPageChecksTheRule) {
   auto start = [&](const std::u16string& id) {
     TestRequest r(site, u"/admin/page.asp", session);
