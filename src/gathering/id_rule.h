@@ -5,6 +5,7 @@
 
 #include <array>
 #include <string>
+#include <type_traits>
 
 namespace ostrakan::gathering {
 
@@ -22,10 +23,12 @@ constexpr std::array<const char16_t*, 9> kIdRuleKeys = {
     u"Title_Start", u"Title_End", u"Content_Start", u"Content_End"};
 
 // The fields of `rule` in that order, for loops over the columns.
-inline std::array<std::u16string*, 9> Fields(IdRule& rule) {
-  return {&rule.web,       &rule.url,           &rule.gather_url,
-          &rule.charset,   &rule.error_html,    &rule.title_start,
-          &rule.title_end, &rule.content_start, &rule.content_end};
+template <class Rule>
+auto Fields(Rule& rule) {
+  using Text = std::conditional_t<std::is_const_v<Rule>, const std::u16string, std::u16string>;
+  return std::array<Text*, 9>{&rule.web,       &rule.url,           &rule.gather_url,
+                              &rule.charset,   &rule.error_html,    &rule.title_start,
+                              &rule.title_end, &rule.content_start, &rule.content_end};
 }
 
 }  // namespace ostrakan::gathering

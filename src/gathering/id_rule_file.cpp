@@ -13,8 +13,7 @@ namespace ostrakan::gathering {
 
 std::u16string IdRuleBlock(std::u16string_view id, const IdRule& stored) {
   std::u16string block = u"Case \"" + std::u16string(id) + u"\" \r\n";
-  IdRule copy = stored;
-  auto fields = Fields(copy);
+  const auto fields = Fields(stored);
   for (size_t i = 0; i < fields.size(); ++i)
     block += std::u16string(kIdRuleKeys[i]) + u"=\"" + *fields[i] + u"\" \r\n";
   return block;

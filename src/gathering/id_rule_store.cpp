@@ -65,8 +65,7 @@ IdRule PostedIdRule(const std::function<Variant(std::u16string_view)>& form,
 }
 
 void StoreIdRule(ado::Recordset& rs, const IdRule& rule) {
-  IdRule copy = rule;
-  auto fields = Fields(copy);
+  const auto fields = Fields(rule);
   for (size_t i = 0; i < fields.size(); ++i) rs.SetField(kIdRuleColumns[i], Variant(*fields[i]));
   rs.Update();
 }
