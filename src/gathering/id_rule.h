@@ -1,6 +1,7 @@
-// One ID-site rule as the pages receive it: the stored fields of a row of gather_id_web (the
-// five markers with their double quotes doubled, as stored), in the order the rule file and
-// InitFunction1 hand them on.
+// One ID-site rule: the fields of a row of gather_id_web, in the order the rule file and
+// InitFunction1 hand them on. Read from the table, the five markers carry their double quotes
+// doubled; handed on through the rule file (whose reader takes a doubled quote as one), they
+// are as the administrator typed them.
 #pragma once
 
 #include <array>

@@ -99,11 +99,12 @@ class IdRunPages : public ::testing::Test {
                {u"InitFunction2", u"InitFunction3"}, rule);
   }
   PageRun Step(const std::u16string& id, const std::u16string& from, const std::u16string& to,
-               const std::u16string& dbNum = u"") {
+               const std::u16string& dbNum = u"",
+               const std::vector<std::u16string>& rule = RuleFields()) {
     std::vector<std::pair<std::u16string, std::u16string>> query = {
         {u"ID", id}, {u"ID_Start", from}, {u"ID_End", to}};
     if (!dbNum.empty()) query.emplace_back(u"DB_Num", dbNum);
-    return Run(u"Ostrakan.Class53", query);
+    return Run(u"Ostrakan.Class53", query, {}, rule);
   }
   std::string Range(int id) {
     return SqlValue(site.database(),
@@ -146,6 +147,16 @@ TEST_F(IdRunPages, VerifyLogsABadMarkerOrRangeAndTheFormStillShows) {
   EXPECT_EQ(run.text, u"影视站7");
   EXPECT_NE(site.log().find("InitFunction1: Type mismatch"), std::string::npos);
   EXPECT_TRUE(pages->fetched.empty());
+}
+
+TEST_F(IdRunPages, AMarkerThatRunsAwayOnALargePageIsLoggedAndTheRunStops) {
+  pages->pages[Address(1)] = std::u16string(1 << 20, u'a');
+  PageRun run = Step(u"7", u"1", u"3", u"", RuleFields(u"(a|aa)*<h1>"));
+  EXPECT_TRUE(run.completed);
+  EXPECT_EQ(run.text, u"正在采集第 1 页<br>还乘余 2 页等待处理...");  // no next step
+  EXPECT_NE(site.log().find("\\admin\\gather_id_db_ok, InitFunction1: Out of stack space"),
+            std::string::npos);
+  EXPECT_TRUE(store->saved.empty());
 }
 
 TEST_F(IdRunPages, VerifyEscapesWhatThePagesAndTheRequestBring) {
