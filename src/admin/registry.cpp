@@ -34,6 +34,16 @@
 #include "admin/gather_list_web_ok.h"
 #include "admin/gather_list_web_update.h"
 #include "admin/gather_list_web_verify.h"
+#include "admin/gather_id_db.h"
+#include "admin/gather_id_db_ok.h"
+#include "admin/gather_id_web_add.h"
+#include "admin/gather_id_web_add_ok.h"
+#include "admin/gather_id_web_edit.h"
+#include "admin/gather_id_web_edit_ok.h"
+#include "admin/gather_id_web_manage.h"
+#include "admin/gather_id_web_ok.h"
+#include "admin/gather_id_web_update.h"
+#include "admin/gather_id_web_verify.h"
 #include "admin/inc/code.h"
 #include "admin/inc/md5.h"
 #include "admin/keyword_manage.h"
@@ -112,6 +122,17 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class37", Make<admin::GatherListWebVerify>},  // gather_list_web_verify.asp
       {u"Ostrakan.Class54", Make<admin::GatherListDbOk>},       // gather_list_db_ok.asp
       {u"Ostrakan.Class66", Make<admin::GatherListDb>},         // gather_list_db.asp
+      // ID-site gathering rules
+      {u"Ostrakan.Class38", Make<admin::GatherIdWebManage>},  // gather_id_web_manage.asp
+      {u"Ostrakan.Class41", Make<admin::GatherIdWebUpdate>},  // gather_id_web_update.asp
+      {u"Ostrakan.Class42", Make<admin::GatherIdWebOk>},      // gather_id_web_ok.asp
+      {u"Ostrakan.Class43", Make<admin::GatherIdWebVerify>},  // gather_id_web_verify.asp
+      {u"Ostrakan.Class47", Make<admin::GatherIdWebAddOk>},   // gather_id_web_add_ok.asp
+      {u"Ostrakan.Class48", Make<admin::GatherIdWebAdd>},     // gather_id_web_add.asp
+      {u"Ostrakan.Class49", Make<admin::GatherIdWebEdit>},    // gather_id_web_edit.asp
+      {u"Ostrakan.Class50", Make<admin::GatherIdWebEditOk>},  // gather_id_web_edit_ok.asp
+      {u"Ostrakan.Class52", Make<admin::GatherIdDb>},         // gather_id_db.asp
+      {u"Ostrakan.Class53", Make<admin::GatherIdDbOk>},       // gather_id_db_ok.asp
   };
   return table;
 }

@@ -1,0 +1,28 @@
+<%@ Component="Ostrakan.Class38" %><% InitFunction1 %><% InitFunction2 %><% InitFunction3 %><html>
+<head>
+<meta http-equiv="Content-Type" content="text/html; charset=gb2312">
+<title>采集信息管理 - 编号采集网站管理</title>
+<link rel="stylesheet" href="css/style.css" type="text/css">
+<script type="text/javascript">
+function web_delete(id) {
+  if (confirm('确定要删除这个采集网站吗？')) location.href = 'gather_id_web_ok.asp?action=del&id=' + id;
+}
+</script>
+</head>
+<body class="content">
+<h3>采集信息管理 - 编号采集网站管理</h3>
+<p><a href="gather_id_web_add.asp">添加编号采集网站</a></p>
+<table class="list" cellspacing="1" bgcolor="#C8D3E3">
+            <tr>
+<th>网站名称</th>
+<th>采集范围</th>
+<th>测试</th>
+<th>采集</th>
+<th>修改</th>
+<th>删除</th>
+            </tr>
+<% InitFunction4 %>
+</table>
+<p class="footer">Ostrakan 视频搜索管理系统 &copy; Pellumar</p>
+</body>
+</html>

@@ -1,0 +1,44 @@
+#include "admin/gather_id_db.h"
+
+#include "frame/data_access.h"
+#include "frame/escape.h"
+
+namespace ostrakan::admin {
+
+GatherIdDb::GatherIdDb() : DatabasePage(u"\\admin\\gather_id_db") {
+  Property(u"rs", rs);
+  Property(u"id", id);
+  Property(u"web", web);
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction4", [this] { InitFunction4(); });
+  Block(u"InitFunction5", [this] { InitFunction5(); });
+}
+
+void GatherIdDb::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    if (!IsValidId(id)) {
+      CloseAndRelease(conn);
+      WriteAndEnd(u"非法ID参数");
+    }
+    ado::Recordset& records =
+        OpenRecordset(rs, u"select id,web from gather_id_web where id=" + TextOf(id), conn);
+    if (records.Eof() && records.Bof()) {
+      CloseAndRelease(rs);
+      CloseAndRelease(conn);
+      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    }
+    web = records.Field(u"web");
+    CloseAndRelease(rs);
+    CloseAndRelease(conn);
+  });
+}
+
+void GatherIdDb::InitFunction4() {
+  Guard(u"InitFunction4", [&] { CurrentResponse().Write(HtmlText(TextOf(web))); });
+}
+
+void GatherIdDb::InitFunction5() {
+  Guard(u"InitFunction5", [&] { CurrentResponse().Write(HtmlAttr(TextOf(id))); });
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,43 @@
+#include "admin/gather_id_web_edit.h"
+
+#include "frame/data_access.h"
+#include "gathering/id_rule_form.h"
+#include "gathering/id_rule_store.h"
+
+namespace ostrakan::admin {
+
+GatherIdWebEdit::GatherIdWebEdit() : DatabasePage(u"\\admin\\gather_id_web_edit") {
+  Property(u"rs", rs);
+  Property(u"id", id);
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+  UseFiltration(FilterKind::QuoteUndoubling);
+}
+
+void GatherIdWebEdit::InitFunction3() {
+  Guard(u"InitFunction3", [&] {
+    id = CurrentRequest().QueryString(u"id");
+    if (!IsValidId(id)) {
+      CloseAndRelease(conn);
+      WriteAndEnd(u"非法ID参数");
+    }
+    ado::Recordset& records =
+        OpenRecordset(rs, u"select * from gather_id_web where id=" + TextOf(id), conn);
+    if (records.Eof() && records.Bof()) {
+      CloseAndRelease(rs);
+      CloseAndRelease(conn);
+      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    }
+    gathering::IdRule rule = gathering::ReadIdRule(records);
+    for (std::u16string* marker : {&rule.error_html, &rule.title_start, &rule.title_end,
+                                   &rule.content_start, &rule.content_end}) {
+      Variant shown(*marker);
+      *marker = TextOf(filtration(shown));
+    }
+    const std::u16string key = TextOf(records.Field(u"id"));
+    CloseAndRelease(rs);
+    CloseAndRelease(conn);
+    CurrentResponse().Write(gathering::IdRuleFormPage(gathering::IdRuleFormKind::Edit, rule, key));
+  });
+}
+
+}  // namespace ostrakan::admin

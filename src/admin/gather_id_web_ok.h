@@ -1,0 +1,16 @@
+// gather_id_web_ok.asp (Ostrakan.Class42): deletes one ID-site rule ("del") and returns to the
+// rule list. The rule file keeps the deleted rule until the next add or edit rebuilds it.
+#pragma once
+
+#include "frame/database_page.h"
+
+namespace ostrakan::admin {
+
+class GatherIdWebOk : public DatabasePage {
+ public:
+  GatherIdWebOk();
+  void InitFunction3();
+  void Delete();  // the page's method "delete"
+};
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,42 @@
+#include "admin/gather_id_web_verify.h"
+
+#include "frame/escape.h"
+#include "frame/page_blocks.h"
+#include "gathering/id_run.h"
+
+namespace ostrakan::admin {
+
+GatherIdWebVerify::GatherIdWebVerify() : IdRulePage(u"\\admin\\gather_id_web_verify") {
+  for (auto [name, member] :
+       {std::pair{u"ID_Start", &ID_Start}, std::pair{u"ID_End", &ID_End}, std::pair{u"N", &N},
+        std::pair{u"G_Url", &G_Url}, std::pair{u"Html", &Html}, std::pair{u"TitleText", &TitleText},
+        std::pair{u"ContentText", &ContentText}, std::pair{u"TitleStart", &TitleStart},
+        std::pair{u"TitleEnd", &TitleEnd}, std::pair{u"ContentStart", &ContentStart},
+        std::pair{u"ContentEnd", &ContentEnd}})
+    Property(name, *member);
+  Block(u"InitFunction2", [this] { InitFunction2(); });
+  Block(u"InitFunction3", [this] { InitFunction3(); });
+}
+
+// Header, guard and, when the test form was sent, the test of every ID of the range.
+void GatherIdWebVerify::FirstBlock() {
+  PageHeaderGuard(Admin_Session);
+  const Request& request = CurrentRequest();
+  if (TextOf(request.Item(u"Action")) != u"ok") return;
+  CurrentServer().ScriptTimeout = 999999;
+  ID_Start = request.Item(u"ID_Start");
+  ID_End = request.Item(u"ID_End");
+  gathering::WriteIdVerification(CurrentResponse(), *gathering::IdPageSource(), Rule(), ID_Start,
+                                 ID_End);
+}
+
+void GatherIdWebVerify::InitFunction2() {
+  Guard(u"InitFunction2", [&] { CurrentResponse().Write(HtmlText(TextOf(web))); });
+}
+
+void GatherIdWebVerify::InitFunction3() {
+  Guard(u"InitFunction3",
+        [&] { CurrentResponse().Write(HtmlAttr(TextOf(CurrentRequest().Item(u"id")))); });
+}
+
+}  // namespace ostrakan::admin

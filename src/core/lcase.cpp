@@ -1,0 +1,17 @@
+#include "core/lcase.h"
+
+#include <unicode/uchar.h>
+
+namespace ostrakan {
+
+std::u16string LCase(std::u16string_view text) {
+  std::u16string out(text);
+  for (char16_t& c : out) {
+    // Only a BMP mapping that stays in one unit applies; surrogates map to themselves.
+    const UChar32 lower = u_tolower(c);
+    if (lower <= 0xFFFF) c = static_cast<char16_t>(lower);
+  }
+  return out;
+}
+
+}  // namespace ostrakan

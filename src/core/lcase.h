@@ -1,0 +1,12 @@
+// The runtime's LCase: ICU's simple lower-case mapping, one UTF-16 code unit at a time, so the
+// length never changes and surrogates pass unchanged.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace ostrakan {
+
+std::u16string LCase(std::u16string_view text);
+
+}  // namespace ostrakan

@@ -1,0 +1,73 @@
+#include "gathering/id_rule_store.h"
+
+#include "frame/escape.h"
+#include "frame/response.h"
+
+namespace ostrakan::gathering {
+
+namespace {
+
+constexpr std::u16string_view kVerifyWindow =
+    u"left=0,top=0,height=400,width=650,toolbar=no,menubar=no,scrollbars=yes,resizable=no,"
+    u"location=no,status=no";
+
+}  // namespace
+
+void WriteIdRuleRows(Response& out, ado::Recordset& rows) {
+  std::u16string html;
+  for (; !rows.Eof(); rows.MoveNext()) {
+    // The key is a number; it still goes through the escaping of each place it lands in.
+    const std::u16string id = TextOf(rows.Field(u"id"));
+    html += u"            <tr>\r\n";
+    html += u"<td bgcolor=\"#FFFFFF\">" + HtmlText(TextOf(rows.Field(u"web"))) + u"</td>\r\n";
+    html += u"<td bgcolor=\"#FFFFFF\" align=\"center\">" + HtmlText(TextOf(rows.Field(u"range"))) +
+            u"</td>\r\n";
+    html +=
+        u"<td bgcolor=\"#FFFFFF\" align=\"center\"><span style=\"cursor:hand;cursor:pointer\" "
+        u"onclick=\"window.open('gather_id_web_verify.asp?id=" +
+        HtmlAttr(JsString(id)) + u"','gather_id_web_verify','" + std::u16string(kVerifyWindow) +
+        u"')\">测试</span></td>\r\n";
+    html += u"<td bgcolor=\"#FFFFFF\" align=\"center\"><a href=\"gather_id_db.asp?id=" +
+            HtmlAttr(UrlQuery(id)) + u"\">采集</a></td>\r\n";
+    html += u"<td bgcolor=\"#FFFFFF\" align=\"center\"><a href=\"gather_id_web_edit.asp?id=" +
+            HtmlAttr(UrlQuery(id)) + u"\">修改</a></td>\r\n";
+    html += u"<td bgcolor=\"#FFFFFF\" align=\"center\"><a href=\"javascript:web_delete(" +
+            HtmlAttr(JsString(id)) + u")\">删除</a></td>\r\n";
+    html += u"            </tr>\r\n";
+  }
+  out.Write(html);
+}
+
+IdRule ReadIdRule(const ado::Recordset& row) {
+  IdRule rule;
+  auto fields = Fields(rule);
+  for (size_t i = 0; i < fields.size(); ++i) *fields[i] = TextOf(row.Field(kIdRuleColumns[i]));
+  return rule;
+}
+
+IdRule PostedIdRule(const std::function<Variant(std::u16string_view)>& form,
+                    const std::function<Variant(Variant&)>& filter, const Variant& contentStart,
+                    const Variant& contentEnd) {
+  IdRule rule;
+  rule.web = TextOf(form(u"web"));
+  rule.url = TextOf(form(u"url"));
+  rule.gather_url = TextOf(form(u"gather_url"));
+  rule.charset = TextOf(form(u"charset"));
+  for (auto [field, name] :
+       {std::pair{&rule.error_html, u"error_html"}, std::pair{&rule.title_start, u"title_start"},
+        std::pair{&rule.title_end, u"title_end"}}) {
+    Variant value = form(name);
+    *field = TextOf(filter(value));
+  }
+  rule.content_start = TextOf(contentStart);
+  rule.content_end = TextOf(contentEnd);
+  return rule;
+}
+
+void StoreIdRule(ado::Recordset& rs, const IdRule& rule) {
+  const auto fields = Fields(rule);
+  for (size_t i = 0; i < fields.size(); ++i) rs.SetField(kIdRuleColumns[i], Variant(*fields[i]));
+  rs.Update();
+}
+
+}  // namespace ostrakan::gathering
