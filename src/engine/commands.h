@@ -21,7 +21,8 @@ int RunInit(const InitOptions& options, std::ostream& out, std::ostream& err);
 
 // "" when the folder can be served; otherwise what is wrong with it, in words: a missing
 // folder or Setup.asp, a Setup.asp that cannot be read or lacks settings, a database file
-// that is missing or is not the site's database.
+// that is missing or is not the site's database, a database, folder or journal file that the
+// serving user cannot write.
 std::string CheckSite(const std::filesystem::path& dir);
 
 struct ServeOptions {
