@@ -29,6 +29,12 @@ Usage:
       is the number of requests served at once. Errors of the pages are logged in
       DIR/data/PagebindLog.Log. SIGINT or SIGTERM stops the server.
 
+  ostrakan passwd --site DIR --admin NAME [--password PASSWORD] [--json]
+      Set the password of the administrator NAME of the site in DIR, adding the account
+      if there is none of that name (use it when nobody can sign in any more). The same
+      rules as init apply to NAME and PASSWORD; without --password a random one is made
+      and printed once. --json ends the output with a one-line JSON summary.
+
   ostrakan --help
       This text.
 )";
@@ -116,6 +122,30 @@ int Serve(const std::vector<std::string>& args) {
 
 }  // namespace
 
+int Passwd(const std::vector<std::string>& args) {
+  PasswdOptions o;
+  std::vector<std::string> rest;
+  for (size_t i = 1; i < args.size(); ++i) {
+    if (args[i] == "--json")
+      o.json = true;
+    else
+      rest.push_back(args[i]);
+  }
+  rest.insert(rest.begin(), "passwd");
+  std::vector<std::pair<std::string, std::string>> options;
+  std::string problem;
+  if (!ReadOptions(rest, 1, {"--site", "--admin", "--password"}, options, problem))
+    return Usage(problem);
+  bool haveSite = false, haveAdmin = false;
+  for (const auto& [name, value] : options) {
+    if (name == "--site") o.site = value, haveSite = true;
+    if (name == "--admin") o.admin = value, haveAdmin = true;
+    if (name == "--password") o.password = value;
+  }
+  if (!haveSite || !haveAdmin) return Usage("passwd needs --site DIR and --admin NAME");
+  return RunPasswd(o, std::cout, std::cerr);
+}
+
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
   if (args.empty()) return Usage("no command given");
@@ -124,7 +154,12 @@ int main(int argc, char** argv) {
     std::cout << kHelp;
     return 0;
   }
+  if (args.size() > 1 && (args[1] == "--help" || args[1] == "-h")) {
+    std::cout << kHelp;
+    return 0;
+  }
   if (command == "init") return Init(args);
   if (command == "serve") return Serve(args);
+  if (command == "passwd") return Passwd(args);
   return Usage("unknown command \"" + command + "\"");
 }
