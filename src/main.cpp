@@ -1,4 +1,5 @@
 // The ostrakan command: make a site (init) or serve one (serve).
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 #include <string>
@@ -21,13 +22,15 @@ Usage:
       password is made and printed once. Names and passwords may not contain blanks or
       any of # % ' " ( ) * + ; < > [ ], which the sign-in page removes.
 
-  ostrakan serve --site DIR [--listen HOST:PORT] [--threads N]
+  ostrakan serve --site DIR [--listen HOST:PORT] [--threads N] [--behind-proxy]
       Serve the site in DIR over HTTP. Before listening it checks that DIR has a readable
       Setup.asp and that the database it names exists and is the site's database; any
       problem is reported and the exit status is 1. --listen defaults to 127.0.0.1:8080
       (a bare PORT means 127.0.0.1:PORT; port 0 picks a free one); --threads (default 64)
       is the number of requests served at once. Errors of the pages are logged in
-      DIR/data/PagebindLog.Log. SIGINT or SIGTERM stops the server.
+      DIR/data/PagebindLog.Log. SIGINT or SIGTERM (Ctrl-C, or kill PID) stops the
+      server. --behind-proxy: requests come through a proxy on this machine (nginx,
+      see deploy/), which names the client in X-Real-IP.
 
   ostrakan passwd --site DIR --admin NAME [--password PASSWORD] [--json]
       Set the password of the administrator NAME of the site in DIR, adding the account
@@ -92,8 +95,12 @@ int Init(const std::vector<std::string>& args) {
   return RunInit(o, std::cout, std::cerr);
 }
 
-int Serve(const std::vector<std::string>& args) {
+int Serve(std::vector<std::string> args) {
   ServeOptions o;
+  if (auto flag = std::find(args.begin(), args.end(), "--behind-proxy"); flag != args.end()) {
+    o.behindProxy = true;
+    args.erase(flag);
+  }
   std::vector<std::pair<std::string, std::string>> options;
   std::string problem;
   if (!ReadOptions(args, 1, {"--site", "--listen", "--threads"}, options, problem))

@@ -24,7 +24,11 @@ int LogMessage(const mg_connection*, const char* message) {
   return 1;
 }
 
-HttpRequest ReadHead(mg_connection* conn) {
+bool IsLoopback(const std::string& address) {
+  return address.starts_with("127.") || address == "::1" || address == "::ffff:127.0.0.1";
+}
+
+HttpRequest ReadHead(mg_connection* conn, bool behindProxy) {
   const mg_request_info* info = mg_get_request_info(conn);
   HttpRequest r;
   r.method = info->request_method ? info->request_method : "";
@@ -34,6 +38,10 @@ HttpRequest ReadHead(mg_connection* conn) {
   r.serverPort = info->server_port;
   for (int i = 0; i < info->num_headers; ++i)
     r.headers.emplace_back(info->http_headers[i].name, info->http_headers[i].value);
+  if (behindProxy && IsLoopback(r.remoteAddr)) {
+    std::string client = r.Header("X-Real-IP");
+    if (!client.empty() && client.size() < 64) r.remoteAddr = client;
+  }
   return r;
 }
 
@@ -197,7 +205,7 @@ int HttpServer::HandleRequest(mg_connection* conn, void* self) {
 }
 
 int HttpServer::Handle(mg_connection* conn) {
-  HttpRequest request = ReadHead(conn);
+  HttpRequest request = ReadHead(conn, options_.behindProxy);
   bool head = request.method == "HEAD";
   HttpResponse response;
   BodyRead body = BodyRead::Whole;

@@ -21,12 +21,15 @@ struct ServerOptions {
   int threads = 64;                       // pages at once; they may block on remote fetches
   // civetweb gives every open connection a thread of its own, so this many connections can
   // be open (idle, slow or waiting for a page) before new ones queue. Idle threads cost
-  // address space, not memory.
-  int connectionThreads = 1200;
+  // address space, not memory, but take time to start: `serve` asks for 1200.
+  int connectionThreads = 128;
   size_t maxBodyBytes = 8u << 20;
   int requestTimeoutMs = 10000;   // reading a request's head and body, writing an answer
   int keepAliveTimeoutMs = 5000;  // an idle connection between requests
   size_t sessionCapacity = SessionStore::kDefaultCapacity;
+  // Behind a proxy on this machine (deploy/): a request from a loopback address that carries
+  // X-Real-IP is taken to come from that address (REMOTE_ADDR, the sign-in throttle).
+  bool behindProxy = false;
   ComponentCreator createComponent = DefaultComponentCreator();
   const ObjectFactory* factory = nullptr;  // nullptr: ObjectFactory::Default()
 };

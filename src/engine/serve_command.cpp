@@ -109,6 +109,8 @@ int RunServe(const ServeOptions& o, std::ostream& out, std::ostream& err) {
   options.siteRoot = o.site;
   options.listen = o.listen;
   options.threads = o.threads;
+  options.behindProxy = o.behindProxy;
+  options.connectionThreads = o.connectionThreads;
   std::unique_ptr<HttpServer> server;
   try {
     server = std::make_unique<HttpServer>(options);
