@@ -2,14 +2,15 @@
 // (gather, generate).
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "engine/commands.h"
-#include "engine/generate_command.h"
 #include "engine/gather_command.h"
+#include "engine/generate_command.h"
 
 namespace {
 
@@ -26,13 +27,21 @@ Usage:
       password is made and printed once. Names and passwords may not contain blanks or
       any of # % ' " ( ) * + ; < > [ ], which the sign-in page removes.
 
-  ostrakan serve --site DIR [--listen HOST:PORT] [--threads N]
+  ostrakan serve --site DIR [--listen HOST:PORT] [--threads N] [--behind-proxy]
       Serve the site in DIR over HTTP. Before listening it checks that DIR has a readable
       Setup.asp and that the database it names exists and is the site's database; any
       problem is reported and the exit status is 1. --listen defaults to 127.0.0.1:8080
       (a bare PORT means 127.0.0.1:PORT; port 0 picks a free one); --threads (default 64)
       is the number of requests served at once. Errors of the pages are logged in
-      DIR/data/PagebindLog.Log. SIGINT or SIGTERM stops the server.
+      DIR/data/PagebindLog.Log. SIGINT or SIGTERM (Ctrl-C, or kill PID) stops the
+      server. --behind-proxy: requests come through a proxy on this machine (nginx,
+      see deploy/), which names the client in X-Real-IP.
+
+  ostrakan passwd --site DIR --admin NAME [--password PASSWORD] [--json]
+      Set the password of the administrator NAME of the site in DIR, adding the account
+      if there is none of that name (use it when nobody can sign in any more). The same
+      rules as init apply to NAME and PASSWORD; without --password a random one is made
+      and printed once. --json ends the output with a one-line JSON summary.
 
   ostrakan generate --site DIR [--category ID ...] [--json]
       Rebuild the front end's category pages of the site in DIR from its templates: with
@@ -112,8 +121,12 @@ int Init(const std::vector<std::string>& args) {
   return RunInit(o, std::cout, std::cerr);
 }
 
-int Serve(const std::vector<std::string>& args) {
+int Serve(std::vector<std::string> args) {
   ServeOptions o;
+  if (auto flag = std::find(args.begin(), args.end(), "--behind-proxy"); flag != args.end()) {
+    o.behindProxy = true;
+    args.erase(flag);
+  }
   std::vector<std::pair<std::string, std::string>> options;
   std::string problem;
   if (!ReadOptions(args, 1, {"--site", "--listen", "--threads"}, options, problem))
@@ -146,10 +159,6 @@ int Generate(const std::vector<std::string>& args) {
   bool haveSite = false;
   for (size_t i = 1; i < args.size(); ++i) {
     const std::string& a = args[i];
-    if (a == "--help") {
-      std::cout << kHelp;
-      return 0;
-    }
     if (a == "--json") {
       o.json = true;
       continue;
@@ -168,6 +177,40 @@ int Generate(const std::vector<std::string>& args) {
   return RunGenerate(o, std::cout, std::cerr);
 }
 
+int Passwd(const std::vector<std::string>& args) {
+  PasswdOptions o;
+  std::vector<std::string> rest;
+  for (size_t i = 1; i < args.size(); ++i) {
+    if (args[i] == "--json")
+      o.json = true;
+    else
+      rest.push_back(args[i]);
+  }
+  rest.insert(rest.begin(), "passwd");
+  std::vector<std::pair<std::string, std::string>> options;
+  std::string problem;
+  if (!ReadOptions(rest, 1, {"--site", "--admin", "--password"}, options, problem))
+    return Usage(problem);
+  bool haveSite = false, haveAdmin = false;
+  for (const auto& [name, value] : options) {
+    if (name == "--site") o.site = value, haveSite = true;
+    if (name == "--admin") o.admin = value, haveAdmin = true;
+    if (name == "--password") o.password = value;
+  }
+  if (!haveSite || !haveAdmin) return Usage("passwd needs --site DIR and --admin NAME");
+  return RunPasswd(o, std::cout, std::cerr);
+}
+
+// The --help text of one command: its paragraph of the whole help.
+std::string HelpFor(const std::string& command) {
+  const std::string help = kHelp;
+  const size_t from = help.find("  ostrakan " + command + " ");
+  if (from == std::string::npos) return help;
+  size_t to = help.find("\n\n  ostrakan ", from);
+  to = to == std::string::npos ? help.size() : to + 1;
+  return "Usage:\n" + help.substr(from, to - from);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -178,18 +221,17 @@ int main(int argc, char** argv) {
     std::cout << kHelp;
     return 0;
   }
+  if (std::find(args.begin() + 1, args.end(), "--help") != args.end() ||
+      (args.size() > 1 && args[1] == "-h")) {
+    std::cout << HelpFor(command);
+    return 0;
+  }
   if (command == "init") return Init(args);
   if (command == "serve") return Serve(args);
+  if (command == "passwd") return Passwd(args);
   if (command == "generate") return Generate(args);
-  // Headless gathering.
   if (command == "gather") {
     std::vector<std::string> rest(args.begin() + 1, args.end());
-    if (!rest.empty() && (rest[0] == "--help" || rest[0] == "-h")) {
-      std::string help = kHelp;
-      size_t from = help.find("  ostrakan gather"), to = help.find("  ostrakan --help");
-      std::cout << help.substr(from, to - from);
-      return 0;
-    }
     std::string problem;
     auto options = ParseGatherArgs(rest, problem);
     if (!options) return Usage(problem);

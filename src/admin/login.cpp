@@ -33,6 +33,10 @@ void Login::InitFunction3() {
     filtration(password);
     verifyid = request.Form(u"verifyid");
     filtration(verifyid);
+    // A verify code is good for one attempt only, right or wrong: otherwise one solved
+    // picture would allow any number of password guesses.
+    const Variant expectedCode = session.Get(u"verifyid");
+    session.Remove(u"verifyid");
 
     auto refuse = [&](std::u16string_view script) {
       CloseAndRelease(rs);
@@ -43,7 +47,7 @@ void Login::InitFunction3() {
       refuse(u"<Script>window.alert('管理帐号不能空！');history.go(-1);</Script>");
     if (Equals(password, Variant(u"")))
       refuse(u"<Script>window.alert('管理密码不能空！');history.go(-1);</Script>");
-    if (!IsNumeric(verifyid) || !Equals(verifyid, session.Get(u"verifyid")))
+    if (!IsNumeric(verifyid) || !Equals(verifyid, expectedCode))
       refuse(u"<Script>window.alert('验证码错误！" + TextOf(verifyid) +
              u"');history.go(-1);</Script>");
 

@@ -21,17 +21,37 @@ int RunInit(const InitOptions& options, std::ostream& out, std::ostream& err);
 
 // "" when the folder can be served; otherwise what is wrong with it, in words: a missing
 // folder or Setup.asp, a Setup.asp that cannot be read or lacks settings, a database file
-// that is missing or is not the site's database.
+// that is missing or is not the site's database, a database, folder or journal file that the
+// serving user cannot write.
 std::string CheckSite(const std::filesystem::path& dir);
 
 struct ServeOptions {
   std::filesystem::path site;
   std::string listen = "127.0.0.1:8080";
   int threads = 64;
+  bool behindProxy = false;  // trust X-Real-IP from loopback (nginx in front)
+  // Open connections served at once (idle and slow ones included); see ServerOptions.
+  int connectionThreads = 1200;
 };
 
 // Checks the site, listens, and serves until SIGINT or SIGTERM. Returns the exit status.
 int RunServe(const ServeOptions& options, std::ostream& out, std::ostream& err);
+
+struct PasswdOptions {
+  std::filesystem::path site;
+  std::string admin;
+  std::optional<std::string> password;  // generated (and printed once) when absent
+  bool json = false;                    // end with a one-line JSON summary
+};
+
+// Sets the password of the administrator `admin` of a site, adding the account when there is
+// none of that name (so a site whose accounts were all renamed away can be entered again).
+// The same rules and MD5 digest as init. Returns the exit status.
+int RunPasswd(const PasswdOptions& options, std::ostream& out, std::ostream& err);
+
+// "" when `value` can be typed at sign-in; otherwise why not (the sign-in page's filter would
+// change it, or it is empty). `what` names the value in the sentence.
+std::string SignInTextProblem(const std::string& what, const std::string& value);
 
 // A password of `length` letters and digits that survive the sign-in filter.
 std::string GeneratePassword(size_t length = 12);

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "platform/object_factory.h"
@@ -23,7 +24,11 @@ int LogMessage(const mg_connection*, const char* message) {
   return 1;
 }
 
-HttpRequest ReadHead(mg_connection* conn) {
+bool IsLoopback(const std::string& address) {
+  return address.starts_with("127.") || address == "::1" || address == "::ffff:127.0.0.1";
+}
+
+HttpRequest ReadHead(mg_connection* conn, bool behindProxy) {
   const mg_request_info* info = mg_get_request_info(conn);
   HttpRequest r;
   r.method = info->request_method ? info->request_method : "";
@@ -33,22 +38,62 @@ HttpRequest ReadHead(mg_connection* conn) {
   r.serverPort = info->server_port;
   for (int i = 0; i < info->num_headers; ++i)
     r.headers.emplace_back(info->http_headers[i].name, info->http_headers[i].value);
+  if (behindProxy && IsLoopback(r.remoteAddr)) {
+    std::string client = r.Header("X-Real-IP");
+    if (!client.empty() && client.size() < 64) r.remoteAddr = client;
+  }
   return r;
 }
 
-// Reads the whole body; false when it is longer than `limit`.
-bool ReadBody(mg_connection* conn, size_t limit, std::string& body) {
+enum class BodyRead { Whole, TooLong, Malformed };
+
+// Reads the whole body. A read error (a chunk size that is not a hexadecimal number, or one
+// too large to be one) means the framing cannot be trusted.
+BodyRead ReadBody(mg_connection* conn, size_t limit, std::string& body) {
   const mg_request_info* info = mg_get_request_info(conn);
   if (info->content_length > 0 && static_cast<unsigned long long>(info->content_length) > limit)
-    return false;
+    return BodyRead::TooLong;
   // Buffers live on the heap: the server's threads have small stacks.
   std::vector<char> buf(16384);
   while (true) {
     int n = mg_read(conn, buf.data(), buf.size());
-    if (n <= 0) return true;
-    if (body.size() + static_cast<size_t>(n) > limit) return false;
+    if (n == 0) return BodyRead::Whole;
+    if (n < 0) return BodyRead::Malformed;
+    if (body.size() + static_cast<size_t>(n) > limit) return BodyRead::TooLong;
     body.append(buf.data(), static_cast<size_t>(n));
   }
+}
+
+// Why the head of the request is ambiguous, or "" when it is not: two Host headers,
+// Content-Length given twice with different values or not a number, Content-Length beside
+// Transfer-Encoding, or a transfer coding other than chunked. Different readers of such a
+// request (a proxy in front, this server) could see different requests in it.
+std::string AmbiguousHead(const HttpRequest& r) {
+  int hosts = 0, transferEncodings = 0;
+  std::string length;
+  std::string problem;
+  for (const auto& [name, value] : r.headers) {
+    if (strcasecmp(name.c_str(), "Host") == 0 && ++hosts > 1) problem = "two Host headers";
+    if (strcasecmp(name.c_str(), "Transfer-Encoding") == 0) {
+      ++transferEncodings;
+      if (strcasecmp(value.c_str(), "chunked") != 0) problem = "an unknown Transfer-Encoding";
+    }
+    if (strcasecmp(name.c_str(), "Content-Length") == 0) {
+      if (value.empty() || value.find_first_not_of("0123456789") != std::string::npos)
+        problem = "a Content-Length that is not a number";
+      else if (!length.empty() && length != value)
+        problem = "conflicting Content-Length headers";
+      length = value;
+    }
+  }
+  if (!length.empty() && transferEncodings > 0)
+    problem = "both Content-Length and Transfer-Encoding";
+  if (transferEncodings > 1) problem = "two Transfer-Encoding headers";
+  return problem;
+}
+
+HttpResponse BadRequest(const std::string& why) {
+  return HttpResponse::Plain(400, "400 Bad Request\nThe request has " + why + ".");
 }
 
 // Header names are tokens; anything else is dropped rather than sent malformed.
@@ -120,14 +165,21 @@ HttpServer::HttpServer(ServerOptions options) : options_(std::move(options)) {
   if (!std::filesystem::is_directory(options_.siteRoot, ec))
     throw std::runtime_error("the site folder " + options_.siteRoot.string() + " does not exist");
   const ObjectFactory& factory = options_.factory ? *options_.factory : ObjectFactory::Default();
-  engine_ = std::make_unique<PageEngine>(options_.siteRoot, options_.createComponent, factory);
+  engine_ = std::make_unique<PageEngine>(options_.siteRoot, options_.createComponent, factory,
+                                         options_.sessionCapacity);
   pages_ = std::make_unique<WorkerPool>(options_.threads, kPageStackBytes);
 
-  std::string threads = std::to_string(options_.threads);
+  std::string threads = std::to_string(options_.connectionThreads);
   std::string timeout = std::to_string(options_.requestTimeoutMs);
+  std::string keepAlive = std::to_string(options_.keepAliveTimeoutMs);
   const char* config[] = {"listening_ports", options_.listen.c_str(), "num_threads",
                           threads.c_str(), "request_timeout_ms", timeout.c_str(),
-                          "enable_keep_alive", "yes", "keep_alive_timeout_ms", "5000",
+                          "enable_keep_alive", "yes", "keep_alive_timeout_ms", keepAlive.c_str(),
+                          // Connections beyond the threads wait in these queues, not refused.
+                          "listen_backlog", "1024", "connection_queue", "1024",
+                          // Absolute-form request lines ("GET http://host/x HTTP/1.1") are
+                          // answered like the path they name.
+                          "enable_auth_domain_check", "no",
                           // Headers and body leave in separate writes; without this, Nagle's
                           // algorithm holds the body until the client's delayed ACK (~40 ms).
                           "tcp_nodelay", "1", nullptr};
@@ -153,16 +205,30 @@ int HttpServer::HandleRequest(mg_connection* conn, void* self) {
 }
 
 int HttpServer::Handle(mg_connection* conn) {
-  HttpRequest request = ReadHead(conn);
+  HttpRequest request = ReadHead(conn, options_.behindProxy);
   bool head = request.method == "HEAD";
   HttpResponse response;
-  if (!ReadBody(conn, options_.maxBodyBytes, request.body)) {
+  BodyRead body = BodyRead::Whole;
+  if (std::string why = AmbiguousHead(request); !why.empty()) {
+    mg_disable_keep_alive(conn);  // where this request ends is unknown
+    response = BadRequest(why);
+  } else if (body = ReadBody(conn, options_.maxBodyBytes, request.body); body != BodyRead::Whole) {
     // The rest of the body is not read, so the connection cannot carry another request.
     mg_disable_keep_alive(conn);
-    response =
-        HttpResponse::Plain(413, "413 Request Entity Too Large\nThe request body is larger than " +
-                                     std::to_string(options_.maxBodyBytes) + " bytes.");
+    response = body == BodyRead::Malformed
+                   ? BadRequest("a body whose chunks are malformed")
+                   : HttpResponse::Plain(413,
+                                         "413 Request Entity Too Large\nThe request body is "
+                                         "larger than " +
+                                             std::to_string(options_.maxBodyBytes) + " bytes.");
+  } else if (SignInThrottle::Ticket ticket = engine_->AdmitSignIn(request); ticket.refused()) {
+    response = HttpResponse::Plain(429,
+                                   "429 Too Many Requests\nToo many sign-in attempts from "
+                                   "this address; try again in a minute.");
+    response.headers.emplace_back("Retry-After", "30");
   } else {
+    // The pause is served here, on the connection's own thread, before the page checks anything.
+    if (ticket.pause().count() > 0) std::this_thread::sleep_for(ticket.pause());
     pages_->Run([&] {
       try {
         response = engine_->Handle(request);

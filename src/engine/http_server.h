@@ -18,9 +18,18 @@ namespace ostrakan::engine {
 struct ServerOptions {
   std::filesystem::path siteRoot;
   std::string listen = "127.0.0.1:8080";  // "127.0.0.1:0" picks a free port
-  int threads = 64;                       // pages may block on remote fetches for minutes
+  int threads = 64;                       // pages at once; they may block on remote fetches
+  // civetweb gives every open connection a thread of its own, so this many connections can
+  // be open (idle, slow or waiting for a page) before new ones queue. Idle threads cost
+  // address space, not memory, but take time to start: `serve` asks for 1200.
+  int connectionThreads = 128;
   size_t maxBodyBytes = 8u << 20;
-  int requestTimeoutMs = 30000;  // reading a request, writing an answer
+  int requestTimeoutMs = 10000;   // reading a request's head and body, writing an answer
+  int keepAliveTimeoutMs = 5000;  // an idle connection between requests
+  size_t sessionCapacity = SessionStore::kDefaultCapacity;
+  // Behind a proxy on this machine (deploy/): a request from a loopback address that carries
+  // X-Real-IP is taken to come from that address (REMOTE_ADDR, the sign-in throttle).
+  bool behindProxy = false;
   ComponentCreator createComponent = DefaultComponentCreator();
   const ObjectFactory* factory = nullptr;  // nullptr: ObjectFactory::Default()
 };

@@ -4,11 +4,11 @@
 #include <ostream>
 
 #include "access/md5.h"
+#include "core/variant.h"
 #include "engine/commands.h"
 #include "engine/file_cache.h"
 #include "engine/site_setup.h"
 #include "frame/filtration.h"
-#include "core/variant.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -42,14 +42,9 @@ void CopySite(const fs::path& from, const fs::path& to) {
   }
 }
 
-// A name or password that the sign-in filter would change could never be typed to sign in.
 void CheckSignInText(const std::string& what, const std::string& value) {
-  std::u16string text = FromUtf8(value);
-  if (text.empty()) throw InitError("the " + what + " is empty");
-  if (Filter(FilterKind::Strict, text) != text)
-    throw InitError("the " + what +
-                    " may not contain blanks, control characters or any of # % ' \" ( ) * + ; "
-                    "< > [ ]: the sign-in page removes them");
+  if (std::string problem = SignInTextProblem(what, value); !problem.empty())
+    throw InitError(problem);
 }
 
 void Exec(sqlite3* db, const std::string& sql) {
@@ -101,6 +96,17 @@ void Init(const InitOptions& o, const std::string& password) {
 }
 
 }  // namespace
+
+// A name or password that the sign-in filter would change could never be typed to sign in.
+std::string SignInTextProblem(const std::string& what, const std::string& value) {
+  std::u16string text = FromUtf8(value);
+  if (text.empty()) return "the " + what + " is empty";
+  if (Filter(FilterKind::Strict, text) != text)
+    return "the " + what +
+           " may not contain blanks, control characters or any of # % ' \" ( ) * + ; < > [ ]: "
+           "the sign-in page removes them";
+  return "";
+}
 
 std::string GeneratePassword(size_t length) {
   // No look-alike characters (0/O, 1/l/I): the password is read off a terminal once.

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "engine/cross_site.h"
 #include "engine/path_safety.h"
 #include "engine/request_builder.h"
 #include "engine/static_files.h"
@@ -46,6 +47,13 @@ std::string SessionIdOf(const HttpRequest& request, SessionStore& store,
   return "";
 }
 
+bool IsSignInPage(std::string_view path) {
+  std::string name = PercentDecode(path.substr(path.rfind('/') + 1), false);
+  for (char& c : name)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return name == "login.asp";
+}
+
 // Reports a failed page in the error log and on the standard error stream.
 void Report(const std::string& text) {
   LogComponentError(FromUtf8(text));
@@ -55,10 +63,11 @@ void Report(const std::string& text) {
 }  // namespace
 
 PageEngine::PageEngine(const std::filesystem::path& siteRoot, ComponentCreator create,
-                       const ObjectFactory& factory)
+                       const ObjectFactory& factory, size_t sessionCapacity)
     : root_(std::filesystem::canonical(siteRoot)),
       create_(std::move(create)),
       factory_(factory),
+      sessions_(std::chrono::steady_clock::now, sessionCapacity),
       setup_([](const std::string& bytes) { return SiteSetup::FromBytes(bytes); }),
       pages_([](const std::string& bytes) {
         return ParsePageFile(text::Decode(bytes, text::kAnsiCodePage));
@@ -86,9 +95,16 @@ HttpResponse PageEngine::Handle(const HttpRequest& request) {
       return ServeStaticFile(resolved.file, request);
     case ResolvedPath::Kind::Page:
       if (!MethodIs(request, {"GET", "HEAD", "POST"})) return MethodNotAllowed("GET, HEAD, POST");
+      if (IsActionPage(resolved.virtualPath, request.queryString) && NamesAnotherSite(request))
+        return CrossSiteRefusal();
       return RunPageFile(request, resolved.file, resolved.virtualPath);
   }
   return HttpResponse::Plain(500, "500 Internal Server Error");
+}
+
+SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {
+  if (!IsSignInPage(request.path)) return {};
+  return signIns_.Admit(request.remoteAddr);
 }
 
 std::vector<Variant> PageEngine::RuleFields(const PageFile& page, const std::filesystem::path& file,
@@ -122,14 +138,15 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
 
   std::shared_ptr<Session> session;
   std::string sessionId = SessionIdOf(http, sessions_, session);
-  bool newSession = !session;
-  if (newSession) std::tie(sessionId, session) = sessions_.Create();
+  const bool stored = session != nullptr;
+  if (!stored) session = std::make_shared<Session>();
+  const int codePage = session->CodePage();
 
   RequestContext context;
   context.application = application_;
   context.session = session;
-  context.request = BuildRequest(http, virtualPath, session->CodePage);
-  context.response = std::make_shared<Response>(session->CodePage);
+  context.request = BuildRequest(http, virtualPath, codePage);
+  context.response = std::make_shared<Response>(codePage);
   context.server = std::make_shared<Server>(root_, FromUtf8(virtualPath), factory_);
 
   std::u16string adminItem = setup->AdminSessionName();
@@ -154,14 +171,25 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
                                        "; the error log has the details.");
   }
 
+  // A lock the page took and never gave back would stop every later page that locks.
+  application_->ReleaseHeldByThisThread();
+
   // The session's fate, whether or not the page ran to its end.
+  const bool signedIn = !adminItem.empty() && IsSet(session->Get(adminItem));
+  if (IsSignInPage(virtualPath)) signIns_.Record(http.remoteAddr, !signedIn);
   if (session->abandoned()) {
-    sessions_.Drop(sessionId);
-  } else if (newSession) {
-    out.headers.emplace_back("Set-Cookie", SessionCookie(sessionId));
-  } else if (!signedInBefore && !adminItem.empty() && IsSet(session->Get(adminItem))) {
+    if (stored) sessions_.Drop(sessionId);
+  } else if (!stored) {
+    if (!session->empty()) {
+      std::string id = sessions_.Add(session, signedIn);
+      if (!id.empty()) out.headers.emplace_back("Set-Cookie", SessionCookie(id));
+    }
+  } else if (!signedInBefore && signedIn) {
     std::string moved = sessions_.Rotate(sessionId);
+    sessions_.SetSignedIn(moved, true);
     if (!moved.empty()) out.headers.emplace_back("Set-Cookie", SessionCookie(moved));
+  } else if (signedInBefore != signedIn) {
+    sessions_.SetSignedIn(sessionId, signedIn);
   }
   return out;
 }

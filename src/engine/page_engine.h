@@ -2,11 +2,16 @@
 // files, and runs page files with the five intrinsic objects of the request (Request,
 // Response, Session, Application, Server) published for the thread.
 //
-// Sessions: a request without a live session cookie gets a new session and its cookie. When
-// the Session item named by the setting Admin_Session goes from empty to non-empty during a
-// page (an administrator signed in), the session moves to a new id and the new cookie is
-// sent, so an id known before sign-in is worth nothing after it. Session.Abandon drops the
-// session after the page.
+// Sessions: a request without a live session cookie runs with a new, empty session, which is
+// stored (and its cookie sent) only when the page put a value in it. When the Session item
+// named by the setting Admin_Session goes from empty to non-empty during a page (an
+// administrator signed in), the session moves to a new id and the new cookie is sent, so an id
+// known before sign-in is worth nothing after it. Session.Abandon drops the session after the
+// page. An Application lock that the page still holds when it ends is released.
+//
+// Action pages (see cross_site.h) refuse requests that another site sent. Attempts at the
+// sign-in page pass through a SignInThrottle: the server asks AdmitSignIn before it runs the
+// page, and serves the pause on its own thread.
 #pragma once
 
 #include <filesystem>
@@ -18,6 +23,7 @@
 #include "engine/page_file.h"
 #include "engine/page_runner.h"
 #include "engine/sessions.h"
+#include "engine/sign_in_throttle.h"
 #include "engine/site_setup.h"
 #include "frame/session.h"
 
@@ -31,9 +37,13 @@ class PageEngine {
  public:
   // `siteRoot` must exist. `factory` backs Server.CreateObject.
   PageEngine(const std::filesystem::path& siteRoot, ComponentCreator create,
-             const ObjectFactory& factory);
+             const ObjectFactory& factory, size_t sessionCapacity = SessionStore::kDefaultCapacity);
 
   HttpResponse Handle(const HttpRequest& request);
+
+  // For a request to the sign-in page, the throttle's ticket for its address (an empty
+  // ticket for any other request).
+  SignInThrottle::Ticket AdmitSignIn(const HttpRequest& request);
 
  private:
   HttpResponse RunPageFile(const HttpRequest& request, const std::filesystem::path& file,
@@ -45,6 +55,7 @@ class PageEngine {
   ComponentCreator create_;
   const ObjectFactory& factory_;
   SessionStore sessions_;
+  SignInThrottle signIns_;
   std::shared_ptr<Application> application_ = std::make_shared<Application>();
   FileCache<SiteSetup> setup_;
   FileCache<PageFile> pages_;

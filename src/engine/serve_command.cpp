@@ -1,5 +1,7 @@
+#include <pwd.h>
 #include <signal.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <ostream>
 
@@ -36,6 +38,27 @@ std::string BaseUrl(const std::string& listen, int port) {
   return "http://" + host + ":" + std::to_string(port) + "/";
 }
 
+// "" when the serving user may write the database, its folder (SQLite makes its journal files
+// there) and the journal files that already exist; else what to fix, in words.
+std::string CheckWritable(const fs::path& db) {
+  auto cannotWrite = [](const fs::path& p) { return ::access(p.c_str(), W_OK) != 0; };
+  std::string user = std::to_string(::geteuid());
+  if (const passwd* pw = ::getpwuid(::geteuid())) user = pw->pw_name;
+  const std::string fix = "; give the user " + user + " write permission (for example: chown -R " +
+                          user + " " + db.parent_path().string() + ")";
+  if (cannotWrite(db)) return "the database " + db.string() + " is not writable" + fix;
+  if (cannotWrite(db.parent_path()))
+    return "the database folder " + db.parent_path().string() +
+           " is not writable, so SQLite cannot make its journal there" + fix;
+  for (const char* suffix : {"-wal", "-shm", "-journal"}) {
+    fs::path journal = db.string() + suffix;
+    std::error_code ec;
+    if (fs::exists(journal, ec) && cannotWrite(journal))
+      return "the database journal " + journal.string() + " is not writable" + fix;
+  }
+  return "";
+}
+
 }  // namespace
 
 std::string CheckSite(const fs::path& dir) {
@@ -59,6 +82,7 @@ std::string CheckSite(const fs::path& dir) {
   fs::path db = setup.DatabasePath(dir);
   if (!fs::is_regular_file(db, ec))
     return "the database " + db.string() + " (DB in Setup.asp) does not exist";
+  if (std::string problem = CheckWritable(fs::absolute(db)); !problem.empty()) return problem;
   if (std::string problem = CheckDatabase(db); !problem.empty())
     return "the database " + db.string() + " is not usable: " + problem;
   return "";
@@ -85,6 +109,8 @@ int RunServe(const ServeOptions& o, std::ostream& out, std::ostream& err) {
   options.siteRoot = o.site;
   options.listen = o.listen;
   options.threads = o.threads;
+  options.behindProxy = o.behindProxy;
+  options.connectionThreads = o.connectionThreads;
   std::unique_ptr<HttpServer> server;
   try {
     server = std::make_unique<HttpServer>(options);

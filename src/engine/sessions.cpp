@@ -35,40 +35,43 @@ std::string NewSessionId() {
 }
 
 std::string SessionCookie(const std::string& id) {
-  return std::string(kSessionCookieName) + "=" + id + "; Path=/; HttpOnly; SameSite=Lax";
+  return std::string(kSessionCookieName) + "=" + id + "; Path=/; HttpOnly; SameSite=Strict";
 }
 
 SessionStore::SessionStore(Clock clock, size_t capacity)
     : clock_(std::move(clock)), capacity_(std::max<size_t>(capacity, 1)), lastSweep_(clock_()) {}
 
-bool SessionStore::Expired(const Entry& e, std::chrono::steady_clock::time_point now) const {
-  return now - e.lastUsed > std::chrono::minutes(e.session->Timeout);
+bool SessionStore::Expired(const Entry& e, Time now) {
+  return now - e.lastUsed > std::chrono::minutes(e.session->Timeout());
 }
 
-void SessionStore::SweepIfDue(std::chrono::steady_clock::time_point now) {
+void SessionStore::SweepIfDue(Time now) {
   if (now - lastSweep_ < kSweepInterval) return;
   lastSweep_ = now;
   std::erase_if(sessions_, [&](const auto& kv) { return Expired(kv.second, now); });
 }
 
-void SessionStore::MakeRoom(std::chrono::steady_clock::time_point now) {
-  if (sessions_.size() < capacity_) return;
+bool SessionStore::MakeRoom(Time now) {
+  if (sessions_.size() < capacity_) return true;
   std::erase_if(sessions_, [&](const auto& kv) { return Expired(kv.second, now); });
   lastSweep_ = now;
-  if (sessions_.size() < capacity_) return;
-  // Drop the tenth that has been idle longest, so that this runs once per many new sessions.
-  std::vector<std::pair<std::chrono::steady_clock::time_point, std::string>> byAge;
-  byAge.reserve(sessions_.size());
-  for (const auto& [id, entry] : sessions_) byAge.emplace_back(entry.lastUsed, id);
-  size_t drop = std::max<size_t>(1, sessions_.size() - capacity_ + capacity_ / 10);
-  drop = std::min(drop, byAge.size());
-  std::nth_element(byAge.begin(), byAge.begin() + static_cast<ptrdiff_t>(drop - 1), byAge.end());
-  for (size_t i = 0; i < drop; ++i) sessions_.erase(byAge[i].second);
+  if (sessions_.size() < capacity_) return true;
+  // Drop a tenth of the capacity at once, the anonymous sessions idle longest, so that this
+  // scan runs once per many new sessions.
+  std::vector<std::pair<Time, std::string>> anonymous;
+  for (const auto& [id, entry] : sessions_)
+    if (!entry.signedIn) anonymous.emplace_back(entry.lastUsed, id);
+  if (anonymous.empty()) return false;
+  size_t drop = std::min(anonymous.size(), std::max<size_t>(1, capacity_ / 10));
+  std::nth_element(anonymous.begin(), anonymous.begin() + static_cast<ptrdiff_t>(drop - 1),
+                   anonymous.end());
+  for (size_t i = 0; i < drop; ++i) sessions_.erase(anonymous[i].second);
+  return true;
 }
 
 std::shared_ptr<Session> SessionStore::Find(const std::string& id) {
   auto now = clock_();
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   SweepIfDue(now);
   auto it = sessions_.find(id);
   if (it == sessions_.end()) return nullptr;
@@ -80,36 +83,41 @@ std::shared_ptr<Session> SessionStore::Find(const std::string& id) {
   return it->second.session;
 }
 
-std::pair<std::string, std::shared_ptr<Session>> SessionStore::Create() {
+std::string SessionStore::Add(std::shared_ptr<Session> session, bool signedIn) {
   auto now = clock_();
-  auto session = std::make_shared<Session>();
   std::string id = NewSessionId();
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   SweepIfDue(now);
-  MakeRoom(now);
-  sessions_[id] = Entry{session, now};
-  return {id, session};
+  if (!MakeRoom(now) && !signedIn) return "";
+  sessions_[id] = Entry{std::move(session), now, signedIn};
+  return id;
+}
+
+void SessionStore::SetSignedIn(const std::string& id, bool signedIn) {
+  MutexLock lock(mutex_);
+  if (auto it = sessions_.find(id); it != sessions_.end()) it->second.signedIn = signedIn;
 }
 
 std::string SessionStore::Rotate(const std::string& id) {
   std::string fresh = NewSessionId();
-  std::lock_guard lock(mutex_);
+  auto now = clock_();
+  MutexLock lock(mutex_);
   auto it = sessions_.find(id);
   if (it == sessions_.end()) return "";
   Entry entry = std::move(it->second);
   sessions_.erase(it);
-  entry.lastUsed = clock_();
+  entry.lastUsed = now;
   sessions_[fresh] = std::move(entry);
   return fresh;
 }
 
 void SessionStore::Drop(const std::string& id) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   sessions_.erase(id);
 }
 
 size_t SessionStore::size() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return sessions_.size();
 }
 

@@ -50,6 +50,21 @@ class TestPage : public SitePage {
       for (size_t i = 0; i < sizeof buffer; i += 4096) buffer[i] = 1;
       CurrentResponse().Write(u"deep");
     });
+    // Fails between Application.Lock and Unlock; the error is logged and swallowed.
+    Block(u"LockAndFail", [this] {
+      Guard(u"LockAndFail", [] {
+        CurrentApplication().Lock();
+        throw std::runtime_error("failed while holding the application lock");
+      });
+    });
+    Block(u"LockedVisit", [] {
+      Application& a = CurrentApplication();
+      a.Lock();
+      Variant n = Variant(a.Get(u"visits").IsEmpty() ? 1 : CLng(a.Get(u"visits")) + 1);
+      a.Set(u"visits", n);
+      a.Unlock();
+      CurrentResponse().Write(u"visit " + CStr(n));
+    });
     Block(u"Crash", [] { throw std::runtime_error("boom: escaped the component"); });
     Block(u"GuardedCrash", [this] {
       Guard(u"GuardedCrash", [] { throw std::runtime_error("kept inside the component"); });

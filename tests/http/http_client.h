@@ -38,6 +38,12 @@ class HttpClient {
  public:
   explicit HttpClient(int port) : base_("http://127.0.0.1:" + std::to_string(port)) {}
 
+  // Sends from another loopback address ("127.0.0.2"), as a second client machine would.
+  HttpClient& From(std::string address) {
+    from_ = std::move(address);
+    return *this;
+  }
+
   // `path` is sent exactly as written (no "../" resolving).
   HttpReply Send(const std::string& method, const std::string& path, const std::string& body = "",
                  std::vector<std::string> headers = {}) const {
@@ -49,6 +55,7 @@ class HttpClient {
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(curl, CURLOPT_TIMEOUT, 30L);
     curl_easy_setopt(curl, CURLOPT_PROXY, "");
+    if (!from_.empty()) curl_easy_setopt(curl, CURLOPT_INTERFACE, from_.c_str());
     if (method == "HEAD") {
       curl_easy_setopt(curl, CURLOPT_NOBODY, 1L);
     } else if (method == "POST") {
@@ -105,6 +112,7 @@ class HttpClient {
   }
 
   std::string base_;
+  std::string from_;
 };
 
 }  // namespace ostrakan::testing

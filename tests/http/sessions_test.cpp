@@ -20,7 +20,7 @@ TEST_F(Sessions, ANewSessionGetsAnHttpOnlyNonPersistentCookie) {
   ASSERT_EQ(cookies.size(), 1u);
   const std::string& c = cookies[0];
   EXPECT_NE(c.find("HttpOnly"), std::string::npos);
-  EXPECT_NE(c.find("SameSite=Lax"), std::string::npos);
+  EXPECT_NE(c.find("SameSite=Strict"), std::string::npos);
   EXPECT_NE(c.find("Path=/"), std::string::npos);
   EXPECT_EQ(c.find("Expires"), std::string::npos);
   EXPECT_EQ(c.find("Max-Age"), std::string::npos);
