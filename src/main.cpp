@@ -51,6 +51,7 @@ Usage:
       over the old one), so it may run while the site is served. Prints a summary line;
       with --json the last line is {"files":N,"failed":M}. Exit status 1 when any page
       was not written (a missing template, an unknown category ...).
+
   ostrakan gather --site DIR list RULE_ID [--keyword WORD] [--pages FIRST-LAST]
                   [--delay-ms N] [--retries N] [--json] [--resume]
       Gather with the list-site rule RULE_ID of the site in DIR, without a browser: fetch

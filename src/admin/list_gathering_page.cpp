@@ -124,7 +124,7 @@ void ListGatheringPage::ReadRunInputs() {
   }
   // Back to the pages' code page; the response follows it, so that the whole page is one
   // encoding (nothing has been written while 65001 was in force).
-  CurrentSession().CodePage = 936;
+  CurrentSession().SetCodePage(936);
   CurrentResponse().SetCodePage(936);
 }
 

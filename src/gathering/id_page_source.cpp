@@ -2,28 +2,26 @@
 
 #include <mutex>
 
-#include "core/script_error.h"
+#include "gathering/page_fetch.h"
+#include "gathering/record_store.h"
 
 namespace ostrakan::gathering {
 
+std::u16string FactoryPages::Fetch(std::u16string_view url, std::u16string_view charset) {
+  return GetHttpPage(factory_, url, charset);
+}
+
+void DatabaseIdStore::Save(ado::Connection& conn, const IdRecord& record) {
+  StoreRecord(conn, GatheredRecord{record.title, record.content, record.url, u""},
+              SourceSite{record.source, record.source_url});
+}
+
 namespace {
-
-class NoPages : public PageSource {
- public:
-  std::u16string Fetch(std::u16string_view, std::u16string_view) override { return u""; }
-};
-
-class NoStore : public RecordStore {
- public:
-  void Save(ado::Connection&, const IdRecord&) override {
-    throw ScriptError(429, u"ActiveX component can't create object");
-  }
-};
 
 struct Services {
   std::mutex lock;
-  std::shared_ptr<PageSource> pages = std::make_shared<NoPages>();
-  std::shared_ptr<RecordStore> store = std::make_shared<NoStore>();
+  std::shared_ptr<PageSource> pages;  // null: the factory's pages
+  std::shared_ptr<IdStore> store = std::make_shared<DatabaseIdStore>();
 };
 
 Services& Installed() {
@@ -33,20 +31,21 @@ Services& Installed() {
 
 }  // namespace
 
-void UseIdGatheringServices(std::shared_ptr<PageSource> pages, std::shared_ptr<RecordStore> store) {
+void UseIdGatheringServices(std::shared_ptr<PageSource> pages, std::shared_ptr<IdStore> store) {
   Services& s = Installed();
   std::lock_guard<std::mutex> hold(s.lock);
-  s.pages = pages ? std::move(pages) : std::make_shared<NoPages>();
-  s.store = store ? std::move(store) : std::make_shared<NoStore>();
+  s.pages = std::move(pages);
+  s.store = store ? std::move(store) : std::make_shared<DatabaseIdStore>();
 }
 
-std::shared_ptr<PageSource> IdPageSource() {
+std::shared_ptr<PageSource> IdPageSource(const ObjectFactory& factory) {
   Services& s = Installed();
   std::lock_guard<std::mutex> hold(s.lock);
-  return s.pages;
+  if (s.pages) return s.pages;
+  return std::make_shared<FactoryPages>(factory);
 }
 
-std::shared_ptr<RecordStore> IdRecordStore() {
+std::shared_ptr<IdStore> IdRecordStore() {
   Services& s = Installed();
   std::lock_guard<std::mutex> hold(s.lock);
   return s.store;

@@ -1,6 +1,7 @@
 // What an ID-site test or run needs from the rest of the system: a page fetcher and a record
-// store. The pages and commands use whatever was installed with UseIdGatheringServices (the
-// program installs the real fetcher and store at start-up, tests their own).
+// store. By default they are the real ones: pages through the XML HTTP objects of the object
+// factory, records through the shared record store. Tests install their own with
+// UseIdGatheringServices.
 #pragma once
 
 #include <memory>
@@ -8,6 +9,7 @@
 #include <string_view>
 
 #include "platform/ado/connection.h"
+#include "platform/object_factory.h"
 
 namespace ostrakan::gathering {
 
@@ -26,19 +28,35 @@ struct IdRecord {
   std::u16string source_url;  // the rule's site address without "http://"
 };
 
-class RecordStore {
+class IdStore {
  public:
-  virtual ~RecordStore() = default;
+  virtual ~IdStore() = default;
   // Stores the entry in db: a new record when no record has its url, else the title, content
   // and time of that record are refreshed (its url, source and clicks stay).
   virtual void Save(ado::Connection& conn, const IdRecord& record) = 0;
 };
 
-void UseIdGatheringServices(std::shared_ptr<PageSource> pages, std::shared_ptr<RecordStore> store);
+// Pages fetched through the factory's XML HTTP objects and decoded with the rule's charset.
+class FactoryPages : public PageSource {
+ public:
+  explicit FactoryPages(const ObjectFactory& factory) : factory_(factory) {}
+  std::u16string Fetch(std::u16string_view url, std::u16string_view charset) override;
 
-// The installed services. Without a page source every page comes back empty (as a page that
-// cannot be fetched); without a record store, storing raises error 429.
-std::shared_ptr<PageSource> IdPageSource();
-std::shared_ptr<RecordStore> IdRecordStore();
+ private:
+  const ObjectFactory& factory_;
+};
+
+// Records through the shared record store (lookup and insert or refresh in one transaction).
+class DatabaseIdStore : public IdStore {
+ public:
+  void Save(ado::Connection& conn, const IdRecord& record) override;
+};
+
+// Installs test doubles; nullptr puts the real service back.
+void UseIdGatheringServices(std::shared_ptr<PageSource> pages, std::shared_ptr<IdStore> store);
+
+// The installed page source, or the factory's pages when none is installed.
+std::shared_ptr<PageSource> IdPageSource(const ObjectFactory& factory);
+std::shared_ptr<IdStore> IdRecordStore();
 
 }  // namespace ostrakan::gathering

@@ -28,7 +28,7 @@ class MemoryPages : public gathering::PageSource {
   std::vector<std::u16string> fetched;
 };
 
-class CollectedRecords : public gathering::RecordStore {
+class CollectedRecords : public gathering::IdStore {
  public:
   void Save(ado::Connection& conn, const IdRecord& record) override {
     EXPECT_EQ(conn.State(), 1);
