@@ -169,7 +169,8 @@ TEST_F(KeywordPages, NoFilterChangesTheStatement) {
     EXPECT_EQ(text, u"");
   }
   const std::string log = site.log();
-  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
+  // Both fail the same way on the same page: the log keeps that error once a minute.
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
   EXPECT_NE(site.log().find("\\admin\\keyword_manage, InitFunction5: Syntax error in string"),
             std::string::npos)
       << site.log();
