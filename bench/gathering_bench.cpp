@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "core/lcase.h"
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "gathering/list_extraction.h"
@@ -73,7 +74,7 @@ BENCHMARK(BM_ExtractLargePage)->Unit(benchmark::kMillisecond);
 void BM_CaseInsensitiveScan(benchmark::State& state) {
   const std::u16string page = LargePage();
   for (auto _ : state) {
-    std::u16string folded = text::LowerCase(page);
+    std::u16string folded = LCase(page);
     benchmark::DoNotOptimize(folded.find(u"<div class=\"none\">"));
   }
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(page.size() * 2));

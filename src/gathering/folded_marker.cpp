@@ -1,10 +1,10 @@
 #include "gathering/folded_marker.h"
 
-#include "platform/text/bytes_to_bstr.h"
+#include "core/lcase.h"
 
 namespace ostrakan::gathering {
 
-FoldedMarker::FoldedMarker(std::u16string_view marker) : folded_(text::LowerCase(marker)) {
+FoldedMarker::FoldedMarker(std::u16string_view marker) : folded_(LCase(marker)) {
   const size_t m = folded_.size();
   shift_.fill(static_cast<uint32_t>(m));
   for (size_t j = 0; j + 1 < m; ++j) shift_[folded_[j] & 0xFF] = static_cast<uint32_t>(m - 1 - j);

@@ -1,8 +1,8 @@
 #include "gathering/list_extraction.h"
 
+#include "core/lcase.h"
 #include "core/script_error.h"
 #include "frame/filtration.h"
-#include "platform/text/bytes_to_bstr.h"
 #include "platform/text/codepage.h"
 
 namespace ostrakan::gathering {
@@ -40,7 +40,7 @@ std::u16string DefinedFiltration(std::u16string_view text, std::u16string_view l
     size_t comma = list.find(u',', from);
     std::u16string_view item = list.substr(
         from, comma == std::u16string_view::npos ? std::u16string_view::npos : comma - from);
-    out = ReplaceAll(text::LowerCase(out), text::LowerCase(item), u"");
+    out = ReplaceAll(LCase(out), LCase(item), u"");
     if (comma == std::u16string_view::npos) break;
     from = comma + 1;
   }
@@ -137,7 +137,7 @@ bool ListExtractor::CutField(Field& field, long from, const Marker& start, const
 ListExtractor::Outcome ListExtractor::Cut(std::u16string_view html,
                                           const std::function<void(const ListEntry&)>& emit) {
   html_ = html;
-  folded_ = text::LowerCase(html);
+  folded_ = LCase(html);
   if (Find(1, error_.prepared) > 0) return Outcome::NoResults;
   sn_ = CLng(Variant(rule_.cyc_border_sn));
   Variant pos(1);

@@ -1,6 +1,7 @@
 // Fetching and decoding against the fixture remote site on loopback.
 #include <gtest/gtest.h>
 
+#include "core/lcase.h"
 #include "gathering/page_fetch.h"
 #include "platform/http/fetcher.h"
 #include "platform/text/bytes_to_bstr.h"
@@ -97,9 +98,9 @@ TEST(BytesToBstr, DecodesByTheRulesCharsetName) {
   EXPECT_EQ(text::BytesToBstr("", u"utf-8"), u"");
 }
 
-TEST(LowerCase, KeepsLengthAndPositions) {
+TEST(LCase, KeepsLengthAndPositions) {
   const std::u16string mixed = u"ÀB电Σ\U0001F600Z";
-  std::u16string lower = text::LowerCase(mixed);
+  std::u16string lower = LCase(mixed);
   EXPECT_EQ(lower.size(), mixed.size());
   EXPECT_EQ(lower, u"àb电σ\U0001F600z");
 }
