@@ -53,19 +53,4 @@ long RunBound(ado::Connection& conn, std::u16string_view sql,
   return ado::RunWrite(db, stmt.get());
 }
 
-WriteTransaction::WriteTransaction(ado::Connection& conn) : db_(conn.handle()) {
-  if (sqlite3_exec(db_, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK)
-    throw ado::SqliteError(db_);
-}
-
-WriteTransaction::~WriteTransaction() {
-  if (open_) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
-}
-
-void WriteTransaction::Commit() {
-  if (sqlite3_exec(db_, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK)
-    throw ado::SqliteError(db_);
-  open_ = false;
-}
-
 }  // namespace ostrakan::categories

@@ -37,20 +37,6 @@ class BoundQuery {
 long RunBound(ado::Connection& conn, std::u16string_view sql,
               std::initializer_list<Variant> values);
 
-// BEGIN IMMEDIATE for its lifetime: Commit() keeps the changes, anything else rolls them back.
-class WriteTransaction {
- public:
-  explicit WriteTransaction(ado::Connection& conn);
-  ~WriteTransaction();
-  void Commit();
-  WriteTransaction(const WriteTransaction&) = delete;
-  WriteTransaction& operator=(const WriteTransaction&) = delete;
-
- private:
-  sqlite3* db_;
-  bool open_ = true;
-};
-
 // An identifier that passed the pages' number test (IsValidId), as the number to bind.
 inline Variant IdValue(const Variant& id) {
   return Variant(CDbl(id));

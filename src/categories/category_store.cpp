@@ -3,6 +3,7 @@
 #include <set>
 
 #include "categories/bound_query.h"
+#include "platform/ado/write_transaction.h"
 
 namespace ostrakan::categories {
 
@@ -82,7 +83,7 @@ void AddCategory(ado::Connection& conn, std::u16string_view name, int32_t parent
 
 void AddCategories(ado::Connection& conn, const std::vector<std::u16string>& names, int32_t parent,
                    int32_t letter) {
-  WriteTransaction transaction(conn);
+  ado::WriteTransaction transaction(conn);
   for (const std::u16string& name : names) AddCategory(conn, name, parent, letter);
   transaction.Commit();
 }

@@ -5,19 +5,6 @@
 #include "core/script_error.h"
 
 namespace ostrakan::gathering {
-namespace {
-
-void Exec(ado::Connection& conn, const char* sql) {
-  char* err = nullptr;
-  if (sqlite3_exec(conn.handle(), sql, nullptr, nullptr, &err) != SQLITE_OK) {
-    std::u16string message = FromUtf8(err ? err : "statement failed");
-    sqlite3_free(err);
-    throw ScriptError(-2147467259, message);
-  }
-}
-
-}  // namespace
-
 BoundStatement::BoundStatement(ado::Connection& conn, std::string_view sql) : db_(conn.handle()) {
   if (sqlite3_prepare_v3(db_, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
                          &stmt_, nullptr) != SQLITE_OK)
@@ -77,22 +64,6 @@ std::optional<long long> QueryNumber(ado::Connection& conn, std::string_view sql
   BoundStatement st(conn, sql);
   if (!st.Run(values)) return std::nullopt;
   return st.Number();
-}
-
-WriteTransaction::WriteTransaction(ado::Connection& conn) : conn_(conn) {
-  if (sqlite3_get_autocommit(conn.handle())) {
-    Exec(conn, "BEGIN IMMEDIATE");
-    owner_ = true;
-  }
-}
-
-WriteTransaction::~WriteTransaction() {
-  if (owner_ && !done_) sqlite3_exec(conn_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
-}
-
-void WriteTransaction::Commit() {
-  if (owner_ && !done_) Exec(conn_, "COMMIT");
-  done_ = true;
 }
 
 }  // namespace ostrakan::gathering

@@ -45,18 +45,4 @@ void RunBound(ado::Connection& conn, std::string_view sql, std::initializer_list
 std::optional<long long> QueryNumber(ado::Connection& conn, std::string_view sql,
                                      std::initializer_list<Variant> values);
 
-// BEGIN IMMEDIATE ... COMMIT around a scope, unless a transaction is already open; rolled
-// back when the scope is left by an exception.
-class WriteTransaction {
- public:
-  explicit WriteTransaction(ado::Connection& conn);
-  ~WriteTransaction();
-  void Commit();
-
- private:
-  ado::Connection& conn_;
-  bool owner_ = false;
-  bool done_ = false;
-};
-
 }  // namespace ostrakan::gathering

@@ -6,6 +6,7 @@
 #include "core/script_error.h"
 #include "gathering/bound_sql.h"
 #include "gathering/list_extraction.h"
+#include "platform/ado/write_transaction.h"
 #include "platform/text/bytes_to_bstr.h"
 
 namespace ostrakan::gathering {
@@ -35,7 +36,7 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
     const long unit = run.next;
     UnitResult result = ahead.get();
     if (unit + 1 <= run.last) ahead = std::async(std::launch::async, gather, unit + 1);
-    WriteTransaction transaction(conn);
+    ado::WriteTransaction transaction(conn);
     RunCounts& c = run.counts;
     ++c.pages;
     switch (result.outcome) {

@@ -2,6 +2,7 @@
 
 #include "frame/filtration.h"
 #include "gathering/bound_sql.h"
+#include "platform/ado/write_transaction.h"
 
 namespace ostrakan::gathering {
 namespace {
@@ -72,7 +73,7 @@ RecordStore::RecordStore(ado::Connection& conn, SourceSite site)
 RecordStore::~RecordStore() = default;
 
 StoreOutcome RecordStore::Store(const GatheredRecord& record) {
-  WriteTransaction transaction(conn_);
+  ado::WriteTransaction transaction(conn_);
   Statements& s = *statements_;
   const bool known = s.lookup.Run({Variant(StoredLink(record.url))});
   if (known) {

@@ -1,6 +1,7 @@
 #include "generation/click_through.h"
 
 #include "categories/bound_query.h"
+#include "platform/ado/write_transaction.h"
 
 namespace ostrakan::generation {
 
@@ -14,7 +15,7 @@ bool StartsWithNoCase(std::u16string_view text, std::u16string_view prefix) {
 
 std::optional<std::u16string> CountClick(ado::Connection& conn, const Variant& id) {
   const Variant key = categories::IdValue(id);
-  categories::WriteTransaction transaction(conn);
+  ado::WriteTransaction transaction(conn);
   if (categories::RunBound(conn, u"update db set click=coalesce(click,0)+1 where id=?1", {key}) ==
       0)
     return std::nullopt;

@@ -4,20 +4,24 @@
 
 namespace ostrakan::ado {
 
-WriteTransaction::WriteTransaction(Connection& conn) : conn_(conn.shared_from_this()) {
-  sqlite3* db = conn_->handle();
+WriteTransaction::WriteTransaction(Connection& conn)
+    : keep_(conn.weak_from_this().lock()), conn_(conn) {
+  sqlite3* db = conn_.handle();
+  if (!sqlite3_get_autocommit(db)) return;  // part of the transaction already open
   if (sqlite3_exec(db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK)
     throw SqliteError(db);
+  owner_ = true;
 }
 
 WriteTransaction::~WriteTransaction() {
-  if (!open_ || conn_->State() == 0) return;
-  sqlite3* db = conn_->handle();
+  if (!owner_ || !open_ || conn_.State() == 0) return;
+  sqlite3* db = conn_.handle();
   if (!sqlite3_get_autocommit(db)) sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void WriteTransaction::Commit() {
-  sqlite3* db = conn_->handle();
+  if (!owner_ || !open_) return;
+  sqlite3* db = conn_.handle();
   if (sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) throw SqliteError(db);
   open_ = false;
 }

@@ -3,6 +3,9 @@
 // writer), COMMIT on Commit, ROLLBACK when the scope ends without a commit. Reads inside it see
 // no other writer's changes until the commit, so a lookup followed by an insert cannot race an
 // identical pair on another connection. Statements run inside it are not wrapped again.
+// Inside a transaction that is already open (an outer WriteTransaction, say a run that stores a
+// page's records with its journal) it takes part in that one: Commit and the roll-back are the
+// outer transaction's to do.
 #pragma once
 
 #include <memory>
@@ -22,7 +25,10 @@ class WriteTransaction {
   void Commit();
 
  private:
-  std::shared_ptr<Connection> conn_;  // kept alive: a page may release its `conn` inside
+  std::shared_ptr<Connection> keep_;  // a shared connection is kept alive: a page may release
+                                      // its `conn` inside the scope
+  Connection& conn_;
+  bool owner_ = false;  // this object began the transaction
   bool open_ = true;
 };
 
