@@ -266,8 +266,8 @@ bool CBool(const Variant& v) {
 double CDate(const Variant& v) {
   if (v.type() == VarType::Date) return VariantAccess::Date(v);
   if (v.IsString()) {
+    if (auto date = ParseDate(v.str())) return *date;
     double d;
-    if (ParseDate(v.str(), d)) return d;
     if (ParseNumber(v.str(), d)) return d;
     throw TypeMismatch();
   }
@@ -361,7 +361,7 @@ std::u16string IsoDate(double ole) {
   return Ascii(buf);
 }
 
-bool ParseDate(std::u16string_view text, double& out) {
+std::optional<double> ParseDate(std::u16string_view text) {
   // Reads up to six numbers: y sep m sep d [blank h : mi [: s]], or a time h:mi[:s] alone.
   int n[6] = {0, 0, 0, 0, 0, 0};
   int count = 0;
@@ -387,9 +387,9 @@ bool ParseDate(std::u16string_view text, double& out) {
   }
   if (!timeOnly) {
     for (count = 0; count < 3; ++count) {
-      if (!number(n[count])) return false;
+      if (!number(n[count])) return std::nullopt;
       if (count < 2) {
-        if (i >= text.size() || (text[i] != u'-' && text[i] != u'/')) return false;
+        if (i >= text.size() || (text[i] != u'-' && text[i] != u'/')) return std::nullopt;
         ++i;
       }
     }
@@ -397,28 +397,27 @@ bool ParseDate(std::u16string_view text, double& out) {
     if (i < text.size() && (text[i] == u'T' || text[i] == u't')) ++i;
   }
   if (i < text.size()) {
-    if (!number(n[3]) || i >= text.size() || text[i] != u':') return false;
+    if (!number(n[3]) || i >= text.size() || text[i] != u':') return std::nullopt;
     ++i;
-    if (!number(n[4])) return false;
+    if (!number(n[4])) return std::nullopt;
     if (i < text.size() && text[i] == u':') {
       ++i;
-      if (!number(n[5])) return false;
+      if (!number(n[5])) return std::nullopt;
       if (i < text.size() && text[i] == u'.')  // fractions of a second are dropped
         for (++i; i < text.size() && text[i] >= u'0' && text[i] <= u'9';) ++i;
     }
     skipBlanks();
-    if (i != text.size()) return false;
+    if (i != text.size()) return std::nullopt;
   }
-  if (n[3] > 23 || n[4] > 59 || n[5] > 59) return false;
+  if (n[3] > 23 || n[4] > 59 || n[5] > 59) return std::nullopt;
   if (timeOnly) {
-    out = (n[3] * 3600.0 + n[4] * 60.0 + n[5]) / 86400.0;
-    return true;
+    return (n[3] * 3600.0 + n[4] * 60.0 + n[5]) / 86400.0;
   }
-  if (n[1] < 1 || n[1] > 12 || n[2] < 1 || n[2] > 31 || n[0] < 100 || n[0] > 9999) return false;
+  if (n[1] < 1 || n[1] > 12 || n[2] < 1 || n[2] > 31 || n[0] < 100 || n[0] > 9999)
+    return std::nullopt;
   double d = MakeDate(n[0], n[1], n[2], n[3], n[4], n[5]);
-  if (Split(d).d != n[2]) return false;  // 2026-2-30 and the like
-  out = d;
-  return true;
+  if (Split(d).d != n[2]) return std::nullopt;  // 2026-2-30 and the like
+  return d;
 }
 
 // ---- Text helpers ----
