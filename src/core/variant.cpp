@@ -1,5 +1,7 @@
 #include "core/variant.h"
 
+#include <unicode/ustring.h>
+
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -422,84 +424,30 @@ std::optional<double> ParseDate(std::u16string_view text) {
 
 // ---- Text helpers ----
 
+// The one UTF-8 conversion of the system (the code-page module uses it for 65001 too). An
+// ill-formed sequence becomes one U+FFFD per maximal subpart, as browsers decode, and never
+// swallows the bytes after it; a lone surrogate is written as U+FFFD.
 std::u16string FromUtf8(std::string_view s) {
-  std::u16string out;
-  out.reserve(s.size());
-  size_t i = 0;
-  while (i < s.size()) {
-    unsigned char c = static_cast<unsigned char>(s[i]);
-    char32_t cp;
-    size_t len;
-    if (c < 0x80) {
-      cp = c, len = 1;
-    } else if ((c & 0xE0) == 0xC0) {
-      cp = c & 0x1F, len = 2;
-    } else if ((c & 0xF0) == 0xE0) {
-      cp = c & 0x0F, len = 3;
-    } else if ((c & 0xF8) == 0xF0) {
-      cp = c & 0x07, len = 4;
-    } else {
-      out += u'\uFFFD', ++i;
-      continue;
-    }
-    if (i + len > s.size()) {
-      out += u'\uFFFD', ++i;
-      continue;
-    }
-    bool ok = true;
-    for (size_t k = 1; k < len; ++k) {
-      unsigned char cc = static_cast<unsigned char>(s[i + k]);
-      if ((cc & 0xC0) != 0x80) {
-        ok = false;
-        break;
-      }
-      cp = (cp << 6) | (cc & 0x3F);
-    }
-    const char32_t minimum[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (!ok || cp < minimum[len] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-      out += u'\uFFFD', ++i;
-      continue;
-    }
-    if (cp >= 0x10000) {
-      cp -= 0x10000;
-      out += static_cast<char16_t>(0xD800 + (cp >> 10));
-      out += static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
-    } else {
-      out += static_cast<char16_t>(cp);
-    }
-    i += len;
-  }
+  if (s.empty()) return {};
+  std::u16string out(s.size(), u'\0');  // UTF-16 never needs more units than UTF-8 has bytes
+  int32_t length = 0;
+  UErrorCode err = U_ZERO_ERROR;
+  u_strFromUTF8WithSub(out.data(), static_cast<int32_t>(out.size()), &length, s.data(),
+                       static_cast<int32_t>(s.size()), 0xFFFD, nullptr, &err);
+  if (U_FAILURE(err)) throw std::bad_alloc();
+  out.resize(static_cast<size_t>(length));
   return out;
 }
 
 std::string ToUtf8(std::u16string_view s) {
-  std::string out;
-  out.reserve(s.size());
-  for (size_t i = 0; i < s.size(); ++i) {
-    char32_t cp = s[i];
-    if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < s.size() && s[i + 1] >= 0xDC00 &&
-        s[i + 1] <= 0xDFFF) {
-      cp = 0x10000 + ((cp - 0xD800) << 10) + (s[i + 1] - 0xDC00);
-      ++i;
-    } else if (cp >= 0xD800 && cp <= 0xDFFF) {
-      cp = 0xFFFD;  // a lone surrogate
-    }
-    if (cp < 0x80) {
-      out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-      out += static_cast<char>(0xC0 | (cp >> 6));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-      out += static_cast<char>(0xE0 | (cp >> 12));
-      out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (cp >> 18));
-      out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-  }
+  if (s.empty()) return {};
+  std::string out(s.size() * 3, '\0');  // at most three bytes per UTF-16 unit
+  int32_t length = 0;
+  UErrorCode err = U_ZERO_ERROR;
+  u_strToUTF8WithSub(out.data(), static_cast<int32_t>(out.size()), &length, s.data(),
+                     static_cast<int32_t>(s.size()), 0xFFFD, nullptr, &err);
+  if (U_FAILURE(err)) throw std::bad_alloc();
+  out.resize(static_cast<size_t>(length));
   return out;
 }
 
