@@ -1,6 +1,7 @@
 #include "admin/paged_list.h"
 
 #include "frame/data_access.h"
+#include "platform/clock.h"
 
 namespace ostrakan::admin {
 
@@ -28,7 +29,7 @@ PagedList::PagedList(std::u16string context, records::PagerStyle style)
 }
 
 void PagedList::WriteList(const ListQueries& q, const std::function<std::u16string()>& returnUrl) {
-  Time1 = Timer();
+  Time1 = CurrentClock().Timer();
   const Request& request = CurrentRequest();
   db_count = request.QueryString(u"db_count");
   if (Equals(db_count, Variant(u""))) {
@@ -52,7 +53,7 @@ void PagedList::WriteList(const ListQueries& q, const std::function<std::u16stri
   Session& session = CurrentSession();
   session.Set(u"url", Variant(u""));
   session.Set(u"url", Variant(returnUrl()));
-  Time2 = Timer();
+  Time2 = CurrentClock().Timer();
   CurrentResponse().Write(records::ElapsedLine(CDbl(Time1), CDbl(Time2)));
 }
 

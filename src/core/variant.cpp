@@ -1,5 +1,7 @@
 #include "core/variant.h"
 
+#include <unicode/ustring.h>
+
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -266,8 +268,8 @@ bool CBool(const Variant& v) {
 double CDate(const Variant& v) {
   if (v.type() == VarType::Date) return VariantAccess::Date(v);
   if (v.IsString()) {
+    if (auto date = ParseDate(v.str())) return *date;
     double d;
-    if (ParseDate(v.str(), d)) return d;
     if (ParseNumber(v.str(), d)) return d;
     throw TypeMismatch();
   }
@@ -361,7 +363,7 @@ std::u16string IsoDate(double ole) {
   return Ascii(buf);
 }
 
-bool ParseDate(std::u16string_view text, double& out) {
+std::optional<double> ParseDate(std::u16string_view text) {
   // Reads up to six numbers: y sep m sep d [blank h : mi [: s]], or a time h:mi[:s] alone.
   int n[6] = {0, 0, 0, 0, 0, 0};
   int count = 0;
@@ -387,9 +389,9 @@ bool ParseDate(std::u16string_view text, double& out) {
   }
   if (!timeOnly) {
     for (count = 0; count < 3; ++count) {
-      if (!number(n[count])) return false;
+      if (!number(n[count])) return std::nullopt;
       if (count < 2) {
-        if (i >= text.size() || (text[i] != u'-' && text[i] != u'/')) return false;
+        if (i >= text.size() || (text[i] != u'-' && text[i] != u'/')) return std::nullopt;
         ++i;
       }
     }
@@ -397,110 +399,55 @@ bool ParseDate(std::u16string_view text, double& out) {
     if (i < text.size() && (text[i] == u'T' || text[i] == u't')) ++i;
   }
   if (i < text.size()) {
-    if (!number(n[3]) || i >= text.size() || text[i] != u':') return false;
+    if (!number(n[3]) || i >= text.size() || text[i] != u':') return std::nullopt;
     ++i;
-    if (!number(n[4])) return false;
+    if (!number(n[4])) return std::nullopt;
     if (i < text.size() && text[i] == u':') {
       ++i;
-      if (!number(n[5])) return false;
+      if (!number(n[5])) return std::nullopt;
       if (i < text.size() && text[i] == u'.')  // fractions of a second are dropped
         for (++i; i < text.size() && text[i] >= u'0' && text[i] <= u'9';) ++i;
     }
     skipBlanks();
-    if (i != text.size()) return false;
+    if (i != text.size()) return std::nullopt;
   }
-  if (n[3] > 23 || n[4] > 59 || n[5] > 59) return false;
+  if (n[3] > 23 || n[4] > 59 || n[5] > 59) return std::nullopt;
   if (timeOnly) {
-    out = (n[3] * 3600.0 + n[4] * 60.0 + n[5]) / 86400.0;
-    return true;
+    return (n[3] * 3600.0 + n[4] * 60.0 + n[5]) / 86400.0;
   }
-  if (n[1] < 1 || n[1] > 12 || n[2] < 1 || n[2] > 31 || n[0] < 100 || n[0] > 9999) return false;
+  if (n[1] < 1 || n[1] > 12 || n[2] < 1 || n[2] > 31 || n[0] < 100 || n[0] > 9999)
+    return std::nullopt;
   double d = MakeDate(n[0], n[1], n[2], n[3], n[4], n[5]);
-  if (Split(d).d != n[2]) return false;  // 2026-2-30 and the like
-  out = d;
-  return true;
+  if (Split(d).d != n[2]) return std::nullopt;  // 2026-2-30 and the like
+  return d;
 }
 
 // ---- Text helpers ----
 
+// The one UTF-8 conversion of the system (the code-page module uses it for 65001 too). An
+// ill-formed sequence becomes one U+FFFD per maximal subpart, as browsers decode, and never
+// swallows the bytes after it; a lone surrogate is written as U+FFFD.
 std::u16string FromUtf8(std::string_view s) {
-  std::u16string out;
-  out.reserve(s.size());
-  size_t i = 0;
-  while (i < s.size()) {
-    unsigned char c = static_cast<unsigned char>(s[i]);
-    char32_t cp;
-    size_t len;
-    if (c < 0x80) {
-      cp = c, len = 1;
-    } else if ((c & 0xE0) == 0xC0) {
-      cp = c & 0x1F, len = 2;
-    } else if ((c & 0xF0) == 0xE0) {
-      cp = c & 0x0F, len = 3;
-    } else if ((c & 0xF8) == 0xF0) {
-      cp = c & 0x07, len = 4;
-    } else {
-      out += u'\uFFFD', ++i;
-      continue;
-    }
-    if (i + len > s.size()) {
-      out += u'\uFFFD', ++i;
-      continue;
-    }
-    bool ok = true;
-    for (size_t k = 1; k < len; ++k) {
-      unsigned char cc = static_cast<unsigned char>(s[i + k]);
-      if ((cc & 0xC0) != 0x80) {
-        ok = false;
-        break;
-      }
-      cp = (cp << 6) | (cc & 0x3F);
-    }
-    const char32_t minimum[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (!ok || cp < minimum[len] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-      out += u'\uFFFD', ++i;
-      continue;
-    }
-    if (cp >= 0x10000) {
-      cp -= 0x10000;
-      out += static_cast<char16_t>(0xD800 + (cp >> 10));
-      out += static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
-    } else {
-      out += static_cast<char16_t>(cp);
-    }
-    i += len;
-  }
+  if (s.empty()) return {};
+  std::u16string out(s.size(), u'\0');  // UTF-16 never needs more units than UTF-8 has bytes
+  int32_t length = 0;
+  UErrorCode err = U_ZERO_ERROR;
+  u_strFromUTF8WithSub(out.data(), static_cast<int32_t>(out.size()), &length, s.data(),
+                       static_cast<int32_t>(s.size()), 0xFFFD, nullptr, &err);
+  if (U_FAILURE(err)) throw std::bad_alloc();
+  out.resize(static_cast<size_t>(length));
   return out;
 }
 
 std::string ToUtf8(std::u16string_view s) {
-  std::string out;
-  out.reserve(s.size());
-  for (size_t i = 0; i < s.size(); ++i) {
-    char32_t cp = s[i];
-    if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < s.size() && s[i + 1] >= 0xDC00 &&
-        s[i + 1] <= 0xDFFF) {
-      cp = 0x10000 + ((cp - 0xD800) << 10) + (s[i + 1] - 0xDC00);
-      ++i;
-    } else if (cp >= 0xD800 && cp <= 0xDFFF) {
-      cp = 0xFFFD;  // a lone surrogate
-    }
-    if (cp < 0x80) {
-      out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-      out += static_cast<char>(0xC0 | (cp >> 6));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-      out += static_cast<char>(0xE0 | (cp >> 12));
-      out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (cp >> 18));
-      out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-  }
+  if (s.empty()) return {};
+  std::string out(s.size() * 3, '\0');  // at most three bytes per UTF-16 unit
+  int32_t length = 0;
+  UErrorCode err = U_ZERO_ERROR;
+  u_strToUTF8WithSub(out.data(), static_cast<int32_t>(out.size()), &length, s.data(),
+                     static_cast<int32_t>(s.size()), 0xFFFD, nullptr, &err);
+  if (U_FAILURE(err)) throw std::bad_alloc();
+  out.resize(static_cast<size_t>(length));
   return out;
 }
 

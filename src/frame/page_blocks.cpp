@@ -2,11 +2,12 @@
 
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
+#include "platform/clock.h"
 
 namespace ostrakan {
 
 void PageHeaderGuard(Response& response, const Session& session, const Variant& adminSession) {
-  response.SetExpiresAbsolute(Now() - 1);
+  response.SetExpiresAbsolute(CurrentClock().Now() - 1);
   response.SetExpires(0);
   response.CacheControl = u"no-cache, no-store";
   response.AddHeader(u"Pragma", u"No-Cache");

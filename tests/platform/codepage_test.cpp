@@ -22,6 +22,7 @@ TEST(CodePage, AnsiCodePageRoundTripsChineseAndReplacesWhatGbkLacks) {
 }
 
 TEST(CodePage, Utf8RoundTripsEverything) {
+  EXPECT_EQ(Decode("\xe8\xa7<\xe8", kUtf8CodePage), u"\uFFFD<\uFFFD");  // as FromUtf8 does
   const std::u16string text = u"中文 € 😀 가";
   EXPECT_EQ(Decode(Encode(text, kUtf8CodePage), kUtf8CodePage), text);
   EXPECT_EQ(Encode(u"中", kUtf8CodePage), "\xE4\xB8\xAD");

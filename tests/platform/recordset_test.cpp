@@ -335,8 +335,8 @@ TEST_F(Database, MovesForwardAndBack) {
 
 TEST_F(Database, LargeResultsStreamRowByRow) {
   Sql(file(),
-      "with recursive n(x) as (select 1 union all select x+1 from n where x<100000) "
-      "insert into db(title, content) select 'title ' || x, printf('%.200c', 'x') from n");
+      "with recursive n(x) as (select 1 union all select x+1 from n where x<20000) "
+      "insert into db(title, content) select 'title ' || x, printf('%.1000c', 'x') from n");
   auto conn = Connect();
   const size_t before = mallinfo2().uordblks;
   auto rs = Query(conn, u"select * from db order by id");
@@ -349,8 +349,8 @@ TEST_F(Database, LargeResultsStreamRowByRow) {
     if (rows % 1000 == 0) peak = std::max(peak, static_cast<size_t>(mallinfo2().uordblks));
     rs->MoveNext();
   }
-  EXPECT_EQ(rows, 100000);
-  EXPECT_EQ(idSum, 100000LL * 100001 / 2);
+  EXPECT_EQ(rows, 20000);
+  EXPECT_EQ(idSum, 20000LL * 20001 / 2);
   // The table's content alone is over 20 MB; a streaming set stays far below that.
   if (before > 0) {
     EXPECT_LT(peak - std::min(peak, before), 4u << 20);
@@ -358,9 +358,9 @@ TEST_F(Database, LargeResultsStreamRowByRow) {
 
   // Paging moves over rows without reading them, and counts on demand.
   auto page = Query(conn, u"select id,title from db order by id desc");
-  page->Move(50000);
-  EXPECT_EQ(CLng(page->Field(u"id")), 50000);
-  EXPECT_EQ(page->RecordCount(), 100000);
+  page->Move(10000);
+  EXPECT_EQ(CLng(page->Field(u"id")), 10000);
+  EXPECT_EQ(page->RecordCount(), 20000);
 }
 
 TEST_F(Database, ReadsAndWritesInterleaveOnOneConnection) {
@@ -466,8 +466,10 @@ TEST_F(Database, WhereASetStandsIsOneStateThatCloseEnds) {
 
 TEST_F(Database, BoundTextIsDataWhateverItHolds) {
   Sql(file(), "insert into admin(username,password) values('root','digest')");
-  for (int i = 0; i < 100; ++i) Sql(file(), "insert into keyword(keyword,hot) values('k',1)");
-  Sql(file(), "insert into keyword(keyword,hot) values('it''s',1)");
+  Sql(file(),
+      "with recursive n(i) as (select 1 union all select i + 1 from n where i < 100) "
+      "insert into keyword(keyword,hot) select 'k', 1 from n;"
+      "insert into keyword(keyword,hot) values('it''s',1)");
   auto conn = Connect();
   const std::u16string where = u"from keyword where keyword like '%' || ? || '%'";
   const Variant injection(u"%' union select id,username,password from admin --");

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "platform/clock.h"
+
 #include "platform/ado/recordset.h"
 #include "platform/ado/statement_text.h"
 
@@ -38,10 +40,13 @@ TEST(StatementAdapter, DateLiteralsBecomeIsoText) {
             u"update admin set login_time='2024-05-03 09:05:07' where id=1");
   EXPECT_EQ(AdaptStatement(u"select * from db where time>#2024/12/1# and title='#x#'"),
             u"select * from db where time>'2024-12-01 00:00:00' and title='#x#'");
+  // Now() and Date() read the process's clock.
+  TestClock clock(MakeDate(2026, 11, 22, 6, 5, 9));
+  ScopedClock installed(clock);
   EXPECT_EQ(AdaptStatement(u"update db set time=Now ( ) where id=1"),
-            u"update db set time=datetime('now','localtime') where id=1");
+            u"update db set time='2026-11-22 06:05:09' where id=1");
   EXPECT_EQ(AdaptStatement(u"select * from db where time>=date()"),
-            u"select * from db where time>=date('now','localtime')");
+            u"select * from db where time>='2026-11-22'");
   EXPECT_EQ(AdaptStatement(u"select date(time) from db"), u"select date(time) from db");
 }
 

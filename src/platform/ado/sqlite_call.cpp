@@ -102,7 +102,6 @@ long RunWrite(sqlite3* db, sqlite3_stmt* stmt) {
 
 void BindVariant(sqlite3_stmt* stmt, int index, const Variant& value, bool asDate) {
   int rc = SQLITE_OK;
-  double date = 0;
   switch (value.type()) {
     case VarType::Empty:
     case VarType::Null:
@@ -130,8 +129,8 @@ void BindVariant(sqlite3_stmt* stmt, int index, const Variant& value, bool asDat
       BindText(stmt, index, IsoDate(CDate(value)));
       break;
     case VarType::String:
-      if (asDate && ParseDate(value.str(), date)) {
-        BindText(stmt, index, IsoDate(date));
+      if (const std::optional<double> date = asDate ? ParseDate(value.str()) : std::nullopt) {
+        BindText(stmt, index, IsoDate(*date));
       } else {
         BindText(stmt, index, value.str());
       }
@@ -172,8 +171,9 @@ Variant ColumnVariant(sqlite3_stmt* stmt, int index, bool isDate) {
       const auto* p = static_cast<const char16_t*>(sqlite3_column_text16(stmt, index));
       const size_t n = static_cast<size_t>(sqlite3_column_bytes16(stmt, index)) / sizeof(char16_t);
       std::u16string text = p ? std::u16string(p, n) : std::u16string();
-      double date = 0;
-      if (isDate && ParseDate(text, date)) return Variant::Date(date);
+      if (isDate) {
+        if (auto date = ParseDate(text)) return Variant::Date(*date);
+      }
       return Variant(std::move(text));
     }
     case SQLITE_BLOB: {

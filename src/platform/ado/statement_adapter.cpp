@@ -5,6 +5,7 @@
 #include "core/variant.h"
 #include "platform/ado/recordset.h"
 #include "platform/ado/statement_text.h"
+#include "platform/clock.h"
 
 namespace ostrakan::ado {
 namespace {
@@ -47,7 +48,9 @@ size_t DateLiteralEnd(std::u16string_view s, size_t i, double& date) {
   if (inner.find_first_of(u"'\"\r\n") != std::u16string_view::npos) {
     return std::u16string_view::npos;
   }
-  if (!ParseDate(inner, date)) return std::u16string_view::npos;
+  const std::optional<double> parsed = ParseDate(inner);
+  if (!parsed) return std::u16string_view::npos;
+  date = *parsed;
   return close + 1;
 }
 
@@ -81,10 +84,9 @@ std::u16string RewriteTokens(std::u16string_view sql) {
       if (!dotted && (IEquals(word, u"now") || IEquals(word, u"date"))) {
         const size_t end = EmptyCallEnd(sql, after);
         if (end != std::u16string_view::npos) {
-          // SQLite's clock functions read UTC unless asked for local time; Access's read the
-          // local clock.
-          out +=
-              IEquals(word, u"now") ? u"datetime('now','localtime')" : u"date('now','localtime')";
+          // Access's clock functions read the local clock: the process's clock, as a literal.
+          const std::u16string now = IsoDate(CurrentClock().Now());
+          out += u'\'' + (IEquals(word, u"now") ? now : now.substr(0, 10)) + u'\'';
           i = end;
           continue;
         }

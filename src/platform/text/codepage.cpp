@@ -4,10 +4,12 @@
 #include <unicode/ucnv_cb.h>
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <unordered_map>
 
 #include "core/script_error.h"
+#include "core/variant.h"
 
 namespace ostrakan::text {
 namespace {
@@ -275,50 +277,47 @@ UConverter* Converter(const char* name, unsigned flags) {
   return slot.get();
 }
 
-std::u16string ToUnicode(std::string_view bytes, const char* name, unsigned flags) {
-  if (bytes.empty()) return {};
-  UConverter* cnv = Converter(name, flags);
-  std::u16string out(bytes.size() + 8, u'\0');
-  const char* src = bytes.data();
-  const char* srcEnd = src + bytes.size();
+// Runs an ICU conversion from [src, srcEnd) into `out`, doubling `out` while ICU reports that
+// it is too small.
+template <class Out, class Src, class Step>
+Out ConvertAll(Out out, const Src* src, const Src* srcEnd, Step step) {
   size_t written = 0;
   for (;;) {
-    UChar* target = out.data() + written;
+    auto* target = out.data() + written;
     UErrorCode err = U_ZERO_ERROR;
-    ucnv_toUnicode(cnv, &target, out.data() + out.size(), &src, srcEnd, nullptr, true, &err);
+    step(&target, out.data() + out.size(), &src, srcEnd, &err);
     written = static_cast<size_t>(target - out.data());
     if (err == U_BUFFER_OVERFLOW_ERROR) {
       out.resize(out.size() * 2);
       continue;
     }
     if (U_FAILURE(err)) throw InvalidCall();
-    break;
+    out.resize(written);
+    return out;
   }
-  out.resize(written);
-  return out;
+}
+
+std::u16string ToUnicode(std::string_view bytes, const char* name, unsigned flags) {
+  if (bytes.empty()) return {};
+  if (std::strcmp(name, kUtf8.decoder) == 0) return FromUtf8(bytes);  // written once, in core
+  UConverter* cnv = Converter(name, flags);
+  return ConvertAll(
+      std::u16string(bytes.size() + 8, u'\0'), bytes.data(), bytes.data() + bytes.size(),
+      [cnv](UChar** target, UChar* end, const char** src, const char* srcEnd, UErrorCode* err) {
+        ucnv_toUnicode(cnv, target, end, src, srcEnd, nullptr, true, err);
+      });
 }
 
 std::string FromUnicode(std::u16string_view text, const char* name, unsigned flags) {
   if (text.empty()) return {};
+  if (std::strcmp(name, kUtf8.encoder) == 0) return ToUtf8(text);
   UConverter* cnv = Converter(name, flags);
-  std::string out(text.size() * ucnv_getMaxCharSize(cnv) + 8, '\0');
-  const UChar* src = text.data();
-  const UChar* srcEnd = src + text.size();
-  size_t written = 0;
-  for (;;) {
-    char* target = out.data() + written;
-    UErrorCode err = U_ZERO_ERROR;
-    ucnv_fromUnicode(cnv, &target, out.data() + out.size(), &src, srcEnd, nullptr, true, &err);
-    written = static_cast<size_t>(target - out.data());
-    if (err == U_BUFFER_OVERFLOW_ERROR) {
-      out.resize(out.size() * 2);
-      continue;
-    }
-    if (U_FAILURE(err)) throw InvalidCall();
-    break;
-  }
-  out.resize(written);
-  return out;
+  return ConvertAll(
+      std::string(text.size() * ucnv_getMaxCharSize(cnv) + 8, '\0'), text.data(),
+      text.data() + text.size(),
+      [cnv](char** target, char* end, const UChar** src, const UChar* srcEnd, UErrorCode* err) {
+        ucnv_fromUnicode(cnv, target, end, src, srcEnd, nullptr, true, err);
+      });
 }
 
 }  // namespace
