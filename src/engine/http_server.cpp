@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -53,14 +54,16 @@ BodyRead ReadBody(mg_connection* conn, size_t limit, std::string& body) {
   const mg_request_info* info = mg_get_request_info(conn);
   if (info->content_length > 0 && static_cast<unsigned long long>(info->content_length) > limit)
     return BodyRead::TooLong;
+  if (info->content_length == 0) return BodyRead::Whole;
   // Buffers live on the heap: the server's threads have small stacks.
-  std::vector<char> buf(16384);
+  constexpr size_t kBuffer = 16384;
+  auto buf = std::make_unique_for_overwrite<char[]>(kBuffer);
   while (true) {
-    int n = mg_read(conn, buf.data(), buf.size());
+    int n = mg_read(conn, buf.get(), kBuffer);
     if (n == 0) return BodyRead::Whole;
     if (n < 0) return BodyRead::Malformed;
     if (body.size() + static_cast<size_t>(n) > limit) return BodyRead::TooLong;
-    body.append(buf.data(), static_cast<size_t>(n));
+    body.append(buf.get(), static_cast<size_t>(n));
   }
 }
 
@@ -144,11 +147,12 @@ void Send(mg_connection* conn, const HttpResponse& r, bool head) {
     if (length > 0) mg_write(conn, r.body.data(), length);
     return;
   }
-  std::vector<char> buf(65536);
+  const size_t size = std::min<size_t>(length, 65536);
+  auto buf = std::make_unique_for_overwrite<char[]>(size);
   for (size_t left = length; left > 0 && file;) {
-    file.read(buf.data(), static_cast<std::streamsize>(std::min(left, buf.size())));
+    file.read(buf.get(), static_cast<std::streamsize>(std::min(left, size)));
     size_t n = static_cast<size_t>(file.gcount());
-    if (n == 0 || mg_write(conn, buf.data(), n) <= 0) {
+    if (n == 0 || mg_write(conn, buf.get(), n) <= 0) {
       mg_disable_keep_alive(conn);  // the answer is cut short; the client must see the end
       break;
     }
@@ -167,7 +171,7 @@ HttpServer::HttpServer(ServerOptions options) : options_(std::move(options)) {
   const ObjectFactory& factory = options_.factory ? *options_.factory : ObjectFactory::Default();
   engine_ = std::make_unique<PageEngine>(options_.siteRoot, options_.createComponent, factory,
                                          options_.sessionCapacity);
-  pages_ = std::make_unique<WorkerPool>(options_.threads, kPageStackBytes);
+  pages_ = std::make_unique<PageStacks>(options_.threads, kPageStackBytes);
 
   std::string threads = std::to_string(options_.connectionThreads);
   std::string timeout = std::to_string(options_.requestTimeoutMs);
@@ -204,6 +208,44 @@ int HttpServer::HandleRequest(mg_connection* conn, void* self) {
   return static_cast<HttpServer*>(self)->Handle(conn);
 }
 
+// Guards a piece of the engine: what escapes it is a 500, reported on standard error.
+template <class F>
+HttpResponse Guarded(const HttpRequest& request, F&& work) {
+  try {
+    return work();
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "ostrakan: %s: %s\n", request.path.c_str(), e.what());
+  } catch (...) {
+  }
+  return HttpResponse::Plain(500, "500 Internal Server Error");
+}
+
+HttpResponse HttpServer::Answer(const HttpRequest& request) {
+  // Files, redirects and refusals are answered on this thread; only pages need the pool.
+  ResolvedPath page;
+  bool isPage = false;
+  HttpResponse answer = Guarded(request, [&] {
+    std::optional<HttpResponse> quick = engine_->AnswerWithoutPage(request, page);
+    isPage = !quick;
+    return quick ? std::move(*quick) : HttpResponse{};
+  });
+  if (!isPage) return answer;
+
+  SignInThrottle::Ticket ticket = engine_->AdmitSignIn(request);
+  if (ticket.refused()) {
+    HttpResponse r = HttpResponse::Plain(429,
+                                         "429 Too Many Requests\nToo many sign-in attempts "
+                                         "from this address; try again in a minute.");
+    r.headers.emplace_back("Retry-After", "30");
+    return r;
+  }
+  // The pause is served here, on the connection's own thread, before the page checks anything.
+  if (ticket.pause().count() > 0) std::this_thread::sleep_for(ticket.pause());
+  pages_->Run(
+      [&] { answer = Guarded(request, [&] { return engine_->ServePage(request, page); }); });
+  return answer;
+}
+
 int HttpServer::Handle(mg_connection* conn) {
   HttpRequest request = ReadHead(conn, options_.behindProxy);
   bool head = request.method == "HEAD";
@@ -221,24 +263,8 @@ int HttpServer::Handle(mg_connection* conn) {
                                          "413 Request Entity Too Large\nThe request body is "
                                          "larger than " +
                                              std::to_string(options_.maxBodyBytes) + " bytes.");
-  } else if (SignInThrottle::Ticket ticket = engine_->AdmitSignIn(request); ticket.refused()) {
-    response = HttpResponse::Plain(429,
-                                   "429 Too Many Requests\nToo many sign-in attempts from "
-                                   "this address; try again in a minute.");
-    response.headers.emplace_back("Retry-After", "30");
   } else {
-    // The pause is served here, on the connection's own thread, before the page checks anything.
-    if (ticket.pause().count() > 0) std::this_thread::sleep_for(ticket.pause());
-    pages_->Run([&] {
-      try {
-        response = engine_->Handle(request);
-      } catch (const std::exception& e) {
-        std::fprintf(stderr, "ostrakan: %s: %s\n", request.path.c_str(), e.what());
-        response = HttpResponse::Plain(500, "500 Internal Server Error");
-      } catch (...) {
-        response = HttpResponse::Plain(500, "500 Internal Server Error");
-      }
-    });
+    response = Answer(request);
   }
   Send(conn, response, head);
   return response.status;
