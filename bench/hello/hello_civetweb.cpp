@@ -28,9 +28,17 @@ int main(int argc, char** argv) {
   sigaddset(&stop, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &stop, nullptr);
   mg_init_library(0);
-  const char* options[] = {"listening_ports", port.c_str(), "num_threads", "128",
-                           "enable_keep_alive", "yes", "keep_alive_timeout_ms", "5000",
-                           "tcp_nodelay", "1", nullptr};
+  const char* options[] = {"listening_ports",
+                           port.c_str(),
+                           "num_threads",
+                           "128",
+                           "enable_keep_alive",
+                           "yes",
+                           "keep_alive_timeout_ms",
+                           "5000",
+                           "tcp_nodelay",
+                           "1",
+                           nullptr};
   mg_callbacks callbacks{};
   mg_context* ctx = mg_start(&callbacks, nullptr, options);
   if (!ctx) {
