@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <memory>
 #include <mutex>
@@ -13,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "frame/response.h"
 #include "platform/object_factory.h"
 
 namespace ostrakan::engine {
@@ -122,7 +124,21 @@ std::string OneLine(std::string value) {
   return value;
 }
 
-void Send(mg_connection* conn, const HttpResponse& r, bool head) {
+// Whether the connection stays open after this answer: not when the request asked to close
+// it, nor for HTTP/1.0 without keep-alive, nor when the server gave up on it (`closing`).
+bool KeepAlive(mg_connection* conn, bool closing) {
+  if (closing) return false;
+  const mg_request_info* info = mg_get_request_info(conn);
+  const char* connection = mg_get_header(conn, "Connection");
+  if (connection && strcasecmp(connection, "close") == 0) return false;
+  if (info->http_version && std::strcmp(info->http_version, "1.0") == 0)
+    return connection && strcasecmp(connection, "keep-alive") == 0;
+  return true;
+}
+
+// The status line and headers are sent with the start of the body in one write: on a
+// connection with TCP_NODELAY every write is a packet and a system call of its own.
+void Send(mg_connection* conn, const HttpResponse& r, bool head, bool closing) {
   std::ifstream file;
   size_t length = r.body.size();
   if (r.file) {
@@ -130,21 +146,27 @@ void Send(mg_connection* conn, const HttpResponse& r, bool head) {
     length = file ? static_cast<size_t>(file.tellg()) : 0;
     file.seekg(0);
   }
-  mg_response_header_start(conn, r.status);
+  const bool keepAlive = KeepAlive(conn, closing);
+  if (!keepAlive) mg_disable_keep_alive(conn);
+  std::string out;
+  out.reserve(256 + (r.file ? 0 : length));
+  out += "HTTP/1.1 " + std::to_string(r.status) + " " + mg_get_response_code_text(conn, r.status);
+  out += "\r\n";
   for (const auto& [name, value] : r.headers) {
     if (!IsHeaderName(name) || IsFramingHeader(name)) continue;
-    std::string safe = OneLine(value);
-    mg_response_header_add(conn, name.c_str(), safe.c_str(), static_cast<int>(safe.size()));
+    out += name + ": " + OneLine(value) + "\r\n";
   }
   bool bodyless = r.status == 304 || r.status == 204 || (r.status >= 100 && r.status < 200);
-  if (!bodyless) {
-    std::string text = std::to_string(length);
-    mg_response_header_add(conn, "Content-Length", text.c_str(), -1);
+  if (!bodyless) out += "Content-Length: " + std::to_string(length) + "\r\n";
+  out += "Date: " + HttpDate(std::time(nullptr)) + "\r\n";
+  out += keepAlive ? "Connection: keep-alive\r\n\r\n" : "Connection: close\r\n\r\n";
+  if (head || bodyless) {
+    mg_write(conn, out.data(), out.size());
+    return;
   }
-  mg_response_header_send(conn);
-  if (head || bodyless) return;
   if (!r.file) {
-    if (length > 0) mg_write(conn, r.body.data(), length);
+    out += r.body;
+    mg_write(conn, out.data(), out.size());
     return;
   }
   const size_t size = std::min<size_t>(length, 65536);
@@ -152,12 +174,15 @@ void Send(mg_connection* conn, const HttpResponse& r, bool head) {
   for (size_t left = length; left > 0 && file;) {
     file.read(buf.get(), static_cast<std::streamsize>(std::min(left, size)));
     size_t n = static_cast<size_t>(file.gcount());
-    if (n == 0 || mg_write(conn, buf.get(), n) <= 0) {
-      mg_disable_keep_alive(conn);  // the answer is cut short; the client must see the end
-      break;
-    }
+    if (n == 0) break;
+    out.append(buf.get(), n);
+    if (mg_write(conn, out.data(), out.size()) <= 0) break;
+    out.clear();
     left -= n;
+    if (left == 0) return;
   }
+  if (!out.empty()) mg_write(conn, out.data(), out.size());
+  mg_disable_keep_alive(conn);  // the answer is cut short; the client must see the end
 }
 
 }  // namespace
@@ -250,13 +275,14 @@ int HttpServer::Handle(mg_connection* conn) {
   HttpRequest request = ReadHead(conn, options_.behindProxy);
   bool head = request.method == "HEAD";
   HttpResponse response;
+  bool closing = false;
   BodyRead body = BodyRead::Whole;
   if (std::string why = AmbiguousHead(request); !why.empty()) {
-    mg_disable_keep_alive(conn);  // where this request ends is unknown
+    closing = true;  // where this request ends is unknown
     response = BadRequest(why);
   } else if (body = ReadBody(conn, options_.maxBodyBytes, request.body); body != BodyRead::Whole) {
     // The rest of the body is not read, so the connection cannot carry another request.
-    mg_disable_keep_alive(conn);
+    closing = true;
     response = body == BodyRead::Malformed
                    ? BadRequest("a body whose chunks are malformed")
                    : HttpResponse::Plain(413,
@@ -266,7 +292,7 @@ int HttpServer::Handle(mg_connection* conn) {
   } else {
     response = Answer(request);
   }
-  Send(conn, response, head);
+  Send(conn, response, head, closing);
   return response.status;
 }
 
