@@ -2,14 +2,16 @@
 // until the file's modification time or size changes.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <unordered_map>
 
 namespace ostrakan::engine {
 
@@ -33,16 +35,15 @@ class FileCache {
 
   // The T for the file as it is now, or nullptr when the file cannot be read.
   std::shared_ptr<const T> Get(const std::filesystem::path& path) {
-    std::error_code ec;
-    auto mtime = std::filesystem::last_write_time(path, ec);
-    if (ec) return nullptr;
-    auto size = std::filesystem::file_size(path, ec);
-    if (ec) return nullptr;
+    // One stat for both time and size; the key is the plain string (comparing paths splits
+    // them into components, which costs more than the rest of the lookup).
+    struct stat st;
+    if (::stat(path.c_str(), &st) != 0) return nullptr;
+    const Stamp stamp{st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size};
     {
       std::lock_guard lock(mutex_);
-      auto it = entries_.find(path);
-      if (it != entries_.end() && it->second.mtime == mtime && it->second.size == size)
-        return it->second.value;
+      auto it = entries_.find(path.native());
+      if (it != entries_.end() && it->second.stamp == stamp) return it->second.value;
     }
     // Loaded outside the lock; a file changed while it is read gets a newer time and is
     // loaded again on the next request.
@@ -50,19 +51,24 @@ class FileCache {
     if (!ReadWholeFile(path, bytes)) return nullptr;
     auto value = std::make_shared<const T>(loader_(bytes));
     std::lock_guard lock(mutex_);
-    entries_[path] = Entry{mtime, size, value};
+    entries_[path.native()] = Entry{stamp, value};
     return value;
   }
 
  private:
+  struct Stamp {
+    time_t seconds;
+    long nanoseconds;
+    off_t size;
+    bool operator==(const Stamp&) const = default;
+  };
   struct Entry {
-    std::filesystem::file_time_type mtime;
-    std::uintmax_t size;
+    Stamp stamp;
     std::shared_ptr<const T> value;
   };
   Loader loader_;
   std::mutex mutex_;
-  std::map<std::filesystem::path, Entry> entries_;
+  std::unordered_map<std::string, Entry> entries_;
 };
 
 }  // namespace ostrakan::engine

@@ -6,12 +6,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
+#include "frame/response.h"
 #include "platform/object_factory.h"
 
 namespace ostrakan::engine {
@@ -53,14 +56,16 @@ BodyRead ReadBody(mg_connection* conn, size_t limit, std::string& body) {
   const mg_request_info* info = mg_get_request_info(conn);
   if (info->content_length > 0 && static_cast<unsigned long long>(info->content_length) > limit)
     return BodyRead::TooLong;
+  if (info->content_length == 0) return BodyRead::Whole;
   // Buffers live on the heap: the server's threads have small stacks.
-  std::vector<char> buf(16384);
+  constexpr size_t kBuffer = 16384;
+  auto buf = std::make_unique_for_overwrite<char[]>(kBuffer);
   while (true) {
-    int n = mg_read(conn, buf.data(), buf.size());
+    int n = mg_read(conn, buf.get(), kBuffer);
     if (n == 0) return BodyRead::Whole;
     if (n < 0) return BodyRead::Malformed;
     if (body.size() + static_cast<size_t>(n) > limit) return BodyRead::TooLong;
-    body.append(buf.data(), static_cast<size_t>(n));
+    body.append(buf.get(), static_cast<size_t>(n));
   }
 }
 
@@ -119,7 +124,21 @@ std::string OneLine(std::string value) {
   return value;
 }
 
-void Send(mg_connection* conn, const HttpResponse& r, bool head) {
+// Whether the connection stays open after this answer: not when the request asked to close
+// it, nor for HTTP/1.0 without keep-alive, nor when the server gave up on it (`closing`).
+bool KeepAlive(mg_connection* conn, bool closing) {
+  if (closing) return false;
+  const mg_request_info* info = mg_get_request_info(conn);
+  const char* connection = mg_get_header(conn, "Connection");
+  if (connection && strcasecmp(connection, "close") == 0) return false;
+  if (info->http_version && std::strcmp(info->http_version, "1.0") == 0)
+    return connection && strcasecmp(connection, "keep-alive") == 0;
+  return true;
+}
+
+// The status line and headers are sent with the start of the body in one write: on a
+// connection with TCP_NODELAY every write is a packet and a system call of its own.
+void Send(mg_connection* conn, const HttpResponse& r, bool head, bool closing) {
   std::ifstream file;
   size_t length = r.body.size();
   if (r.file) {
@@ -127,33 +146,43 @@ void Send(mg_connection* conn, const HttpResponse& r, bool head) {
     length = file ? static_cast<size_t>(file.tellg()) : 0;
     file.seekg(0);
   }
-  mg_response_header_start(conn, r.status);
+  const bool keepAlive = KeepAlive(conn, closing);
+  if (!keepAlive) mg_disable_keep_alive(conn);
+  std::string out;
+  out.reserve(256 + (r.file ? 0 : length));
+  out += "HTTP/1.1 " + std::to_string(r.status) + " " + mg_get_response_code_text(conn, r.status);
+  out += "\r\n";
   for (const auto& [name, value] : r.headers) {
     if (!IsHeaderName(name) || IsFramingHeader(name)) continue;
-    std::string safe = OneLine(value);
-    mg_response_header_add(conn, name.c_str(), safe.c_str(), static_cast<int>(safe.size()));
+    out += name + ": " + OneLine(value) + "\r\n";
   }
   bool bodyless = r.status == 304 || r.status == 204 || (r.status >= 100 && r.status < 200);
-  if (!bodyless) {
-    std::string text = std::to_string(length);
-    mg_response_header_add(conn, "Content-Length", text.c_str(), -1);
-  }
-  mg_response_header_send(conn);
-  if (head || bodyless) return;
-  if (!r.file) {
-    if (length > 0) mg_write(conn, r.body.data(), length);
+  if (!bodyless) out += "Content-Length: " + std::to_string(length) + "\r\n";
+  out += "Date: " + HttpDate(std::time(nullptr)) + "\r\n";
+  out += keepAlive ? "Connection: keep-alive\r\n\r\n" : "Connection: close\r\n\r\n";
+  if (head || bodyless) {
+    mg_write(conn, out.data(), out.size());
     return;
   }
-  std::vector<char> buf(65536);
-  for (size_t left = length; left > 0 && file;) {
-    file.read(buf.data(), static_cast<std::streamsize>(std::min(left, buf.size())));
-    size_t n = static_cast<size_t>(file.gcount());
-    if (n == 0 || mg_write(conn, buf.data(), n) <= 0) {
-      mg_disable_keep_alive(conn);  // the answer is cut short; the client must see the end
-      break;
-    }
-    left -= n;
+  if (!r.file) {
+    out += r.body;
+    mg_write(conn, out.data(), out.size());
+    return;
   }
+  const size_t size = std::min<size_t>(length, 65536);
+  auto buf = std::make_unique_for_overwrite<char[]>(size);
+  for (size_t left = length; left > 0 && file;) {
+    file.read(buf.get(), static_cast<std::streamsize>(std::min(left, size)));
+    size_t n = static_cast<size_t>(file.gcount());
+    if (n == 0) break;
+    out.append(buf.get(), n);
+    if (mg_write(conn, out.data(), out.size()) <= 0) break;
+    out.clear();
+    left -= n;
+    if (left == 0) return;
+  }
+  if (!out.empty()) mg_write(conn, out.data(), out.size());
+  mg_disable_keep_alive(conn);  // the answer is cut short; the client must see the end
 }
 
 }  // namespace
@@ -167,7 +196,7 @@ HttpServer::HttpServer(ServerOptions options) : options_(std::move(options)) {
   const ObjectFactory& factory = options_.factory ? *options_.factory : ObjectFactory::Default();
   engine_ = std::make_unique<PageEngine>(options_.siteRoot, options_.createComponent, factory,
                                          options_.sessionCapacity);
-  pages_ = std::make_unique<WorkerPool>(options_.threads, kPageStackBytes);
+  pages_ = std::make_unique<PageStacks>(options_.threads, kPageStackBytes);
 
   std::string threads = std::to_string(options_.connectionThreads);
   std::string timeout = std::to_string(options_.requestTimeoutMs);
@@ -204,43 +233,66 @@ int HttpServer::HandleRequest(mg_connection* conn, void* self) {
   return static_cast<HttpServer*>(self)->Handle(conn);
 }
 
+// Guards a piece of the engine: what escapes it is a 500, reported on standard error.
+template <class F>
+HttpResponse Guarded(const HttpRequest& request, F&& work) {
+  try {
+    return work();
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "ostrakan: %s: %s\n", request.path.c_str(), e.what());
+  } catch (...) {
+  }
+  return HttpResponse::Plain(500, "500 Internal Server Error");
+}
+
+HttpResponse HttpServer::Answer(const HttpRequest& request) {
+  // Files, redirects and refusals are answered on this thread; only pages need the pool.
+  ResolvedPath page;
+  bool isPage = false;
+  HttpResponse answer = Guarded(request, [&] {
+    std::optional<HttpResponse> quick = engine_->AnswerWithoutPage(request, page);
+    isPage = !quick;
+    return quick ? std::move(*quick) : HttpResponse{};
+  });
+  if (!isPage) return answer;
+
+  SignInThrottle::Ticket ticket = engine_->AdmitSignIn(request);
+  if (ticket.refused()) {
+    HttpResponse r = HttpResponse::Plain(429,
+                                         "429 Too Many Requests\nToo many sign-in attempts "
+                                         "from this address; try again in a minute.");
+    r.headers.emplace_back("Retry-After", "30");
+    return r;
+  }
+  // The pause is served here, on the connection's own thread, before the page checks anything.
+  if (ticket.pause().count() > 0) std::this_thread::sleep_for(ticket.pause());
+  pages_->Run(
+      [&] { answer = Guarded(request, [&] { return engine_->ServePage(request, page); }); });
+  return answer;
+}
+
 int HttpServer::Handle(mg_connection* conn) {
   HttpRequest request = ReadHead(conn, options_.behindProxy);
   bool head = request.method == "HEAD";
   HttpResponse response;
+  bool closing = false;
   BodyRead body = BodyRead::Whole;
   if (std::string why = AmbiguousHead(request); !why.empty()) {
-    mg_disable_keep_alive(conn);  // where this request ends is unknown
+    closing = true;  // where this request ends is unknown
     response = BadRequest(why);
   } else if (body = ReadBody(conn, options_.maxBodyBytes, request.body); body != BodyRead::Whole) {
     // The rest of the body is not read, so the connection cannot carry another request.
-    mg_disable_keep_alive(conn);
+    closing = true;
     response = body == BodyRead::Malformed
                    ? BadRequest("a body whose chunks are malformed")
                    : HttpResponse::Plain(413,
                                          "413 Request Entity Too Large\nThe request body is "
                                          "larger than " +
                                              std::to_string(options_.maxBodyBytes) + " bytes.");
-  } else if (SignInThrottle::Ticket ticket = engine_->AdmitSignIn(request); ticket.refused()) {
-    response = HttpResponse::Plain(429,
-                                   "429 Too Many Requests\nToo many sign-in attempts from "
-                                   "this address; try again in a minute.");
-    response.headers.emplace_back("Retry-After", "30");
   } else {
-    // The pause is served here, on the connection's own thread, before the page checks anything.
-    if (ticket.pause().count() > 0) std::this_thread::sleep_for(ticket.pause());
-    pages_->Run([&] {
-      try {
-        response = engine_->Handle(request);
-      } catch (const std::exception& e) {
-        std::fprintf(stderr, "ostrakan: %s: %s\n", request.path.c_str(), e.what());
-        response = HttpResponse::Plain(500, "500 Internal Server Error");
-      } catch (...) {
-        response = HttpResponse::Plain(500, "500 Internal Server Error");
-      }
-    });
+    response = Answer(request);
   }
-  Send(conn, response, head);
+  Send(conn, response, head, closing);
   return response.status;
 }
 

@@ -1,6 +1,7 @@
 // The HTTP server: civetweb with one catch-all handler that hands every request to a
-// PageEngine, run on a WorkerPool thread. Bodies beyond the limit are refused with 413 before
-// the engine sees them.
+// PageEngine. Pages run on a full-size stack (PageStacks), everything else directly on
+// civetweb's thread. Ambiguous requests get 400, bodies beyond the limit 413, before the engine
+// sees them.
 #pragma once
 
 #include <filesystem>
@@ -8,7 +9,7 @@
 #include <string>
 
 #include "engine/page_engine.h"
-#include "engine/worker_pool.h"
+#include "engine/page_stack.h"
 
 struct mg_context;
 struct mg_connection;
@@ -47,10 +48,11 @@ class HttpServer {
  private:
   static int HandleRequest(mg_connection* conn, void* self);
   int Handle(mg_connection* conn);
+  HttpResponse Answer(const HttpRequest& request);
 
   ServerOptions options_;
   std::unique_ptr<PageEngine> engine_;
-  std::unique_ptr<WorkerPool> pages_;  // pages run here, on full-size stacks
+  std::unique_ptr<PageStacks> pages_;  // pages run on these full-size stacks
   mg_context* context_ = nullptr;
   int port_ = 0;
 };

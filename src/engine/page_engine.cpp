@@ -77,7 +77,14 @@ PageEngine::PageEngine(const std::filesystem::path& siteRoot, ComponentCreator c
       }) {}
 
 HttpResponse PageEngine::Handle(const HttpRequest& request) {
-  ResolvedPath resolved = ResolveRequestPath(root_, request.path);
+  ResolvedPath page;
+  if (auto answer = AnswerWithoutPage(request, page)) return std::move(*answer);
+  return ServePage(request, page);
+}
+
+std::optional<HttpResponse> PageEngine::AnswerWithoutPage(const HttpRequest& request,
+                                                          ResolvedPath& resolved) {
+  resolved = ResolveRequestPath(root_, request.path);
   switch (resolved.kind) {
     case ResolvedPath::Kind::Forbidden:
       return HttpResponse::Plain(403, "403 Forbidden");
@@ -97,9 +104,13 @@ HttpResponse PageEngine::Handle(const HttpRequest& request) {
       if (!MethodIs(request, {"GET", "HEAD", "POST"})) return MethodNotAllowed("GET, HEAD, POST");
       if (IsActionPage(resolved.virtualPath, request.queryString) && NamesAnotherSite(request))
         return CrossSiteRefusal();
-      return RunPageFile(request, resolved.file, resolved.virtualPath);
+      return std::nullopt;
   }
   return HttpResponse::Plain(500, "500 Internal Server Error");
+}
+
+HttpResponse PageEngine::ServePage(const HttpRequest& request, const ResolvedPath& page) {
+  return RunPageFile(request, page.file, page.virtualPath);
 }
 
 SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {

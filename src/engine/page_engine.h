@@ -16,12 +16,14 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 #include "engine/assignment_file.h"
 #include "engine/file_cache.h"
 #include "engine/http_exchange.h"
 #include "engine/page_file.h"
 #include "engine/page_runner.h"
+#include "engine/path_safety.h"
 #include "engine/sessions.h"
 #include "engine/sign_in_throttle.h"
 #include "engine/site_setup.h"
@@ -40,6 +42,12 @@ class PageEngine {
              const ObjectFactory& factory, size_t sessionCapacity = SessionStore::kDefaultCapacity);
 
   HttpResponse Handle(const HttpRequest& request);
+
+  // The answer to everything but a page to run (static files, redirects, refusals), which
+  // needs no large stack; nullopt for a page, with `page` set for ServePage.
+  std::optional<HttpResponse> AnswerWithoutPage(const HttpRequest& request, ResolvedPath& page);
+  // Runs the page that AnswerWithoutPage left; needs a thread with a full-size stack.
+  HttpResponse ServePage(const HttpRequest& request, const ResolvedPath& page);
 
   // For a request to the sign-in page, the throttle's ticket for its address (an empty
   // ticket for any other request).

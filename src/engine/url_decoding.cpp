@@ -50,6 +50,13 @@ std::string PercentDecode(std::string_view s, bool plusIsBlank) {
 }
 
 std::u16string DecodeRequestText(std::string_view bytes, int codePage) {
+  // ASCII reads the same in the ANSI code page and in UTF-8: most header values and names
+  // need no converter at all.
+  if (codePage == text::kAnsiCodePage || codePage == text::kUtf8CodePage) {
+    bool ascii = true;
+    for (unsigned char c : bytes) ascii = ascii && c < 0x80;
+    if (ascii) return std::u16string(bytes.begin(), bytes.end());
+  }
   if (codePage == text::kAnsiCodePage) return text::DecodeCharset(bytes, u"gbk");
   return text::Decode(bytes, codePage);
 }

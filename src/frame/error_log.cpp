@@ -41,9 +41,10 @@ bool RecentlyWritten(Log& log, std::u16string_view text) REQUIRES(log.mutex) {
   std::u16string key(text);
   auto it = log.lastWritten.find(key);
   if (it != log.lastWritten.end() && now - it->second < log.policy.repeatEvery) return true;
-  if (log.lastWritten.size() >= kMaxRemembered)
-    std::erase_if(log.lastWritten,
-                  [&](const auto& kv) { return now - kv.second >= log.policy.repeatEvery; });
+  if (log.lastWritten.size() >= kMaxRemembered) {
+    const auto interval = log.policy.repeatEvery;
+    std::erase_if(log.lastWritten, [&](const auto& kv) { return now - kv.second >= interval; });
+  }
   if (log.lastWritten.size() >= kMaxRemembered) log.lastWritten.clear();
   log.lastWritten[key] = now;
   return false;
