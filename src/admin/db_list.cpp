@@ -14,7 +14,8 @@ void DbList::InitFunction4() {
     WriteList({u"select count(*) as db_count from db",
                u"select top 20 id,title,url,source,source_url,time from db order by id desc",
                u"select id,title,url,source,source_url,time from db order by id desc",
-               records::kRecordPageSize, {}},
+               records::kRecordPageSize,
+               {}},
               [&] { return u"db_list.asp?page=" + CStr(currentPage); });
   });
 }

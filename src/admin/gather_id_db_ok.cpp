@@ -52,8 +52,8 @@ void GatherIdDbOk::FirstBlock() {
   }
   out.Write(gathering::ProgressLines(step));
   gathering::IdExtractor extractor;
-  const gathering::IdStepResult result =
-      gathering::GatherIdPage(*gathering::IdPageSource(CurrentServer().factory()), extractor, Rule(), step.idStart);
+  const gathering::IdStepResult result = gathering::GatherIdPage(
+      *gathering::IdPageSource(CurrentServer().factory()), extractor, Rule(), step.idStart);
   G_Url = gathering::IdPageAddress(TextOf(Gather_Url), step.idStart);
   if (result.noData) {
     out.Write(u"<br>第 " + HtmlText(step.idStart) + u" 页找不到相关数据");

@@ -26,8 +26,9 @@ void GatherIdWebVerify::FirstBlock() {
   CurrentServer().ScriptTimeout = 999999;
   ID_Start = request.Item(u"ID_Start");
   ID_End = request.Item(u"ID_End");
-  gathering::WriteIdVerification(CurrentResponse(), *gathering::IdPageSource(CurrentServer().factory()), Rule(), ID_Start,
-                                 ID_End);
+  gathering::WriteIdVerification(CurrentResponse(),
+                                 *gathering::IdPageSource(CurrentServer().factory()), Rule(),
+                                 ID_Start, ID_End);
 }
 
 void GatherIdWebVerify::InitFunction2() {

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "access/md5.h"
-#include "frame/component.h"
 #include "core/variant_array.h"
+#include "frame/component.h"
 
 namespace ostrakan::admin {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/assignment_file.h"
 #include "core/variant.h"
+#include "engine/assignment_file.h"
 
 namespace ostrakan::engine {
 
