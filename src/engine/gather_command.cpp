@@ -178,7 +178,7 @@ int RunGather(const GatherOptions& o, std::ostream& out, std::ostream& err) {
 
     std::optional<gathering::JournalRun> run;
     if (o.resume) run = gathering::LastUnfinishedRun(conn, kind, o.ruleId);
-    if (!run && ids && !o.rangeGiven) {
+    if (!run && ids && o.resume && !o.rangeGiven) {
       err << "ostrakan gather: there is no unfinished run of ID rule " << o.ruleId
           << " to resume, so --ids FIRST-LAST is needed\n";
       return 1;
