@@ -1,6 +1,7 @@
 // Gathering: extraction of a large result page against one case-insensitive scan of it; a
 // headless run over the loopback fixture against fetching the same pages alone; the cost of
-// the duplicate test and store per entry, with a small and a large video table.
+// the same for an ID run (one record per page); the duplicate test and store per entry, with a
+// small and a large video table.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include "gathering/list_extraction.h"
 #include "gathering/record_store.h"
 #include "platform/text/bytes_to_bstr.h"
+#include "support/id_rule_fixture.h"
 #include "support/list_rule_fixture.h"
 #include "support/remote_site.h"
 
@@ -159,6 +161,53 @@ void BM_FetchOnly(benchmark::State& state) {
       static_cast<double>(kRunPages * state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_FetchOnly)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// The ID run: one page and one record per ID, so fetching weighs more than for a list run.
+constexpr int kRunIds = 500;
+
+struct IdFixture {
+  IdFixture() {
+    for (int id = 1; id <= kRunIds; ++id)
+      remote.Set("/id/" + std::to_string(id) + ".html", {200, testing::FixtureIdPage(id)});
+  }
+  testing::RemoteSite remote;
+};
+
+void BM_HeadlessIdRun(benchmark::State& state) {
+  IdFixture f;
+  testing::TempDir dir;
+  const fsys::path site = dir.path() / "site";
+  std::ostringstream out, err;
+  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
+  const std::string rule =
+      testing::InsertFixtureIdRule(site / "data/ostrakan.db", f.remote.Url("/id/[id].html"));
+  engine::GatherOptions o;
+  o.site = site;
+  o.kind = "id";
+  o.ruleId = std::stoll(rule);
+  o.first = 1;
+  o.last = kRunIds;
+  o.delayMs = 0;
+  for (auto _ : state) {
+    std::ostringstream o1, e1;
+    if (engine::RunGather(o, o1, e1) != 0) state.SkipWithError("run failed");
+  }
+  state.counters["ids/s"] = benchmark::Counter(static_cast<double>(kRunIds * state.iterations()),
+                                               benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_HeadlessIdRun)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void BM_IdFetchOnly(benchmark::State& state) {
+  IdFixture f;
+  auto fetcher = http::MakeCurlFetcher();
+  for (auto _ : state) {
+    for (int id = 1; id <= kRunIds; ++id)
+      benchmark::DoNotOptimize(fetcher->Get(f.remote.Url("/id/" + std::to_string(id) + ".html")));
+  }
+  state.counters["ids/s"] = benchmark::Counter(static_cast<double>(kRunIds * state.iterations()),
+                                               benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_IdFetchOnly)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // A site whose video table holds `rows` records.
 struct StoreSite {

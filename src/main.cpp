@@ -66,6 +66,15 @@ Usage:
       unfinished run of the rule where it stopped (or starts a new one when there is none).
       Failed fetches are counted, not fatal; a missing site or rule exits with status 1.
 
+  ostrakan gather --site DIR id RULE_ID --ids FIRST-LAST [--delay-ms N] [--retries N]
+                  [--json] [--resume]
+      Gather with the ID-site rule RULE_ID: fetch its numbered pages FIRST to LAST (all of
+      them gathered), paced and retried as above, and store one record per page that has
+      data (a page holding the rule's error marker is counted as without data). When the
+      run completes, the rule's range becomes "FIRST - LAST". With --json the last line is
+      {"ids", "inserted", "updated", "no_data", "failed"}. --resume continues the last
+      unfinished ID run of the rule (--ids may then be left out).
+
   ostrakan --help
       This text.
 )";

@@ -9,6 +9,7 @@
 #include "engine/site_setup.h"
 #include "frame/error_log.h"
 #include "gathering/headless_run.h"
+#include "gathering/id_rule_store.h"
 #include "gathering/list_extraction.h"
 
 namespace ostrakan::engine {
@@ -46,8 +47,8 @@ std::string Duration(double seconds) {
 }
 
 // Progress on a terminal: one line redrawn in place.
-void DrawBar(std::ostream& out, const gathering::JournalRun& run, long doneThisTime,
-             double elapsed) {
+void DrawBar(std::ostream& out, const gathering::JournalRun& run, const char* units,
+             long doneThisTime, double elapsed) {
   const long total = run.last - run.first + 1;
   const long done = run.next - run.first;
   const int width = 24;
@@ -55,8 +56,9 @@ void DrawBar(std::ostream& out, const gathering::JournalRun& run, long doneThisT
   const long left = run.last - run.next + 1;
   std::string eta = doneThisTime > 0 ? Duration(elapsed / doneThisTime * left) : "?";
   out << "\r[" << std::string(filled, '#') << std::string(width - filled, '-') << "] " << done
-      << "/" << total << " pages, " << run.counts.inserted << " inserted, " << run.counts.updated
-      << " updated, " << run.counts.failed << " failed, " << eta << " left  " << std::flush;
+      << "/" << total << " " << units << ", " << run.counts.inserted << " inserted, "
+      << run.counts.updated << " updated, " << run.counts.failed << " failed, " << eta << " left  "
+      << std::flush;
 }
 
 }  // namespace
@@ -65,7 +67,7 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
                                              std::string& problem) {
   GatherOptions o;
   std::vector<std::string> positional;
-  bool haveSite = false;
+  bool haveSite = false, havePages = false, haveIds = false;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
     auto value = [&]() -> const std::string* {
@@ -89,13 +91,15 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
       auto v = value();
       if (!v) return std::nullopt;
       o.keyword = *v;
-    } else if (a == "--pages") {
+    } else if (a == "--pages" || a == "--ids") {
       auto v = value();
       if (!v) return std::nullopt;
       if (!ReadRange(*v, o.first, o.last)) {
-        problem = "--pages takes FIRST-LAST, two page numbers with FIRST not above LAST";
+        problem = a + " takes FIRST-LAST, two whole numbers with FIRST not above LAST";
         return std::nullopt;
       }
+      (a == "--pages" ? havePages : haveIds) = true;
+      o.rangeGiven = true;
     } else if (a == "--delay-ms" || a == "--retries") {
       auto v = value();
       if (!v) return std::nullopt;
@@ -120,8 +124,20 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
     return std::nullopt;
   }
   o.kind = positional[0];
-  if (o.kind != "list") {
-    problem = "gather knows the rule kind \"list\", not \"" + o.kind + "\"";
+  if (o.kind != "list" && o.kind != "id") {
+    problem = "gather knows the rule kinds \"list\" and \"id\", not \"" + o.kind + "\"";
+    return std::nullopt;
+  }
+  if (o.kind == "list" && haveIds) {
+    problem = "a list rule walks --pages, not --ids";
+    return std::nullopt;
+  }
+  if (o.kind == "id" && (havePages || o.keyword)) {
+    problem = "an ID rule takes --ids FIRST-LAST, not --pages or --keyword";
+    return std::nullopt;
+  }
+  if (o.kind == "id" && !haveIds && !o.resume) {
+    problem = "an ID rule needs --ids FIRST-LAST";
     return std::nullopt;
   }
   if (!ReadNumber(positional[1], 1, o.ruleId)) {
@@ -145,26 +161,44 @@ int RunGather(const GatherOptions& o, std::ostream& out, std::ostream& err) {
     // Each page is one commit; in WAL mode NORMAL keeps every commit through a crash of this
     // process (what --resume relies on) without a flush to disk per page.
     conn.Execute(u"pragma synchronous = NORMAL");
-    std::optional<gathering::ListRule> rule = gathering::LoadListRule(conn, o.ruleId);
-    if (!rule) {
-      err << "ostrakan gather: there is no list rule number " << o.ruleId << " in this site\n";
+    const bool ids = o.kind == "id";
+    const std::u16string kind = FromUtf8(o.kind);
+    const char* unit = ids ? "ID" : "page";
+    std::optional<gathering::ListRule> listRule;
+    std::optional<gathering::IdRule> idRule;
+    if (ids)
+      idRule = gathering::LoadIdRule(conn, o.ruleId);
+    else
+      listRule = gathering::LoadListRule(conn, o.ruleId);
+    if (!listRule && !idRule) {
+      err << "ostrakan gather: there is no " << (ids ? "ID" : "list") << " rule number " << o.ruleId
+          << " in this site\n";
       return 1;
     }
 
     std::optional<gathering::JournalRun> run;
-    if (o.resume) run = gathering::LastUnfinishedRun(conn, u"list", o.ruleId);
+    if (o.resume) run = gathering::LastUnfinishedRun(conn, kind, o.ruleId);
+    if (!run && ids && o.resume && !o.rangeGiven) {
+      err << "ostrakan gather: there is no unfinished run of ID rule " << o.ruleId
+          << " to resume, so --ids FIRST-LAST is needed\n";
+      return 1;
+    }
     if (run) {
-      out << "resuming run " << run->id << " of rule " << o.ruleId << " at page " << run->next
-          << " of " << run->first << "-" << run->last << "\n";
+      out << "resuming run " << run->id << " of rule " << o.ruleId << " at " << unit << " "
+          << run->next << " of " << run->first << "-" << run->last << "\n";
     } else {
-      std::u16string keyword =
-          o.keyword ? FromUtf8(*o.keyword) : std::u16string(gathering::kSampleKeyword);
-      run = gathering::StartRun(conn, u"list", o.ruleId, keyword, o.first, o.last);
+      std::u16string keyword;
+      if (!ids)
+        keyword = o.keyword ? FromUtf8(*o.keyword) : std::u16string(gathering::kSampleKeyword);
+      run = gathering::StartRun(conn, kind, o.ruleId, keyword, o.first, o.last);
     }
 
     std::shared_ptr<http::Fetcher> fetcher = o.fetcher ? o.fetcher : http::MakeCurlFetcher();
     gathering::PacedFetcher paced(*fetcher, {o.delayMs, o.retries, o.retryPauseMs});
-    gathering::GatherUnit pages = gathering::ListPages(*rule, run->keyword, paced);
+    gathering::GatherUnit units = ids ? gathering::IdPages(*idRule, paced)
+                                      : gathering::ListPages(*listRule, run->keyword, paced);
+    const gathering::SourceSite source = ids ? gathering::SourceSite{idRule->web, idRule->url}
+                                             : gathering::SourceSite{listRule->web, listRule->url};
 
     const auto started = Clock::now();
     const long resumedAt = run->next;
@@ -172,28 +206,39 @@ int RunGather(const GatherOptions& o, std::ostream& out, std::ostream& err) {
     report.progress = [&](const gathering::JournalRun& r) {
       if (o.terminal) {
         std::chrono::duration<double> elapsed = Clock::now() - started;
-        DrawBar(out, r, r.next - resumedAt, elapsed.count());
+        DrawBar(out, r, ids ? "IDs" : "pages", r.next - resumedAt, elapsed.count());
       } else {
         const auto& c = r.counts;
-        out << "page " << r.next - 1 << " done: " << c.entries << " entries, " << c.inserted
+        out << unit << " " << r.next - 1 << " done: " << c.entries << " entries, " << c.inserted
             << " inserted, " << c.updated << " updated, " << c.failed << " failed\n";
       }
     };
-    report.failure = [&](long page, const std::string& why) {
+    report.failure = [&](long n, const std::string& why) {
       if (o.terminal) out << "\n";
-      out << "page " << page << " failed: " << why << "\n";
+      out << unit << " " << n << " failed: " << why << "\n";
     };
-    gathering::WalkRun(conn, *run, {rule->web, rule->url}, pages, report);
+    gathering::WalkRun(conn, *run, source, units, report);
     if (o.terminal) out << "\n";
+    if (ids) gathering::WriteIdRange(conn, o.ruleId, run->first, run->last);
 
     const auto& c = run->counts;
-    out << "rule " << o.ruleId << ": " << c.pages << " pages, " << c.entries << " entries, "
-        << c.inserted << " inserted, " << c.updated << " updated, " << c.noResults
-        << " without results, " << c.failed << " failed\n";
-    if (o.json)
-      out << "{\"pages\":" << c.pages << ",\"entries\":" << c.entries
-          << ",\"inserted\":" << c.inserted << ",\"updated\":" << c.updated
-          << ",\"no_results\":" << c.noResults << ",\"failed\":" << c.failed << "}\n";
+    if (ids) {
+      out << "rule " << o.ruleId << ": " << c.pages << " IDs, " << c.inserted << " inserted, "
+          << c.updated << " updated, " << c.noResults << " without data, " << c.failed
+          << " failed\n";
+      if (o.json)
+        out << "{\"ids\":" << c.pages << ",\"inserted\":" << c.inserted
+            << ",\"updated\":" << c.updated << ",\"no_data\":" << c.noResults
+            << ",\"failed\":" << c.failed << "}\n";
+    } else {
+      out << "rule " << o.ruleId << ": " << c.pages << " pages, " << c.entries << " entries, "
+          << c.inserted << " inserted, " << c.updated << " updated, " << c.noResults
+          << " without results, " << c.failed << " failed\n";
+      if (o.json)
+        out << "{\"pages\":" << c.pages << ",\"entries\":" << c.entries
+            << ",\"inserted\":" << c.inserted << ",\"updated\":" << c.updated
+            << ",\"no_results\":" << c.noResults << ",\"failed\":" << c.failed << "}\n";
+    }
     out.flush();
     return 0;
   } catch (const ScriptError& e) {

@@ -16,15 +16,16 @@ namespace ostrakan::engine {
 
 struct GatherOptions {
   std::filesystem::path site;
-  std::string kind = "list";
+  std::string kind = "list";  // or "id"
   long long ruleId = 0;
   std::optional<std::string> keyword;  // UTF-8; the sample term when absent
-  long first = 1, last = 1;
+  long first = 1, last = 1;            // pages, or with "id" the IDs (--ids is then required)
   int delayMs = 1000;
   int retries = 2;
   int retryPauseMs = 1000;
   bool json = false;
   bool resume = false;
+  bool rangeGiven = false;                 // --pages or --ids was given
   bool terminal = false;                   // draw a progress bar instead of lines
   std::shared_ptr<http::Fetcher> fetcher;  // the libcurl fetcher when null
 };

@@ -5,6 +5,7 @@
 
 #include "core/script_error.h"
 #include "gathering/bound_sql.h"
+#include "gathering/id_extraction.h"
 #include "gathering/list_extraction.h"
 #include "platform/ado/write_transaction.h"
 #include "platform/text/bytes_to_bstr.h"
@@ -82,6 +83,32 @@ GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher&
         result.records.push_back({e.title, e.content, StoredLink(e.url), e.image});
       });
       if (outcome == ListExtractor::Outcome::NoResults) result.outcome = UnitOutcome::NoResults;
+    } catch (const ScriptError& e) {
+      result = {UnitOutcome::Failed, {}, "the rule cannot cut the page: " + ToUtf8(e.description)};
+    }
+    return result;
+  };
+}
+
+GatherUnit IdPages(const IdRule& rule, PacedFetcher& fetcher) {
+  auto extractor = std::make_shared<IdExtractor>();
+  return [extractor, rule, &fetcher](long id) {
+    UnitResult result;
+    const std::u16string address = IdPageAddress(rule.gather_url, FromUtf8(std::to_string(id)));
+    try {
+      std::optional<std::u16string> html = fetcher.Fetch(address, rule.charset);
+      if (!html) {
+        result.outcome = UnitOutcome::Failed;
+        result.why = "could not fetch " + ToUtf8(address);
+        return result;
+      }
+      IdEntry entry = extractor->Extract(*html, rule);
+      if (entry.noData) {
+        result.outcome = UnitOutcome::NoResults;
+        return result;
+      }
+      result.records.push_back(
+          {std::move(entry.title), std::move(entry.description), StoredLink(address), u""});
     } catch (const ScriptError& e) {
       result = {UnitOutcome::Failed, {}, "the rule cannot cut the page: " + ToUtf8(e.description)};
     }

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "gathering/id_rule.h"
 #include "gathering/list_rule.h"
 #include "gathering/record_store.h"
 #include "gathering/run_journal.h"
@@ -64,5 +65,8 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
 
 // The list-site unit: page `unit` of the rule for the keyword, cut into records.
 GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher& fetcher);
+
+// The ID-site unit: page `unit` of the rule, one record unless it is a page without data.
+GatherUnit IdPages(const IdRule& rule, PacedFetcher& fetcher);
 
 }  // namespace ostrakan::gathering

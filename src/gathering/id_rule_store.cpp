@@ -1,7 +1,11 @@
 #include "gathering/id_rule_store.h"
 
+#include <string>
+
 #include "frame/escape.h"
+#include "frame/filtration.h"
 #include "frame/response.h"
+#include "gathering/bound_sql.h"
 
 namespace ostrakan::gathering {
 
@@ -43,6 +47,27 @@ IdRule ReadIdRule(const ado::Recordset& row) {
   auto fields = Fields(rule);
   for (size_t i = 0; i < fields.size(); ++i) *fields[i] = TextOf(row.Field(kIdRuleColumns[i]));
   return rule;
+}
+
+std::optional<IdRule> LoadIdRule(ado::Connection& conn, long long id) {
+  auto rs = conn.Execute(u"select * from gather_id_web where id=" + FromUtf8(std::to_string(id)));
+  if (rs->Eof()) {
+    rs->Close();
+    return std::nullopt;
+  }
+  IdRule rule = ReadIdRule(*rs);
+  rs->Close();
+  auto fields = Fields(rule);
+  for (size_t i = 4; i < fields.size(); ++i)  // the five markers
+    *fields[i] = Filter(FilterKind::QuoteUndoubling, std::move(*fields[i]));
+  return rule;
+}
+
+void WriteIdRange(ado::Connection& conn, long long id, long first, long last) {
+  const std::u16string range =
+      FromUtf8(std::to_string(first)) + u" - " + FromUtf8(std::to_string(last));
+  RunBound(conn, "update gather_id_web set \"range\" = ? where id = ?",
+           {Variant(range), Variant(static_cast<double>(id))});
 }
 
 IdRule PostedIdRule(const std::function<Variant(std::u16string_view)>& form,

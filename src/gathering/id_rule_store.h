@@ -6,9 +6,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "core/variant.h"
 #include "gathering/id_rule.h"
+#include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
 
 namespace ostrakan {
@@ -31,6 +33,13 @@ IdRule ReadIdRule(const ado::Recordset& row);
 IdRule PostedIdRule(const std::function<Variant(std::u16string_view)>& form,
                     const std::function<Variant(Variant&)>& filter, const Variant& contentStart,
                     const Variant& contentEnd);
+
+// The rule `id` with its markers as the administrator typed them (doubled quotes undone);
+// nullopt when there is no such rule.
+std::optional<IdRule> LoadIdRule(ado::Connection& conn, long long id);
+
+// Writes the rule's range as "FIRST - LAST" (the record of a completed run).
+void WriteIdRange(ado::Connection& conn, long long id, long first, long last);
 
 // Sets the nine fields of the set's new or current row and writes it; `range` is not touched.
 void StoreIdRule(ado::Recordset& rs, const IdRule& rule);
