@@ -20,11 +20,11 @@
   <dt>列表采集</dt>
   <dd><a href="gather_list_web_manage.asp" target="main">采集网站管理</a></dd>
   <dd><a href="gather_list_web_add.asp" target="main">添加采集网站</a></dd>
-  <dt>搜索关键词</dt>
-  <dd><a href="keyword_manage.asp" target="main">关键词管理</a></dd>
   <dt>编号采集</dt>
   <dd><a href="gather_id_web_manage.asp" target="main">编号采集网站</a></dd>
   <dd><a href="gather_id_web_add.asp" target="main">添加编号采集网站</a></dd>
+  <dt>搜索关键词</dt>
+  <dd><a href="keyword_manage.asp" target="main">关键词管理</a></dd>
   <dt>系统管理</dt>
   <dd><a href="desktop.asp" target="main">管理首页</a></dd>
   <dd><a href="admin.asp" target="main">帐号设置</a></dd>
