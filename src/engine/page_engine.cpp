@@ -196,9 +196,10 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
       if (!id.empty()) out.headers.emplace_back("Set-Cookie", SessionCookie(id));
     }
   } else if (!signedInBefore && signedIn) {
-    std::string moved = sessions_.Rotate(sessionId);
-    sessions_.SetSignedIn(moved, true);
-    if (!moved.empty()) out.headers.emplace_back("Set-Cookie", SessionCookie(moved));
+    if (std::optional<std::string> moved = sessions_.Rotate(sessionId)) {
+      sessions_.SetSignedIn(*moved, true);
+      out.headers.emplace_back("Set-Cookie", SessionCookie(*moved));
+    }
   } else if (signedInBefore != signedIn) {
     sessions_.SetSignedIn(sessionId, signedIn);
   }

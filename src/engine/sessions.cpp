@@ -98,12 +98,12 @@ void SessionStore::SetSignedIn(const std::string& id, bool signedIn) {
   if (auto it = sessions_.find(id); it != sessions_.end()) it->second.signedIn = signedIn;
 }
 
-std::string SessionStore::Rotate(const std::string& id) {
+std::optional<std::string> SessionStore::Rotate(const std::string& id) {
   std::string fresh = NewSessionId();
   auto now = clock_();
   MutexLock lock(mutex_);
   auto it = sessions_.find(id);
-  if (it == sessions_.end()) return "";
+  if (it == sessions_.end()) return std::nullopt;
   Entry entry = std::move(it->second);
   sessions_.erase(it);
   entry.lastUsed = now;

@@ -16,6 +16,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "frame/session.h"
@@ -45,8 +46,8 @@ class SessionStore {
   // Records whether the session is signed in (which protects it from eviction).
   void SetSignedIn(const std::string& id, bool signedIn) EXCLUDES(mutex_);
   // Moves the session under a new id (the old one stops working) and returns the new id;
-  // "" when the old id is not live.
-  std::string Rotate(const std::string& id) EXCLUDES(mutex_);
+  // nullopt when the old id is not live.
+  std::optional<std::string> Rotate(const std::string& id) EXCLUDES(mutex_);
   void Drop(const std::string& id) EXCLUDES(mutex_);
   size_t size() const EXCLUDES(mutex_);
 
