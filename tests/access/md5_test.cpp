@@ -87,17 +87,5 @@ TEST(Md5, CharacterOutsideTheCodePageCountsAsQuestionMark) {
   EXPECT_EQ(Md5(u"a\u0e01b"), Md5(u"a?b"));  // Thai ko kai has no GBK code
 }
 
-TEST(Md5, BitTables) {
-  const std::vector<int32_t> onBits = OnBitsTable(), twoPower = TwoPowerTable();
-  ASSERT_EQ(onBits.size(), 31u);
-  ASSERT_EQ(twoPower.size(), 31u);
-  EXPECT_EQ(onBits[0], 1);
-  EXPECT_EQ(onBits[7], 255);
-  EXPECT_EQ(onBits[30], 0x7fffffff);
-  EXPECT_EQ(twoPower[0], 1);
-  EXPECT_EQ(twoPower[8], 256);
-  EXPECT_EQ(twoPower[30], 0x40000000);
-}
-
 }  // namespace
 }  // namespace ostrakan

@@ -231,13 +231,6 @@ TEST_F(GatheringPages, ARunStoresEachPageAndEndsWithoutGatheringTheLastOne) {
                   "'|' || source_url from db where url = 'remote.test/v/1-2.html'"),
             "quoted 標題 1-2|quoted 標題 1-2|1|样站 gb|remote.test/");
 
-  // A known link is refreshed, keeping its click count.
-  Sql(database(), "update db set click = 9, title = 'old' where url = 'remote.test/v/1-2.html'");
-  Get(base + "&Page_Start=1&Page_End=3");
-  EXPECT_EQ(Value("select count(*) from db where url like 'remote.test/v/1-%'"), "3");
-  EXPECT_EQ(Value("select title || click from db where url = 'remote.test/v/1-2.html'"),
-            "quoted 標題 1-29");
-
   // The last page of the range only ends the run.
   std::u16string last = Text(Get(base + "&Page_Start=3&Page_End=3"));
   EXPECT_NE(

@@ -61,6 +61,7 @@ TEST_F(Requests, AnswersFoldersWithTheirIndexPage) {
   EXPECT_EQ(r.Header("location"), "/admin/?x=1");
   EXPECT_EQ(client().Get("/admin/").body, "admin index");
   EXPECT_EQ(client().Get("/echo.asp").body.find("url=[/echo.asp]") != std::string::npos, true);
+  EXPECT_EQ(client().Get("/admin/nothing.asp").status, 404);
 }
 
 TEST_F(Requests, ServesStaticFilesWithTypesAndRevalidation) {
@@ -78,12 +79,6 @@ TEST_F(Requests, ServesStaticFilesWithTypesAndRevalidation) {
   EXPECT_EQ(r.Header("content-length"), "6");
   EXPECT_EQ(client().Send("PUT", "/admin/css/a.css").status, 405);
   EXPECT_EQ(client().Send("DELETE", "/echo.asp").status, 405);
-}
-
-TEST_F(Requests, UnknownPagesAndFilesAreNotFound) {
-  EXPECT_EQ(client().Get("/admin/nothing.asp").status, 404);
-  EXPECT_EQ(client().Get("/nothing.css").status, 404);
-  EXPECT_EQ(client().Get("/admin/css/").status, 404);
 }
 
 TEST_F(Requests, NeverServesSettingsDataDatabasesOrAnythingOutsideTheRoot) {
