@@ -1,5 +1,7 @@
 #include "frame/escape.h"
 
+#include <cctype>
+
 #include "platform/text/codepage.h"
 
 namespace ostrakan {
@@ -93,6 +95,23 @@ std::u16string UrlQuery(std::u16string_view text, int codePage) {
       out += u'%';
       out += kHex[b >> 4];
       out += kHex[b & 15];
+    }
+  }
+  return out;
+}
+
+std::u16string ServerUrlEncode(std::u16string_view text, int codePage) {
+  static constexpr char16_t kHex[] = u"0123456789ABCDEF";
+  std::u16string out;
+  for (unsigned char c : text::Encode(text, codePage)) {
+    if (std::isalnum(c)) {
+      out += c;
+    } else if (c == ' ') {
+      out += u'+';
+    } else {
+      out += u'%';
+      out += kHex[c >> 4];
+      out += kHex[c & 15];
     }
   }
   return out;

@@ -28,4 +28,8 @@ std::u16string JsString(std::u16string_view text);
 // decodes query strings with.
 std::u16string UrlQuery(std::u16string_view text, int codePage = 936);
 
+// The server's URL encoder (Server.URLEncode): the text in the code page, then letters and
+// digits as they are, a blank as "+", every other byte as %XX.
+std::u16string ServerUrlEncode(std::u16string_view text, int codePage);
+
 }  // namespace ostrakan

@@ -1,5 +1,6 @@
 #include "frame/server.h"
 
+#include "frame/escape.h"
 #include "platform/object_factory.h"
 #include "platform/text/codepage.h"
 
@@ -46,21 +47,7 @@ Variant Server::CreateObject(std::u16string_view progId) const {
 }
 
 std::u16string Server::URLEncode(std::u16string_view s) const {
-  static const char* hex = "0123456789ABCDEF";
-  std::string bytes = text::Encode(s, text::kAnsiCodePage);
-  std::u16string out;
-  for (unsigned char c : bytes) {
-    if (std::isalnum(c)) {
-      out += c;
-    } else if (c == ' ') {
-      out += u'+';
-    } else {
-      out += u'%';
-      out += hex[c >> 4];
-      out += hex[c & 15];
-    }
-  }
-  return out;
+  return ServerUrlEncode(s, text::kAnsiCodePage);
 }
 
 }  // namespace ostrakan

@@ -2,6 +2,7 @@
 
 #include "core/lcase.h"
 #include "core/script_error.h"
+#include "frame/escape.h"
 #include "frame/filtration.h"
 #include "platform/text/codepage.h"
 
@@ -49,20 +50,7 @@ std::u16string DefinedFiltration(std::u16string_view text, std::u16string_view l
 
 std::u16string EncodeKeyword(const ListRule& rule, std::u16string_view keyword) {
   if (!IEquals(rule.charset, u"utf-8")) return std::u16string(keyword);
-  static const char* hex = "0123456789ABCDEF";
-  std::u16string out;
-  for (unsigned char c : text::Encode(keyword, text::kUtf8CodePage)) {
-    if (std::isalnum(c)) {
-      out += c;
-    } else if (c == ' ') {
-      out += u'+';
-    } else {
-      out += u'%';
-      out += hex[c >> 4];
-      out += hex[c & 15];
-    }
-  }
-  return out;
+  return ServerUrlEncode(keyword, text::kUtf8CodePage);
 }
 
 std::u16string PageAddress(const ListRule& rule, std::u16string_view encodedKeyword, long page) {
