@@ -4,7 +4,7 @@
 import { test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
 import { createServer } from 'node:http';
-import { startSite, launchBrowser, signInOverHttp, screenshotDir } from './harness.mjs';
+import { startSite, signedInBrowser, screenshotDir } from './harness.mjs';
 import { join } from 'node:path';
 
 let site;
@@ -13,7 +13,8 @@ let remoteBase;
 let browser;
 let context;
 let page;
-const dialogs = [];
+let dialogs;
+let waitForDialog;
 const asked = [];
 
 // Result page n of the fixture site: three entries, UTF-8.
@@ -47,16 +48,7 @@ before(async () => {
   await new Promise((r) => remote.listen(0, '127.0.0.1', r));
   remoteBase = `http://127.0.0.1:${remote.address().port}`;
   site = await startSite();
-  browser = await launchBrowser();
-  const cookie = await signInOverHttp(site);
-  context = await browser.newContext();
-  const [name, value] = cookie.split('=');
-  await context.addCookies([{ name, value, url: site.base }]);
-  context.on('page', (p) => p.on('dialog', async (d) => {
-    dialogs.push(d.message());
-    await d.accept();
-  }));
-  page = await context.newPage();
+  ({ browser, context, page, dialogs, waitForDialog } = await signedInBrowser(site));
 });
 
 after(async () => {
@@ -64,14 +56,6 @@ after(async () => {
   await site?.stop();
   await new Promise((r) => (remote ? remote.close(r) : r()));
 });
-
-async function waitForDialog(text, timeout = 30000) {
-  const start = Date.now();
-  while (!dialogs.includes(text)) {
-    if (Date.now() - start > timeout) throw new Error(`no "${text}" dialog; got ${dialogs}`);
-    await new Promise((r) => setTimeout(r, 100));
-  }
-}
 
 test('a rule is added, verified, run over three pages, and its records are listed', async () => {
   await page.goto(`${site.base}/admin/gather_list_web_add.asp`);

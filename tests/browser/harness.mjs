@@ -113,3 +113,27 @@ export async function signInOverHttp(site, { admin = 'admin', password = 'secret
   if (!desktop.includes('admin-name')) throw new Error('sign-in failed');
   return cookie;
 }
+
+// A signed-in browser on a site: its context, a first page, and every dialog of every page
+// accepted and recorded in order, so a test can wait for a run's messages.
+export async function signedInBrowser(site) {
+  const browser = await launchBrowser();
+  const cookie = await signInOverHttp(site);
+  const context = await browser.newContext();
+  const [name, value] = cookie.split('=');
+  await context.addCookies([{ name, value, url: site.base }]);
+  const dialogs = [];
+  context.on('page', (p) => p.on('dialog', async (d) => {
+    dialogs.push(d.message());
+    await d.accept();
+  }));
+  const page = await context.newPage();
+  async function waitForDialog(text, timeout = 30000) {
+    const start = Date.now();
+    while (!dialogs.includes(text)) {
+      if (Date.now() - start > timeout) throw new Error(`no "${text}" dialog; got ${dialogs}`);
+      await new Promise((r) => setTimeout(r, 100));
+    }
+  }
+  return { browser, context, page, dialogs, waitForDialog };
+}

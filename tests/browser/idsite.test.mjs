@@ -5,7 +5,7 @@
 import { test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
 import { createServer } from 'node:http';
-import { startSite, launchBrowser, signInOverHttp, screenshotDir } from './harness.mjs';
+import { startSite, signedInBrowser, screenshotDir } from './harness.mjs';
 import { join } from 'node:path';
 
 let site;
@@ -14,7 +14,8 @@ let remoteBase;
 let browser;
 let context;
 let page;
-const dialogs = [];
+let dialogs;
+let waitForDialog;
 const asked = [];
 
 // Page n of the fixture site, UTF-8; ID 3 is one the site does not have.
@@ -37,16 +38,7 @@ before(async () => {
   await new Promise((r) => remote.listen(0, '127.0.0.1', r));
   remoteBase = `http://127.0.0.1:${remote.address().port}`;
   site = await startSite();
-  browser = await launchBrowser();
-  const cookie = await signInOverHttp(site);
-  context = await browser.newContext();
-  const [name, value] = cookie.split('=');
-  await context.addCookies([{ name, value, url: site.base }]);
-  context.on('page', (p) => p.on('dialog', async (d) => {
-    dialogs.push(d.message());
-    await d.accept();
-  }));
-  page = await context.newPage();
+  ({ browser, context, page, dialogs, waitForDialog } = await signedInBrowser(site));
 });
 
 after(async () => {
@@ -54,14 +46,6 @@ after(async () => {
   await site?.stop();
   await new Promise((r) => (remote ? remote.close(r) : r()));
 });
-
-async function waitForDialog(text, timeout = 30000) {
-  const start = Date.now();
-  while (!dialogs.includes(text)) {
-    if (Date.now() - start > timeout) throw new Error(`no "${text}" dialog; got ${dialogs}`);
-    await new Promise((r) => setTimeout(r, 100));
-  }
-}
 
 test('an ID rule is added, tested, run over 1 to 4, and its range and records are listed', async () => {
   await page.goto(`${site.base}/admin/gather_id_web_add.asp`);
