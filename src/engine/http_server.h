@@ -1,18 +1,20 @@
-// The HTTP server: civetweb with one catch-all handler that hands every request to a
-// PageEngine. Pages run on a full-size stack (PageStacks), everything else directly on
-// civetweb's thread. Ambiguous requests get 400, bodies beyond the limit 413, before the engine
-// sees them.
+// The HTTP/1.1 server: a Listener's connection threads read requests (RequestHead,
+// ChunkedDecoder), hand each to a PageEngine and write the answers, keeping connections alive
+// between requests. Ambiguous or malformed requests get 400, bodies beyond the limit 413, heads
+// that do not arrive in time 408, before the engine sees them; each of those closes the
+// connection. Pages run on the connection's thread, at most `threads` at once.
 #pragma once
 
 #include <filesystem>
 #include <memory>
 #include <string>
 
-#include "engine/page_engine.h"
-#include "engine/page_stack.h"
+#include <semaphore>
+#include <variant>
 
-struct mg_context;
-struct mg_connection;
+#include "engine/listener.h"
+#include "engine/page_engine.h"
+#include "engine/request_head.h"
 
 namespace ostrakan::engine {
 
@@ -20,9 +22,9 @@ struct ServerOptions {
   std::filesystem::path siteRoot;
   std::string listen = "127.0.0.1:8080";  // "127.0.0.1:0" picks a free port
   int threads = 64;                       // pages at once; they may block on remote fetches
-  // civetweb gives every open connection a thread of its own, so this many connections can
-  // be open (idle, slow or waiting for a page) before new ones queue. Idle threads cost
-  // address space, not memory, but take time to start: `serve` asks for 1200.
+  // Every open connection has a thread of its own, so this many connections can be open
+  // (idle, slow or waiting for a page) before new ones wait in the backlog. Threads start as
+  // connections come and cost address space more than memory: `serve` asks for 1200.
   int connectionThreads = 128;
   size_t maxBodyBytes = 8u << 20;
   int requestTimeoutMs = 10000;   // reading a request's head and body, writing an answer
@@ -43,18 +45,19 @@ class HttpServer {
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
 
-  int port() const { return port_; }
+  int port() const;
 
  private:
-  static int HandleRequest(mg_connection* conn, void* self);
-  int Handle(mg_connection* conn);
+  struct Refusal;
+  void Serve(TcpConnection& c);
+  std::variant<std::monostate, RequestHead, Refusal> ReadRequest(TcpConnection& c, bool first);
+  bool Send(TcpConnection& c, const HttpResponse& r, bool headOnly, bool keepAlive);
   HttpResponse Answer(const HttpRequest& request);
 
   ServerOptions options_;
+  std::counting_semaphore<> pageSlots_;
   std::unique_ptr<PageEngine> engine_;
-  std::unique_ptr<PageStacks> pages_;  // pages run on these full-size stacks
-  mg_context* context_ = nullptr;
-  int port_ = 0;
+  std::unique_ptr<Listener> listener_;  // last: stops first, before what it serves goes
 };
 
 }  // namespace ostrakan::engine
