@@ -32,12 +32,6 @@ HttpResponse BadRequest(const HeadError& e) {
 
 }  // namespace
 
-// An answer that ends the connection: whatever the client sent after the request is not read
-// as a request of its own.
-struct HttpServer::Refusal {
-  HttpResponse response;
-};
-
 HttpServer::HttpServer(ServerOptions options)
     : options_(std::move(options)), pageSlots_(std::max(1, options_.threads)) {
   std::error_code ec;
@@ -97,54 +91,59 @@ HttpResponse HttpServer::Answer(const HttpRequest& request) {
   return answer;
 }
 
-// Reads the next request from `c` into `head`: nullopt when the connection ends quietly (the
-// client closed it, stayed idle too long, or the server stops); a Refusal when the request
-// cannot be answered normally and the connection must close after the answer.
-auto HttpServer::ReadRequest(TcpConnection& c, bool first)
-    -> std::variant<std::monostate, RequestHead, Refusal> {
+// Why reading a request stopped short: the connection ends, after `refusal` when there is
+// one, quietly (the client closed it, stayed idle too long, the server stops) when not.
+struct HttpServer::Stop {
+  std::optional<HttpResponse> refusal;
+};
+
+// Waits for a whole head at the start of c.buffer() and returns its length. The first byte
+// may take the idle time-out; from then on the head must arrive within the request time-out.
+std::variant<size_t, HttpServer::Stop> HttpServer::ReadHead(TcpConnection& c, bool first) {
   std::string& in = c.buffer();
-  const auto idle =
-      std::chrono::milliseconds(first ? options_.requestTimeoutMs : options_.keepAliveTimeoutMs);
-  Clock::time_point deadline = Clock::now() + idle;
-  bool started = in.find_first_not_of("\r\n") != std::string::npos;
-  if (started) deadline = Clock::now() + std::chrono::milliseconds(options_.requestTimeoutMs);
-  size_t headEnd;
-  while ((headEnd = FindHeadEnd(in)) == std::string::npos) {
-    if (in.size() > kMaxHeadBytes)
-      return Refusal{
-          BadRequest({431, "a head larger than " + std::to_string(kMaxHeadBytes) + " bytes"})};
+  auto started = [&] { return in.find_first_not_of("\r\n") != std::string::npos; };
+  const std::chrono::milliseconds request(options_.requestTimeoutMs);
+  const std::chrono::milliseconds idle(first ? options_.requestTimeoutMs
+                                             : options_.keepAliveTimeoutMs);
+  bool waitingForFirstByte = !started();
+  Clock::time_point deadline = Clock::now() + (waitingForFirstByte ? idle : request);
+  size_t end;
+  while ((end = FindHeadEnd(in)) == std::string::npos && in.size() <= kMaxHeadBytes) {
     TcpConnection::Read read = c.ReadMore(deadline);
-    if (read == TcpConnection::Read::TimedOut && started)
-      return Refusal{HttpResponse::Plain(408,
-                                         "408 Request Timeout\nThe request did not "
-                                         "arrive in time.")};
-    if (read != TcpConnection::Read::Data) return {};
-    if (!started && in.find_first_not_of("\r\n") != std::string::npos) {
-      started = true;
-      deadline = Clock::now() + std::chrono::milliseconds(options_.requestTimeoutMs);
+    if (read == TcpConnection::Read::TimedOut && !waitingForFirstByte)
+      return Stop{HttpResponse::Plain(408,
+                                      "408 Request Timeout\nThe request did not arrive "
+                                      "in time.")};
+    if (read != TcpConnection::Read::Data) return Stop{};
+    if (waitingForFirstByte && started()) {
+      waitingForFirstByte = false;
+      deadline = Clock::now() + request;
     }
   }
-  auto parsed = ParseRequestHead(std::string_view(in).substr(0, headEnd));
-  if (auto* error = std::get_if<HeadError>(&parsed)) return Refusal{BadRequest(*error)};
-  RequestHead head = std::move(std::get<RequestHead>(parsed));
-  in.erase(0, headEnd);
+  if (end == std::string::npos || end > kMaxHeadBytes)
+    return Stop{
+        BadRequest({431, "a head larger than " + std::to_string(kMaxHeadBytes) + " bytes"})};
+  return end;
+}
 
-  auto tooLong = [&] {
-    return Refusal{HttpResponse::Plain(413,
-                                       "413 Payload Too Large\nThe request body is larger "
-                                       "than " +
-                                           std::to_string(options_.maxBodyBytes) + " bytes.")};
-  };
+// Reads the body that `head` announces, from c.buffer() and then the connection.
+std::optional<HttpServer::Stop> HttpServer::ReadBody(TcpConnection& c, RequestHead& head) {
+  std::string& in = c.buffer();
+  const Stop tooLong{
+      HttpResponse::Plain(413, "413 Payload Too Large\nThe request body is larger than " +
+                                   std::to_string(options_.maxBodyBytes) + " bytes.")};
   if (head.framing == BodyFraming::Length && head.contentLength > options_.maxBodyBytes)
-    return tooLong();
-  deadline = Clock::now() + std::chrono::milliseconds(options_.requestTimeoutMs);
+    return tooLong;
+  const Clock::time_point deadline =
+      Clock::now() + std::chrono::milliseconds(options_.requestTimeoutMs);
+  // A client that asked for it waits for this before it sends the body.
   if (head.expectContinue && head.framing != BodyFraming::None && in.empty() &&
       !c.WriteAll("HTTP/1.1 100 Continue\r\n\r\n", deadline))
-    return {};
+    return Stop{};
   std::string& body = head.request.body;
   if (head.framing == BodyFraming::Length) {
     while (in.size() < head.contentLength)
-      if (c.ReadMore(deadline) != TcpConnection::Read::Data) return {};
+      if (c.ReadMore(deadline) != TcpConnection::Read::Data) return Stop{};
     body.assign(in, 0, head.contentLength);
     in.erase(0, head.contentLength);
   } else if (head.framing == BodyFraming::Chunked) {
@@ -154,20 +153,33 @@ auto HttpServer::ReadRequest(TcpConnection& c, bool first)
     while ((state = decoder.Feed(in, used, body)) == ChunkedDecoder::State::More) {
       in.erase(0, used);
       used = 0;
-      if (c.ReadMore(deadline) != TcpConnection::Read::Data) return {};
+      if (c.ReadMore(deadline) != TcpConnection::Read::Data) return Stop{};
     }
-    if (state == ChunkedDecoder::State::TooLong) return tooLong();
-    if (state == ChunkedDecoder::State::Malformed)
-      return Refusal{BadRequest({400, "a body whose chunks are malformed"})};
     in.erase(0, used);
+    if (state == ChunkedDecoder::State::TooLong) return tooLong;
+    if (state == ChunkedDecoder::State::Malformed)
+      return Stop{BadRequest({400, "a body whose chunks are malformed"})};
   }
-  head.request.remoteAddr = c.peer();
-  head.request.serverPort = port();
-  if (options_.behindProxy && IsLoopback(head.request.remoteAddr)) {
-    std::string client = head.request.Header("X-Real-IP");
-    if (!client.empty() && client.size() < 64) head.request.remoteAddr = client;
+  return std::nullopt;
+}
+
+std::variant<RequestHead, HttpServer::Stop> HttpServer::ReadRequest(TcpConnection& c, bool first) {
+  auto head = ReadHead(c, first);
+  if (auto* stop = std::get_if<Stop>(&head)) return std::move(*stop);
+  const size_t headEnd = std::get<size_t>(head);
+  auto parsed = ParseRequestHead(std::string_view(c.buffer()).substr(0, headEnd));
+  c.buffer().erase(0, headEnd);
+  if (auto* error = std::get_if<HeadError>(&parsed)) return Stop{BadRequest(*error)};
+  RequestHead& request = std::get<RequestHead>(parsed);
+  if (auto stop = ReadBody(c, request)) return std::move(*stop);
+  HttpRequest& r = request.request;
+  r.remoteAddr = c.peer();
+  r.serverPort = port();
+  if (options_.behindProxy && IsLoopback(r.remoteAddr)) {
+    std::string client = r.Header("X-Real-IP");
+    if (!client.empty() && client.size() < 64) r.remoteAddr = client;
   }
-  return head;
+  return std::move(request);
 }
 
 // Sends `r`; a file body leaves in pieces. False when the connection cannot go on.
@@ -205,21 +217,22 @@ bool HttpServer::Send(TcpConnection& c, const HttpResponse& r, bool headOnly, bo
 void HttpServer::Serve(TcpConnection& c) {
   for (bool first = true;; first = false) {
     auto next = ReadRequest(c, first);
-    if (auto* refusal = std::get_if<Refusal>(&next)) {
-      Send(c, refusal->response, false, false);
-      c.CloseGracefully();
+    if (auto* stop = std::get_if<Stop>(&next)) {
+      if (stop->refusal) {
+        Send(c, *stop->refusal, false, false);
+        c.CloseGracefully();
+      }
       return;
     }
-    auto* head = std::get_if<RequestHead>(&next);
-    if (!head) return;
+    const RequestHead& head = std::get<RequestHead>(next);
     HttpResponse response;
-    if (head->asterisk) {
+    if (head.asterisk) {
       response.status = 200;  // OPTIONS *: what the server as a whole accepts
       response.headers = {{"Allow", "GET, HEAD, POST"}};
     } else {
-      response = Answer(head->request);
+      response = Answer(head.request);
     }
-    if (!Send(c, response, head->request.method == "HEAD", head->keepAlive)) return;
+    if (!Send(c, response, head.request.method == "HEAD", head.keepAlive)) return;
   }
 }
 

@@ -48,9 +48,11 @@ class HttpServer {
   int port() const;
 
  private:
-  struct Refusal;
+  struct Stop;
   void Serve(TcpConnection& c);
-  std::variant<std::monostate, RequestHead, Refusal> ReadRequest(TcpConnection& c, bool first);
+  std::variant<RequestHead, Stop> ReadRequest(TcpConnection& c, bool first);
+  std::variant<size_t, Stop> ReadHead(TcpConnection& c, bool first);
+  std::optional<Stop> ReadBody(TcpConnection& c, RequestHead& head);
   bool Send(TcpConnection& c, const HttpResponse& r, bool headOnly, bool keepAlive);
   HttpResponse Answer(const HttpRequest& request);
 

@@ -127,6 +127,7 @@ class EngineTest : public ::testing::Test {
     options.listen = "127.0.0.1:0";
     options.threads = 8;
     options.maxBodyBytes = 1 << 20;
+    options.requestTimeoutMs = 1500;  // the stalled-client test waits this out
     options.createComponent = [](std::u16string_view progId) -> std::shared_ptr<Component> {
       if (IEquals(progId, u"Test.Page")) return std::make_shared<TestPage>();
       return nullptr;

@@ -51,15 +51,52 @@ TEST_F(MalformedRequests, SameLengthTwiceAndGoodChunksStillWork) {
   EXPECT_NE(answer.find("f=[x]"), std::string::npos) << answer;
 }
 
-TEST_F(MalformedRequests, AnAbsoluteFormRequestLineIsAnsweredLikeItsPath) {
+TEST_F(MalformedRequests, BrokenHeadsAreRefusedWithTheirOwnStatus) {
+  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost: a\r\n folded: line\r\n\r\n");
+  ExpectRefusedAndClosed("GET /echo.asp\r\nHost: a\r\n\r\n");
+  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost a\r\n\r\n");
+  ExpectRefusedAndClosed("GET * HTTP/1.1\r\nHost: a\r\n\r\n");
+  ExpectRefusedAndClosed("GET ftp://a/echo.asp HTTP/1.1\r\nHost: a\r\n\r\n");
+
   RawConnection c(server_->port());
-  std::string host = "127.0.0.1:" + std::to_string(server_->port());
-  c.Send("GET http://" + host + "/admin/css/a.css HTTP/1.1\r\nHost: " + host +
-         "\r\nConnection: close\r\n\r\n");
+  c.Send("GET / HTTP/2.0\r\nHost: a\r\n\r\n");
+  bool closed = false;
+  EXPECT_TRUE(c.ReadAll(closed).starts_with("HTTP/1.1 505 "));
+  EXPECT_TRUE(closed);
+  RawConnection d(server_->port());
+  d.Send("GET / HTTP/1.1\r\nX: " + std::string(20000, 'a') + "\r\n\r\n");
+  EXPECT_TRUE(d.ReadAll(closed).starts_with("HTTP/1.1 431 "));
+  EXPECT_TRUE(closed);
+}
+
+// A pipelined request after an absolute-form one and "OPTIONS *" on the same connection.
+TEST_F(MalformedRequests, AbsoluteFormAndAsteriskRequestsAreAnswered) {
+  RawConnection c(server_->port());
+  c.Send(
+      "GET http://elsewhere.example:81/echo.asp?q=1 HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n"
+      "OPTIONS * HTTP/1.1\r\nHost: a\r\n\r\n"
+      "GET HTTP://a/admin/css/a.css HTTP/1.1\r\nConnection: close\r\n\r\n");
   bool closed = false;
   std::string answer = c.ReadAll(closed);
   EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 ")) << answer;
-  EXPECT_NE(answer.find("body{}"), std::string::npos);
+  EXPECT_NE(answer.find("q=[1]"), std::string::npos) << answer;
+  EXPECT_NE(answer.find("url=[/echo.asp]"), std::string::npos) << answer;
+  size_t options = answer.find("HTTP/1.1 200 OK\r\nAllow: GET, HEAD, POST\r\n");
+  EXPECT_NE(options, std::string::npos) << answer;
+  EXPECT_NE(answer.find("body{}", options), std::string::npos) << answer;
+  EXPECT_TRUE(closed);
+}
+
+// A client that sends part of a head and stops gets 408; one that says nothing is closed.
+TEST_F(MalformedRequests, ClientsThatStallAreTimedOut) {
+  RawConnection c(server_->port());
+  c.Send("GET /echo.asp HTTP/1.1\r\nHo");
+  bool closed = false;
+  EXPECT_TRUE(c.ReadAll(closed, std::chrono::seconds(10)).starts_with("HTTP/1.1 408 "));
+  EXPECT_TRUE(closed);
+  RawConnection d(server_->port());
+  EXPECT_EQ(d.ReadAll(closed, std::chrono::seconds(10)), "");
+  EXPECT_TRUE(closed);
 }
 
 }  // namespace
