@@ -33,8 +33,8 @@ Usage:
       writable (with its folder and journal files); any problem is reported and the exit
       status is 1. --listen defaults to 127.0.0.1:8080 (a bare PORT means 127.0.0.1:PORT;
       port 0 picks a free one); --threads (default 64) is the number of pages run at
-      once (up to 1200 connections, idle or slow ones included, are served at once). Errors of the pages are logged in
-      DIR/data/PagebindLog.Log. SIGINT or SIGTERM (Ctrl-C, or kill PID) stops the
+      once; up to 1200 connections, idle or slow ones included, are served at once.
+      Errors of the pages are logged in DIR/data/PagebindLog.Log. SIGINT or SIGTERM (Ctrl-C, or kill PID) stops the
       server. --behind-proxy: requests come through a proxy on this machine (nginx,
       see deploy/), which names the client in X-Real-IP.
 
