@@ -48,7 +48,7 @@ std::string SessionIdOf(const HttpRequest& request, SessionStore& store,
 }
 
 bool IsSignInPage(std::string_view path) {
-  std::string name = PercentDecode(path.substr(path.rfind('/') + 1), false);
+  std::string name(path.substr(path.rfind('/') + 1));
   for (char& c : name)
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   return name == "login.asp";
@@ -65,6 +65,7 @@ void Report(const std::string& text) {
 PageEngine::PageEngine(const std::filesystem::path& siteRoot, ComponentCreator create,
                        const ObjectFactory& factory, size_t sessionCapacity)
     : root_(std::filesystem::canonical(siteRoot)),
+      paths_(root_),
       create_(std::move(create)),
       factory_(factory),
       sessions_(std::chrono::steady_clock::now, sessionCapacity),
@@ -84,7 +85,7 @@ HttpResponse PageEngine::Handle(const HttpRequest& request) {
 
 std::optional<HttpResponse> PageEngine::AnswerWithoutPage(const HttpRequest& request,
                                                           ResolvedPath& resolved) {
-  resolved = ResolveRequestPath(root_, request.path);
+  resolved = paths_.Resolve(request.path);
   switch (resolved.kind) {
     case ResolvedPath::Kind::Forbidden:
       return HttpResponse::Plain(403, "403 Forbidden");

@@ -60,6 +60,7 @@ class PageEngine {
                                   const Request& request);
 
   std::filesystem::path root_;
+  PathResolver paths_;
   ComponentCreator create_;
   const ObjectFactory& factory_;
   SessionStore sessions_;

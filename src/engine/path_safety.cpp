@@ -1,5 +1,7 @@
 #include "engine/path_safety.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 
 namespace ostrakan::engine {
@@ -86,6 +88,32 @@ ResolvedPath ResolveRequestPath(const fs::path& root, std::string_view urlPath) 
   // A page file's source is never sent, whatever name leads to it.
   if (IsPageFileName(realVirtual)) return {Kind::Forbidden, {}, {}};
   return {Kind::StaticFile, real, virtualPath};
+}
+
+ResolvedPath PathResolver::Resolve(std::string_view urlPath) {
+  using Kind = ResolvedPath::Kind;
+  if (urlPath.empty() || urlPath.front() != '/' || IsRefusedPath(urlPath))
+    return {Kind::Forbidden, {}, {}};
+  std::string key(urlPath);
+  struct stat st;
+  if (::stat((root_.native() + key).c_str(), &st) != 0) return {Kind::NotFound, {}, {}};
+  const Stamp stamp{st.st_dev, st.st_ino, st.st_mtim};
+  auto same = [&](const Stamp& s) {
+    return s.device == stamp.device && s.inode == stamp.inode &&
+           s.modified.tv_sec == stamp.modified.tv_sec &&
+           s.modified.tv_nsec == stamp.modified.tv_nsec;
+  };
+  {
+    std::lock_guard lock(mutex_);
+    auto it = entries_.find(key);
+    if (it != entries_.end() && same(it->second.stamp)) return it->second.resolved;
+  }
+  ResolvedPath resolved = ResolveRequestPath(root_, urlPath);
+  if (resolved.kind == Kind::NotFound) return resolved;  // perhaps a race; look again next time
+  std::lock_guard lock(mutex_);
+  if (entries_.size() >= kMaxEntries) entries_.clear();
+  entries_.insert_or_assign(std::move(key), Entry{stamp, resolved});
+  return resolved;
 }
 
 }  // namespace ostrakan::engine

@@ -6,9 +6,14 @@
 // never sent as they are. A folder is answered by its index.asp (or index.html, index.htm).
 #pragma once
 
+#include <sys/types.h>
+
+#include <ctime>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace ostrakan::engine {
 
@@ -28,6 +33,33 @@ struct ResolvedPath {
 // `root` must be canonical (std::filesystem::canonical); `urlPath` is the percent-decoded
 // path of the request ("/admin/").
 ResolvedPath ResolveRequestPath(const std::filesystem::path& root, std::string_view urlPath);
+
+// ResolveRequestPath with its answer remembered per request path, while one stat of the file
+// the path names shows the same device, inode and modification time. Following symbolic links
+// to check where a path really leads costs a system call per path component on every request;
+// a link retargeted, a file replaced or an index page added to a folder changes what the stat
+// shows and the path is resolved afresh. Thread-safe.
+class PathResolver {
+ public:
+  explicit PathResolver(std::filesystem::path root) : root_(std::move(root)) {}
+  ResolvedPath Resolve(std::string_view urlPath);
+
+ private:
+  struct Stamp {
+    dev_t device;
+    ino_t inode;
+    timespec modified;
+  };
+  struct Entry {
+    Stamp stamp;
+    ResolvedPath resolved;
+  };
+  static constexpr size_t kMaxEntries = 4096;  // then it starts over
+
+  std::filesystem::path root_;
+  std::mutex mutex_;
+  std::unordered_map<std::string, Entry> entries_;
+};
 
 // True when a virtual path ("/data/x.db") names something that is never served.
 bool IsRefusedPath(std::string_view virtualPath);

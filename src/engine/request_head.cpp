@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "engine/url_decoding.h"
+
 namespace ostrakan::engine {
 namespace {
 
@@ -80,7 +82,7 @@ std::string ReadTarget(std::string_view target, RequestHead& head) {
     if (!target.starts_with('/')) r.path = "/";
   }
   size_t question = target.find('?');
-  r.path += target.substr(0, question);
+  r.path += PercentDecode(target.substr(0, question), false);
   if (question != std::string_view::npos) r.queryString = target.substr(question + 1);
   return "";
 }

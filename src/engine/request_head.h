@@ -36,7 +36,8 @@ struct HeadError {
 // is incomplete. Leading empty lines are part of what is skipped.
 size_t FindHeadEnd(std::string_view buffer);
 
-// Reads a whole head (what FindHeadEnd delimits). An absolute-form target
+// Reads a whole head (what FindHeadEnd delimits). The path of the target is percent-decoded
+// ('+' stays); the query string is kept as sent. An absolute-form target
 // ("http://host:port/path?q") is read as its path and query, and its authority replaces the
 // Host header, as HTTP/1.1 requires of an origin server.
 std::variant<RequestHead, HeadError> ParseRequestHead(std::string_view head);

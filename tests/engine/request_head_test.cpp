@@ -25,7 +25,7 @@ TEST(RequestHead, FindsTheEndAfterLeadingEmptyLinesWithEitherLineEnd) {
 
 TEST(RequestHead, ReadsConnectionRulesAndTargets) {
   RequestHead h = Parse("GET /a%20b/c.asp?x=1?y HTTP/1.1\r\nHost: a\r\n\r\n");
-  EXPECT_EQ(h.request.path, "/a%20b/c.asp");
+  EXPECT_EQ(h.request.path, "/a b/c.asp");
   EXPECT_EQ(h.request.queryString, "x=1?y");
   EXPECT_TRUE(h.keepAlive);
   EXPECT_EQ(h.framing, BodyFraming::None);

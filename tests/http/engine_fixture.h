@@ -118,6 +118,7 @@ class EngineTest : public ::testing::Test {
               u"Case 2\r\nweb=\"two\"\r\nEnd Select\r\n%>\r\n");
     WriteAnsi(root_ / "admin/index.asp", u"admin index");
     WriteAnsi(root_ / "admin/css/a.css", u"body{}");
+    WriteAnsi(root_ / "admin/css/a b.css", u"p{}");
     WriteAnsi(root_ / "data/site.db", u"not served");
     WriteAnsi(dir_->path() / "secret.txt", u"outside");
     SetErrorLogPath(root_ / "data/PagebindLog.Log");

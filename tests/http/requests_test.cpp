@@ -77,6 +77,7 @@ TEST_F(Requests, ServesStaticFilesWithTypesAndRevalidation) {
   r = client().Send("HEAD", "/admin/css/a.css");
   EXPECT_EQ(r.status, 200);
   EXPECT_EQ(r.Header("content-length"), "6");
+  EXPECT_EQ(client().Get("/admin/css/a%20b.css").body, "p{}");
   EXPECT_EQ(client().Send("PUT", "/admin/css/a.css").status, 405);
   EXPECT_EQ(client().Send("DELETE", "/echo.asp").status, 405);
 }
