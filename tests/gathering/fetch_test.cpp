@@ -66,18 +66,12 @@ TEST_F(FetchTest, OnlyAFinalOkGivesABodyAndEveryFailureOrLimitGivesNothing) {
   EXPECT_EQ(gathering::GetHttpPage(ObjectFactory::Default(), u"", u"utf-8"), u"");
 }
 
-TEST_F(FetchTest, NonAsciiInTheAddressGoesOutAsGbkBytesAndOldRequestObjectsStillFetch) {
+TEST_F(FetchTest, NonAsciiInTheAddressGoesOutAsGbkBytes) {
   site_.Set("/search", {200, "found"});
   EXPECT_EQ(gathering::GetHttpPage(ObjectFactory::Default(),
                                    FromUtf8(site_.Url("/search?q=")) + u"电影 hd&p=1", u"utf-8"),
             u"found");
   EXPECT_EQ(site_.Requests().back(), "/search?q=%B5%E7%D3%B0%20hd&p=1");
-  ObjectFactory factory = ObjectFactory::WithPlatformObjects();
-  for (const char16_t* newer : {u"MSXML2.XMLHTTP.4.0", u"MSXML2.XMLHTTP.3.0", u"MSXML2.XMLHTTP"})
-    factory.Unregister(newer);
-  EXPECT_EQ(gathering::GetHttpPage(factory, FromUtf8(site_.Url("/search")), u"utf-8"), u"found");
-  factory.Unregister(u"Microsoft.XMLHttp");
-  EXPECT_EQ(gathering::GetHttpPage(factory, FromUtf8(site_.Url("/search")), u"utf-8"), u"");
 }
 
 TEST(BytesToBstr, DecodesByTheRulesCharsetName) {
