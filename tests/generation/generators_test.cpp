@@ -74,6 +74,13 @@ TEST_F(Generation, TopLevelPagesLinkTheirSubCategoriesWhosePagesListTheirRecords
   EXPECT_NE(page.find(u"<a href='list/list_2.html' target='_blank'>功夫</a>"),
             std::u16string::npos);
   EXPECT_EQ(page.find(u"别家"), std::u16string::npos);
+  // Without its template the page is not written again: logged, and the old page stays whole.
+  std::filesystem::remove(site.root() / "template/sort_one_list.asp");
+  AddCategory("新的", top, 2);
+  EXPECT_EQ(Generate(u"Ostrakan.Class26", u"1").text, u"");
+  EXPECT_EQ(File("sort_list_1.html"), page);
+  EXPECT_NE(site.log().find("\\admin\\create_sort_one_ok, InitFunction3: cannot find the file"),
+            std::string::npos);
 
   // At most a hundred records whose title has the name, most clicked first, then newest.
   std::string sql = "begin;";
