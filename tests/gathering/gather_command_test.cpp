@@ -1,4 +1,4 @@
-// The headless run (`ostrakan gather`) against the fixture remote site.
+// The headless runs (`ostrakan gather ... list|id`) against the fixture remote site.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -8,148 +8,178 @@
 
 #include "engine/commands.h"
 #include "engine/gather_command.h"
+#include "support/id_rule_fixture.h"
 #include "support/list_rule_fixture.h"
 #include "support/remote_site.h"
 
 namespace ostrakan {
 namespace {
 
+using testing::FixtureResultPage;
 using testing::RemoteReply;
-using testing::RemoteSite;
+constexpr auto npos = std::string::npos;
 
+// A fresh site with a list rule over result pages /r/<page>.html (four entries each) and an ID
+// rule over pages /id/<id>.html, both on the fixture remote site.
 class GatherCommand : public ::testing::Test {
  protected:
   void SetUp() override {
-    engine::InitOptions init{dir.path() / "site", testing::SourceDir() / "site", "admin",
-                             std::string("secret123")};
     std::ostringstream out, err;
-    ASSERT_EQ(engine::RunInit(init, out, err), 0) << err.str();
-    for (int p = 1; p <= 5; ++p)
-      remote.Set("/r/" + std::to_string(p) + ".html", {200, testing::FixtureResultPage(p, 4)});
-    ruleId = testing::InsertFixtureRule(db(), remote.Url("/r/[page].html?q=[keyword]"));
+    ASSERT_EQ(
+        engine::RunInit({site, testing::SourceDir() / "site", "admin", "secret123"}, out, err), 0)
+        << err.str();
+    for (int n = 1; n <= 5; ++n) {
+      remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
+      remote.Set("/id/" + std::to_string(n) + ".html", {200, testing::FixtureIdPage(n)});
+    }
+    listRule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
+    idRule = testing::InsertFixtureIdRule(db, remote.Url("/id/[id].html"));
   }
-  std::filesystem::path site() const { return dir.path() / "site"; }
-  std::filesystem::path db() const { return site() / "data/ostrakan.db"; }
-  std::string Value(const std::string& sql) { return testing::SqlValue(db(), sql); }
+  std::string Value(const std::string& sql) { return testing::SqlValue(db, sql); }
+  int Asked(const std::string& prefix) {
+    int n = 0;
+    for (const auto& r : remote.Requests()) n += r.starts_with(prefix);
+    return n;
+  }
 
-  // Runs the command in this process; the exit status, with what it wrote.
-  int Run(std::vector<std::string> args, std::string* out = nullptr, std::string* err = nullptr) {
-    args.insert(args.begin(), {"--site", site().string()});
+  // Runs the command in this process: 2 for arguments it refuses, else its exit status; `said`
+  // gets what it wrote (the refusal, or standard error followed by standard output).
+  int Run(std::vector<std::string> args) {
+    args.insert(args.begin(), {"--site", site.string(), "--delay-ms", "0"});
     std::string problem;
     auto options = engine::ParseGatherArgs(args, problem);
     if (!options) {
-      if (err) *err = problem;
+      said = problem;
       return 2;
     }
     options->retryPauseMs = 10;
     std::ostringstream o, e;
-    int rc = engine::RunGather(*options, o, e);
-    if (out) *out = o.str();
-    if (err) *err = e.str();
+    const int rc = engine::RunGather(*options, o, e);
+    said = e.str() + o.str();
     return rc;
   }
 
   testing::TempDir dir;
-  RemoteSite remote;
-  std::string ruleId;
+  const std::filesystem::path site = dir.path() / "site", db = site / "data/ostrakan.db";
+  testing::RemoteSite remote;
+  std::string listRule, idRule, said;
 };
 
-TEST_F(GatherCommand, GathersTheWholeRangeAndEndsWithAJsonSummary) {
-  std::string out;
-  ASSERT_EQ(
-      Run({"list", ruleId, "--pages", "1-3", "--delay-ms", "0", "--json", "--keyword", "电影"},
-          &out),
-      0);
-  EXPECT_TRUE(out.ends_with(
-      "{\"pages\":3,\"entries\":12,\"inserted\":12,\"updated\":0,\"no_results\":0,\"failed\":0}"
-      "\n"))
-      << out;
-  EXPECT_NE(out.find("page 2 done"), std::string::npos);
-  EXPECT_EQ(Value("select count(*) from db where source = 'Fixture'"), "12");
-  EXPECT_EQ(Value("select title from db where url = 'remote.test/v/3-4.html'"), "video 影片 3-4");
-  EXPECT_EQ(remote.Requests().front(), "/r/1.html?q=%E7%94%B5%E5%BD%B1");
+TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
+  remote.Set("/r/2.html", {500, "down"});
+  ASSERT_EQ(Run({"list", listRule, "--pages", "1-3", "--json", "--keyword", "电影 hd"}), 0);
+  EXPECT_TRUE(
+      said.ends_with("{\"pages\":3,\"entries\":8,\"inserted\":8,\"updated\":0,"
+                     "\"no_results\":0,\"failed\":1}\n"))
+      << said;
+  EXPECT_NE(said.find("page 2 failed"), npos);
+  EXPECT_EQ(Asked("/r/2.html"), 3);  // two retries by default
+  EXPECT_EQ(remote.Requests().front(), "/r/1.html?q=%E7%94%B5%E5%BD%B1+hd");
   EXPECT_EQ(
       Value("select next || ',' || inserted || ',' || (finished is not null) from gather_run"),
-      "4,12,1");
-  // Again: the same links are refreshed, not added.
-  ASSERT_EQ(Run({"list", ruleId, "--pages", "2-3", "--delay-ms", "0", "--json"}, &out), 0);
-  EXPECT_NE(out.find("\"inserted\":0,\"updated\":8"), std::string::npos) << out;
-  EXPECT_EQ(Value("select count(*) from db"), "12");
+      "4,8,1");
+
+  remote.Set("/r/2.html", {200, FixtureResultPage(2, 4)});
+  ASSERT_EQ(Run({"list", listRule, "--pages", "2-3", "--json"}), 0);
+  EXPECT_NE(said.find("\"inserted\":4,\"updated\":4"), npos) << said;
+  EXPECT_EQ(Value("select count(*) from db where source = 'Fixture'"), "12");
 }
 
-TEST_F(GatherCommand, FailedFetchesAreRetriedCountedAndNotFatal) {
-  remote.Set("/r/2.html", {500, "down"});
-  std::string out;
-  ASSERT_EQ(
-      Run({"list", ruleId, "--pages", "1-3", "--delay-ms", "0", "--retries", "2", "--json"}, &out),
-      0);
-  EXPECT_NE(out.find("\"failed\":1}"), std::string::npos) << out;
-  EXPECT_NE(out.find("page 2 failed"), std::string::npos);
-  int asked = 0;
-  for (const auto& r : remote.Requests()) asked += r.starts_with("/r/2.html");
-  EXPECT_EQ(asked, 3);
-  EXPECT_EQ(Value("select count(*) from db"), "8");
-}
-
-TEST_F(GatherCommand, RefusesWhatItCannotRun) {
-  std::string err;
-  EXPECT_EQ(Run({"list", "999"}, nullptr, &err), 1);
-  EXPECT_NE(err.find("no list rule number 999"), std::string::npos);
-  for (auto bad : std::vector<std::vector<std::string>>{{"list", ruleId, "--pages", "3-1"},
-                                                        {"list", ruleId, "--pages", "x"},
-                                                        {"list", "0"},
-                                                        {"id", ruleId},
-                                                        {"list", ruleId, "--delay-ms", "-5"},
-                                                        {"list"}})
+TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
+  for (auto bad :
+       std::vector<std::vector<std::string>>{{"list"},
+                                             {"list", "0"},
+                                             {"list", listRule, "--pages", "3-1"},
+                                             {"list", listRule, "--delay-ms", "-5"},
+                                             {"list", listRule, "--ids", "1-3"},
+                                             {"id", idRule, "--ids", "1-"},
+                                             {"id", idRule, "--ids", "1-3", "--pages", "1-2"},
+                                             {"id", idRule}})
     EXPECT_EQ(Run(bad), 2) << bad.back();
-  std::ostringstream out, e;
-  engine::GatherOptions missing;
-  missing.site = dir.path() / "nowhere";
-  missing.ruleId = 1;
-  EXPECT_EQ(engine::RunGather(missing, out, e), 1);
-  EXPECT_NE(e.str().find("does not exist"), std::string::npos);
+  EXPECT_NE(said.find("--ids FIRST-LAST"), npos) << said;
+  EXPECT_EQ(Run({"list", "999"}), 1);
+  EXPECT_NE(said.find("no list rule number 999"), npos) << said;
+  EXPECT_EQ(Run({"id", "99", "--ids", "1-2"}), 1);
+  EXPECT_NE(said.find("no ID rule number 99"), npos) << said;
+  EXPECT_EQ(Run({"id", idRule, "--resume"}), 1);  // nothing to resume and no range
+  EXPECT_NE(said.find("--ids FIRST-LAST is needed"), npos) << said;
+  EXPECT_TRUE(remote.Requests().empty());
+  // The command itself: a non-zero status and one sentence on standard error.
+  const std::string err = (dir.path() / "err").string(), nowhere = (dir.path() / "x").string();
+  const int status =
+      std::system((OSTRAKAN_BINARY " gather --site " + nowhere + " list 1 2>" + err).c_str());
+  EXPECT_NE(WEXITSTATUS(status), 0);
+  said = testing::ReadFile(err);
+  EXPECT_TRUE(said.starts_with("ostrakan gather: ") &&
+              said.find("does not exist\n") == said.size() - 15)
+      << said;
 }
 
-TEST_F(GatherCommand, ARunKilledHalfWayIsResumedWithoutDuplicates) {
-  remote.Set("/r/3.html", RemoteReply(200, testing::FixtureResultPage(3, 4)).Delay(20000));
+TEST_F(GatherCommand, AListRunKilledHalfWayIsResumedWithoutDuplicates) {
+  testing::Sql(db, "drop table gather_run");  // an older database: the run adds its journal
+  remote.Set("/r/3.html", RemoteReply(200, FixtureResultPage(3, 4)).Delay(20000));
   std::fflush(stdout);
   pid_t child = fork();
   if (child == 0) {
     freopen("/dev/null", "w", stdout);
-    execl(OSTRAKAN_BINARY, "ostrakan", "gather", "--site", site().c_str(), "list", ruleId.c_str(),
+    execl(OSTRAKAN_BINARY, "ostrakan", "gather", "--site", site.c_str(), "list", listRule.c_str(),
           "--pages", "1-5", "--delay-ms", "0", static_cast<char*>(nullptr));
     _exit(127);
   }
-  auto asked = [&](const std::string& prefix) {
-    for (const auto& r : remote.Requests())
-      if (r.starts_with(prefix)) return true;
-    return false;
-  };
-  for (int i = 0; i < 1000 && !asked("/r/3.html"); ++i)
+  for (int i = 0; i < 1000 && !Asked("/r/3.html"); ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  ASSERT_TRUE(asked("/r/3.html"));
+  ASSERT_TRUE(Asked("/r/3.html"));
   kill(child, SIGKILL);
   waitpid(child, nullptr, 0);
   EXPECT_EQ(Value("select count(*) from db"), "8");
   EXPECT_EQ(Value("select next || (finished is null) from gather_run"), "31");
 
-  remote.Set("/r/3.html", {200, testing::FixtureResultPage(3, 4)});
-  std::string out;
-  ASSERT_EQ(Run({"list", ruleId, "--resume", "--delay-ms", "0", "--json"}, &out), 0);
-  EXPECT_NE(out.find("resuming run 1 of rule " + ruleId + " at page 3 of 1-5"), std::string::npos)
-      << out;
-  EXPECT_NE(out.find("{\"pages\":5,\"entries\":20,\"inserted\":20,\"updated\":0"),
-            std::string::npos)
-      << out;
-  EXPECT_EQ(Value("select count(*) from db"), "20");
-  EXPECT_EQ(Value("select count(distinct url) from db"), "20");
+  remote.Set("/r/3.html", {200, FixtureResultPage(3, 4)});
+  ASSERT_EQ(Run({"list", listRule, "--resume", "--json"}), 0);
+  EXPECT_NE(said.find("resuming run 1 of rule " + listRule + " at page 3 of 1-5"), npos) << said;
+  EXPECT_NE(said.find("{\"pages\":5,\"entries\":20,\"inserted\":20,\"updated\":0"), npos) << said;
+  EXPECT_EQ(Value("select count(distinct url) || ',' || count(*) from db"), "20,20");
   EXPECT_EQ(Value("select count(*) from gather_run where finished is null"), "0");
 }
 
-TEST_F(GatherCommand, OpensAnOlderDatabaseWithoutTheJournal) {
-  testing::Sql(db(), "drop table gather_run");
-  ASSERT_EQ(Run({"list", ruleId, "--delay-ms", "0"}), 0);
-  EXPECT_EQ(Value("select count(*) from gather_run"), "1");
+TEST_F(GatherCommand, AnIdRunStoresEachIdOnceResumesAndSurvivesABadMarker) {
+  remote.Set("/id/3.html", {200, "<div class=\"none\">no such video</div>"});
+  remote.Set("/id/5.html", {404, "gone"});
+  // ID 2's link is known already (as the store keeps it, without "http://").
+  testing::Sql(db, "insert into db (title, url) values ('old', '" +
+                       remote.Url("/id/2.html").substr(7) + "')");
+  ASSERT_EQ(Run({"id", idRule, "--ids", "1-5", "--retries", "1", "--json"}), 0);
+  EXPECT_TRUE(
+      said.ends_with("\n{\"ids\":5,\"inserted\":2,\"updated\":1,\"no_data\":1,\"failed\":1}\n"))
+      << said;
+  EXPECT_NE(said.find("ID 5 failed"), npos) << said;
+  EXPECT_EQ(remote.Requests().size(), 6u);  // ID 5 twice (one retry)
+  EXPECT_EQ(Value("select title || '|' || content || '|' || source || '|' || source_url from db "
+                  "where url like '%/id/4.html'"),
+            "film 影片 4|film 影片 4|IdFixture|ids.test/");
+  EXPECT_EQ(Value("select group_concat(title) from (select title from db order by id)"),
+            "film 影片 2,film 影片 1,film 影片 4");
+  EXPECT_EQ(Value("select kind || next || (finished is not null) from gather_run"), "id61");
+
+  // A run stopped after ID 2 of 1-4, as a killed process leaves it in the journal: the rest
+  // is asked for, and the whole range is written.
+  testing::Sql(db,
+               "insert into gather_run (kind, rule_id, keyword, first, last, next, pages, "
+               "entries, inserted, updated, no_results, failed, started) values ('id', " +
+                   idRule + ", '', 1, 4, 3, 2, 2, 2, 0, 0, 0, datetime('now'))");
+  ASSERT_EQ(Run({"id", idRule, "--resume", "--json"}), 0);
+  EXPECT_NE(said.find("resuming run 2 of rule " + idRule + " at ID 3 of 1-4"), npos) << said;
+  EXPECT_TRUE(
+      said.ends_with("{\"ids\":4,\"inserted\":2,\"updated\":1,\"no_data\":1,\"failed\":0}\n"))
+      << said;
+  EXPECT_EQ(remote.Requests().size(), 8u);
+  EXPECT_EQ(Value("select \"range\" from gather_id_web"), "1 - 4");
+
+  testing::Sql(db, "update gather_id_web set title_start = '<h1('");
+  ASSERT_EQ(Run({"id", idRule, "--ids", "1-2", "--json"}), 0);
+  EXPECT_TRUE(said.ends_with("\"updated\":0,\"no_data\":0,\"failed\":2}\n")) << said;
+  EXPECT_NE(said.find("ID 2 failed: the rule cannot cut the page"), npos) << said;
+  EXPECT_EQ(Value("select count(*) || ',' || \"range\" from db, gather_id_web"), "3,1 - 2");
 }
 
 }  // namespace

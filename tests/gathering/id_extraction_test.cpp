@@ -1,3 +1,4 @@
+// Cutting one ID's page with markers that are regular-expression patterns.
 #include "gathering/id_extraction.h"
 
 #include <gtest/gtest.h>
@@ -7,67 +8,48 @@
 namespace ostrakan::gathering {
 namespace {
 
-TEST(IdGetText, CutsTheLeftmostTagFreeTextAndLowerCasesIt) {
+TEST(IdExtraction, CutsTheLeftmostTagFreeMatchIgnoringCaseWithPatternMarkers) {
   EXPECT_EQ(GetText(u"<p><h1>Hello World</h1><h1>Second</h1>", u"<h1>", u"</h1>"), u"hello world");
-  // A tag inside the markers: no match anywhere, so no title.
-  EXPECT_EQ(GetText(u"<h1>Hello <i>World</i></h1>", u"<h1>", u"</h1>"), u"");
-  // A capitalised tag matches a lower-case marker; the markers still come off.
+  EXPECT_EQ(GetText(u"<h1>Hello <i>World</i></h1>", u"<h1>", u"</h1>"), u"");  // a tag inside
   EXPECT_EQ(GetText(u"<H1>ÀBC 电影</H1>", u"<h1>", u"</h1>"), u"àbc 电影");
   EXPECT_EQ(GetText(u"no markers here", u"<h1>", u"</h1>"), u"");
-}
-
-TEST(IdGetText, MarkersArePatternSyntax) {
-  // A dot stands for any character, a class for its letters, a question mark for an option.
-  // The removal after the match is plain text: a marker written as a pattern does not occur
-  // literally in the match and stays in the result.
+  // Markers are patterns; the removal after the match is plain text, so a marker that does
+  // not occur literally in the match stays in the result.
   EXPECT_EQ(GetText(u"<h2 id=7>Film</h2>", u"<h2 id=7>", u"</h.>"), u"film</h2>");
   EXPECT_EQ(GetText(u"<title>Film</title>", u"<titles?>", u"</title>"), u"<title>film");
-  EXPECT_EQ(GetText(u"<h2 id=7>Film</h2>", u"<h2 id=.>", u"</h2>"), u"<h2 id=7>film");
   EXPECT_EQ(GetText(u"<b>Film</b>", u"<[ab]>", u"</b>"), u"<b>film");
-}
-
-TEST(IdGetText, AMarkerThatIsNotAPatternRaises) {
   EXPECT_THROW(GetText(u"<h1>x</h1>", u"<h1>(", u"</h1>"), ScriptError);
   EXPECT_THROW(GetText(u"<h1>x</h1>", u"<h1>", u"[</h1>"), ScriptError);
-}
-
-TEST(IdGetText, AMarkerCutKeepsWorkingAcrossPagesAndMarkers) {
+  // One cut serves page after page and marker after marker.
   MarkerCut cut;
   EXPECT_EQ(cut.GetText(u"<h1>One</h1>", u"<h1>", u"</h1>"), u"one");
   EXPECT_EQ(cut.GetText(u"<h1>Two</h1>", u"<h1>", u"</h1>"), u"two");
   EXPECT_EQ(cut.GetText(u"<h1>Two</h1><h3>Three</h3>", u"<h3>", u"</h3>"), u"three");
 }
 
-TEST(IdFiltration, StripsLayoutQuotesAndTags) {
-  EXPECT_EQ(Filtration(u" \"a\"&nbsp;<b>b</b> "), u"ab");
-  EXPECT_EQ(Filtration(u"a\tb\r\nc<br>d"), u"abcd");
-}
-
-TEST(IdPage, AddressAndNoDataMarker) {
+TEST(IdExtraction, AddressNoDataMarkerAndFiltration) {
   EXPECT_EQ(IdPageAddress(u"http://h/[id]/v[id].html", u"42"), u"http://h/42/v42.html");
   EXPECT_TRUE(IsNoDataPage(u"<p>Not Found</p>", u"Not Found"));
   EXPECT_FALSE(IsNoDataPage(u"<p>not found</p>", u"Not Found"));  // case-sensitive
   EXPECT_TRUE(IsNoDataPage(u"<p>x</p>", u""));                    // empty marker: always
   EXPECT_FALSE(IsNoDataPage(u"", u""));                           // an empty page never
+  EXPECT_EQ(Filtration(u" \"a\"&nbsp;<b>b</b>\tc\r\nd "), u"abcd");
 }
 
-TEST(IdExtractor, DescriptionIsAlwaysTheTitle) {
+TEST(IdExtraction, TheDescriptionIsAlwaysTheTitleButItsMarkersAreStillSearched) {
   IdRule rule;
   rule.error_html = u"404";
   rule.title_start = u"<h1>";
   rule.title_end = u"</h1>";
+  rule.content_start = u"<div class=d>";
+  rule.content_end = u"</div>";
   const std::u16string page = u"<h1> \"Big&nbsp;Film\" </h1><div class=d>Other text</div>";
   IdExtractor extractor;
   IdEntry e = extractor.Extract(page, rule);
   EXPECT_FALSE(e.noData);
   EXPECT_EQ(e.title, u"bigfilm");
   EXPECT_EQ(e.description, u"bigfilm");
-  rule.content_start = u"<div class=d>";
-  rule.content_end = u"</div>";
-  e = extractor.Extract(page, rule);
-  EXPECT_EQ(e.description, e.title);
-  // The discarded description is still searched: a bad marker there fails the page.
-  rule.content_start = u"(";
+  rule.content_start = u"(";  // a bad description marker fails the page
   EXPECT_THROW(extractor.Extract(page, rule), ScriptError);
   EXPECT_TRUE(extractor.Extract(u"error 404", rule).noData);
   rule.content_start = u"";

@@ -1,174 +1,130 @@
-// The category page generators: the pages they write from the site's real templates, the
-// record list's choice and order, and what happens to files when something is wrong.
+// The category page generators (the pages they write from the site's real templates, the
+// record list's choice and order, bad ids), the pages that drive them (one generator frame per
+// page to build, in the rebuild plan's order), and the public click-through goto.asp.
 #include <gtest/gtest.h>
 
-#include "categories/bound_query.h"
+#include <regex>
+
 #include "generation/category_pages.h"
 #include "platform/text/codepage.h"
 #include "support/category_fixture.h"
+#include "support/list_text.h"
 
 namespace ostrakan {
 namespace {
 
-using generation::Generated;
 using generation::PageKind;
 using testing::Count;
-using testing::ReadFile;
-using testing::Sql;
-using testing::TestRequest;
 
-const std::initializer_list<std::u16string_view> kGenerator = {u"InitFunction1", u"InitFunction2",
-                                                               u"InitFunction3"};
-
-class Generators : public testing::CategoryPages {
+class Generation : public testing::CategoryPages {
  protected:
   void SetUp() override {
     CategoryPages::SetUp();
     std::filesystem::copy(testing::SourceDir() / "site/template", site.root() / "template");
     std::filesystem::create_directories(site.root() / "list");
   }
+  // create_sort_one_ok.asp (Class26) or create_sort_two_ok.asp (Class23) for `id`.
   Run Generate(const char16_t* progId, const std::u16string& id) {
-    TestRequest r(site, u"/admin/create.asp", session);
-    auto page = CreateComponent(progId);
-    page->SetProperty(u"id", Variant(id));
-    const bool ranToEnd = testing::RunBlocks(*page, kGenerator);
-    page.reset();
-    return {r.text(), ranToEnd, 200};
+    return Page(progId, 3, {}, {}, {{u"id", id}});
   }
   std::u16string File(const std::string& relative) {
-    return text::Decode(ReadFile(site.root() / relative), 936);
+    return text::Decode(testing::ReadFile(site.root() / relative), 936);
   }
-  // Adds a record; `time` in ISO form.
   void AddRecord(const std::string& title, int click, const std::string& time,
                  const std::string& image = "NULL") {
-    Sql(site.database(),
-        "insert into db (title, content, url, image, source, source_url, click, time) values ('" +
-            title + "', '说明', 'v.test/" + title + "', " + image + ", '来源站', 'src.test', " +
-            std::to_string(click) + ", '" + time + "')");
+    testing::Sql(site.database(),
+                 "insert into db (title, content, url, image, source, source_url, click, time) "
+                 "values ('" +
+                     title + "', '说明', 'v.test/" + title + "', " + image +
+                     ", '来源站', 'src.test', " + std::to_string(click) + ", '" + time + "')");
   }
-  // The page as the headless command writes it, with Source_Show as given.
+  // The sub-category page as the headless command writes it, with Source_Show as given.
   std::u16string SubCategoryPage(int id, bool showSource) {
     auto conn = std::make_shared<ado::Connection>();
     conn->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
-    const Generated g =
+    const generation::Generated g =
         generation::GeneratePage(PageKind::SubCategory, *conn, fs::FileSystem::Real(),
                                  {site.root(), u"站", showSource}, Variant(id));
-    EXPECT_EQ(g.outcome, Generated::Outcome::Written) << g.failure;
+    EXPECT_EQ(g.outcome, generation::Generated::Outcome::Written) << g.failure;
     return File("list/list_" + std::to_string(id) + ".html");
   }
+  // The generator addresses of a driver page's frames, in page order ("one:2", "two:5" ...).
+  std::vector<std::string> Frames(const char16_t* progId, int blocks, const testing::Fields& query,
+                                  const testing::Fields& form = {}) {
+    const std::string text = ToUtf8(Page(progId, blocks, query, form).text);
+    static const std::regex frame(
+        "<iframe[^>]* src=\"create_sort_(one|two)_ok\\.asp\\?id=([^\"]*)\"");
+    std::vector<std::string> out;
+    for (std::sregex_iterator m(text.begin(), text.end(), frame), end; m != end; ++m)
+      out.push_back((*m)[1].str() + ":" + (*m)[2].str());
+    return out;
+  }
 };
+using Plan = std::vector<std::string>;
 
-TEST_F(Generators, TopLevelPageHasEveryLetterGroupAndLinksItsSubCategories) {
+TEST_F(Generation, TopLevelPagesLinkTheirSubCategoriesWhosePagesListTheirRecords) {
   const int top = AddCategory("电影");
-  for (int i = 1; i <= 6; ++i) AddCategory("动作" + std::to_string(i), top, 1);
-  AddCategory("喜剧", top, 3);
+  const int kungfu = AddCategory("功夫", top, 1);
+  for (int i = 1; i <= 5; ++i) AddCategory("动作" + std::to_string(i), top, 1);
   AddCategory("别家", AddCategory("电视"), 1);
-  const Run run = Generate(u"Ostrakan.Class26", u"1");
-  EXPECT_EQ(run.text, u"电影 >> 生成HTML成功！");
-  const std::u16string page = File("sort_list_1.html");
+  EXPECT_EQ(Generate(u"Ostrakan.Class26", u"1").text, u"电影 >> 生成HTML成功！");
+  std::u16string page = File("sort_list_1.html");
   EXPECT_EQ(page.find(u"[pellumar]"), std::u16string::npos);  // every marker replaced
-  EXPECT_NE(page.find(u"<title>电影 - 测试站点</title>"), std::u16string::npos);
-  EXPECT_EQ(Count(page, u"<a name='"), 26u);
-  EXPECT_NE(page.find(u"<a name='B'></a><table width='100%' border='0' cellpadding='5' "
-                      u"cellspacing='5'><tr><td width='50' align='center' bgcolor='#F5F5F5'>"
-                      u"<span style='bold;font-size: 18px;color: #666666;font-family: Arial;'>B"
-                      u"</span></td><td bgcolor='#F5F5F5'></td></tr></table>"),
-            std::u16string::npos);  // an empty group keeps its letter and its cell
-  // Six in group A: two lines of five, the second with four empty cells.
-  const size_t groupA = page.find(u"<a name='A'>");
-  const std::u16string a = page.substr(groupA, page.find(u"<a name='B'>") - groupA);
-  EXPECT_EQ(Count(a, u"<td width='20%' height='25'>"), 2u);
-  EXPECT_NE(a.find(u"<a href='list/list_2.html' target='_blank'>动作1</a>"), std::u16string::npos);
+  EXPECT_EQ(Count(page, u"<a name='"), 26u);                  // the empty groups too
+  EXPECT_NE(page.find(u"<a href='list/list_2.html' target='_blank'>功夫</a>"),
+            std::u16string::npos);
   EXPECT_EQ(page.find(u"别家"), std::u16string::npos);
-  EXPECT_NE(page.find(u"href=\"./\""), std::u16string::npos);  // back to the site's home
-}
+  // Without its template the page is not written again: logged, and the old page stays whole.
+  std::filesystem::remove(site.root() / "template/sort_one_list.asp");
+  AddCategory("新的", top, 2);
+  EXPECT_EQ(Generate(u"Ostrakan.Class26", u"1").text, u"");
+  EXPECT_EQ(File("sort_list_1.html"), page);
+  EXPECT_NE(site.log().find("\\admin\\create_sort_one_ok, InitFunction3: cannot find the file"),
+            std::string::npos);
 
-TEST_F(Generators, SubCategoryPageListsAtMostAHundredMatchingRecordsMostClickedThenNewest) {
-  const int id = AddCategory("功夫", AddCategory("电影"), 1);
+  // At most a hundred records whose title has the name, most clicked first, then newest.
   std::string sql = "begin;";
   for (int i = 0; i < 120; ++i)
     sql += "insert into db (title, url, click, time) values ('功夫片" + std::to_string(i) +
            "', 'u', " + std::to_string(i % 7) + ", '2020-01-01 00:00:00');";
-  Sql(site.database(), sql + "commit;");
+  testing::Sql(site.database(), sql + "commit;");
   AddRecord("老功夫", 50, "2019-05-05 10:00:00");
   AddRecord("新功夫", 50, "2021-05-05 10:00:00");
-  AddRecord("喜剧", 99, "2021-05-05 10:00:00");  // does not contain the name
-  EXPECT_EQ(Generate(u"Ostrakan.Class23", CStr(Variant(id))).text, u"功夫 >> 生成HTML成功！");
-  const std::u16string page = File("list/list_" + std::to_string(id) + ".html");
+  AddRecord("喜剧", 99, "2021-05-05 10:00:00");
+  EXPECT_EQ(Generate(u"Ostrakan.Class23", CStr(Variant(kungfu))).text, u"功夫 >> 生成HTML成功！");
+  page = File("list/list_" + std::to_string(kungfu) + ".html");
   EXPECT_EQ(Count(page, u"<table  width='68%'>"), 100u);
   EXPECT_EQ(page.find(u"喜剧"), std::u16string::npos);
   EXPECT_LT(page.find(u"新功夫"), page.find(u"老功夫"));
   EXPECT_LT(page.find(u"老功夫"), page.find(u"功夫片6"));
   EXPECT_EQ(page.find(u"功夫片0<"), std::u16string::npos);  // the least clicked are cut
-  EXPECT_NE(page.find(u"href=\"../\""), std::u16string::npos);
 }
 
-TEST_F(Generators, RecordsShowTheirPictureOrThePlaceholderAndTheirSourceWhenAsked) {
+TEST_F(Generation, RecordsShowTheirPictureOrThePlaceholderAndTheirSourceWhenAsked) {
   const int id = AddCategory("猫", 1, 1);
   AddRecord("猫和老鼠", 2, "2021-01-02 03:04:05", "'img.test/cat.jpg'");
   AddRecord("猫<b>", 1, "2021-01-02 03:04:05");
   std::u16string page = SubCategoryPage(id, true);
-  EXPECT_NE(page.find(u"<table  width='68%'><tr><td width='125'><a href='../goto.asp?id=1'  "
-                      u"target='_blank'><img src='http://img.test/cat.jpg' width='120' height='90' "
-                      u"border='0' onerror=\"src='../image/image.gif'\"></a></td> <td "
-                      u"valign='top'><span style='font-size: 14px'><a href='../goto.asp?id=1'  "
-                      u"target='_blank'>猫和老鼠</a></span><br><span style='line-height: "
-                      u"150%'>说明</span><br><span style='line-height: 150%'><font "
-                      u"color='#009900'>2021-1-2 3:04:05 来源：</font><a href='http://src.test' "
-                      u"target='_blank'><font color='#999999'>来源站</font></a><br><font "
-                      u"color='#009900'>v.test/猫和老鼠</font></span><br><br></td></tr></table>"),
-            std::u16string::npos)
-      << ToUtf8(page);
-  EXPECT_NE(page.find(u"<a href='../goto.asp?id=2'  target='_blank'><img src='../image/image.gif' "
-                      u"width='120' height='90' border='0'></a>"),
-            std::u16string::npos);
-  EXPECT_NE(page.find(u">猫&lt;b&gt;</a>"), std::u16string::npos);  // titles are text
+  for (const char16_t* part :
+       {u"<a href='../goto.asp?id=1'  target='_blank'><img src='http://img.test/cat.jpg' "
+        u"width='120' "
+        u"height='90' border='0' onerror=\"src='../image/image.gif'\"></a>",
+        u"<a href='../goto.asp?id=2'  target='_blank'><img src='../image/image.gif' width='120' "
+        u"height='90' border='0'></a>",
+        u"<font color='#009900'>2021-1-2 3:04:05 来源：</font><a href='http://src.test' "
+        u"target='_blank'><font color='#999999'>来源站</font></a>",
+        u">猫&lt;b&gt;</a>"})
+    EXPECT_NE(page.find(part), std::u16string::npos) << ToUtf8(part) << "\n" << ToUtf8(page);
   page = SubCategoryPage(id, false);
   EXPECT_EQ(page.find(u"来源"), std::u16string::npos);
   EXPECT_NE(page.find(u"3:04:05</font><br><font color='#009900'>"), std::u16string::npos);
-}
-
-TEST_F(Generators, SourceShowMeansTheNumberOne) {
-  EXPECT_TRUE(generation::ShowsSource(Variant(u"1")));
-  EXPECT_TRUE(generation::ShowsSource(Variant(1)));
-  for (const Variant& v : {Variant(u"0"), Variant(u""), Variant(u"yes"), Variant(), Variant(2)})
+  // Source_Show asks for the source when it is the number 1.
+  EXPECT_TRUE(generation::ShowsSource(Variant(u"1")) && generation::ShowsSource(Variant(1)));
+  for (const Variant& v : {Variant(u"0"), Variant(u"yes"), Variant(), Variant(2)})
     EXPECT_FALSE(generation::ShowsSource(v));
 }
 
-TEST_F(Generators, GeneratingTwiceOverwritesAndBadIdsWriteNothing) {
-  const int id = AddCategory("猫", 1, 1);
-  AddRecord("猫一", 1, "2021-01-01 00:00:00");
-  Generate(u"Ostrakan.Class23", u"1");
-  AddRecord("猫二", 1, "2021-01-01 00:00:00");
-  Generate(u"Ostrakan.Class23", CStr(Variant(id)));
-  EXPECT_NE(File("list/list_1.html").find(u"猫二"), std::u16string::npos);
-
-  for (const char16_t* bad : {u"", u"x", u"1 or 1=1", u"1;delete from sort"}) {
-    const Run run = Generate(u"Ostrakan.Class26", bad);
-    EXPECT_EQ(run.text, u"非法ID参数") << ToUtf8(bad);
-    EXPECT_FALSE(run.ranToEnd);
-  }
-  EXPECT_EQ(Generate(u"Ostrakan.Class26", u"42").text, u"该记录不存在或错误！");
-  EXPECT_FALSE(std::filesystem::exists(site.root() / "sort_list_42.html"));
-  EXPECT_EQ(Names(), "猫");
-}
-
-TEST_F(Generators, AMissingTemplateIsLoggedAndLeavesTheOldPage) {
-  const int top = AddCategory("电影");
-  Generate(u"Ostrakan.Class26", CStr(Variant(top)));
-  const std::string before = ReadFile(site.root() / "sort_list_1.html");
-  AddCategory("新的", top, 1);
-  std::filesystem::remove(site.root() / "template/sort_one_list.asp");
-  EXPECT_EQ(Generate(u"Ostrakan.Class26", u"1").text, u"");
-  EXPECT_EQ(ReadFile(site.root() / "sort_list_1.html"), before);
-  EXPECT_NE(site.log().find("\\admin\\create_sort_one_ok, InitFunction3: cannot find the file"),
-            std::string::npos)
-      << site.log();
-  for (const auto& entry : std::filesystem::directory_iterator(site.root()))
-    EXPECT_FALSE(entry.path().filename().string().starts_with(".sort_list_"));  // no temporary
-}
-
-TEST_F(Generators, QuotesAndLikeSignsInANameCannotChangeTheRecordQuery) {
+TEST_F(Generation, BadIdsAndQuotesOrLikeSignsInANameChangeNothing) {
   AddRecord("100%好", 1, "2021-01-01 00:00:00");
   AddRecord("100X好", 1, "2021-01-01 00:00:00");
   // "%" and "_" keep their meaning inside the pattern, as the name was always taken.
@@ -182,14 +138,77 @@ TEST_F(Generators, QuotesAndLikeSignsInANameCannotChangeTheRecordQuery) {
   EXPECT_NE(site.log().find("create_sort_two_ok, InitFunction3: [Microsoft][ODBC Microsoft Access "
                             "Driver] Syntax error"),
             std::string::npos);
+  for (const char16_t* bad : {u"", u"x", u"1 or 1=1", u"1;delete from sort"}) {
+    const Run run = Generate(u"Ostrakan.Class26", bad);
+    EXPECT_EQ(run.text, u"非法ID参数") << ToUtf8(bad);
+    EXPECT_FALSE(run.ranToEnd);
+  }
+  EXPECT_EQ(Generate(u"Ostrakan.Class26", u"42").text, u"该记录不存在或错误！");
+  EXPECT_FALSE(std::filesystem::exists(site.root() / "sort_list_42.html"));
   EXPECT_EQ(Value("select count(*) from db"), "2");
+  EXPECT_EQ(Value("select count(*) from sort"), "3");
+}
+
+TEST_F(Generation, DriverFramesFollowEachTopLevelPageWithItsSubCategories) {
+  EXPECT_EQ(Page(u"Ostrakan.Class58", 3).text, u"");  // create_all_instruction: nothing yet
+  AddCategory("电影");                                // 1
+  AddCategory("电视");                                // 2
+  AddCategory("动作", 1, 1);                          // 3
+  AddCategory("无字母", 2, 0);  // 4: hidden from the letter lists, still generated
+  AddCategory("喜剧", 1, 2);    // 5
+  EXPECT_EQ(Frames(u"Ostrakan.Class58", 3, {}),
+            (Plan{"one:1", "two:3", "two:5", "one:2", "two:4"}));
+  // The ticked ones (create_sort_one_instruction), bad values passed on for the generator.
+  EXPECT_EQ(Frames(u"Ostrakan.Class27", 3, {}, {{u"id", u"2"}, {u"id", u"1"}}),
+            (Plan{"one:2", "two:4", "one:1", "two:3", "two:5"}));
+  EXPECT_EQ(Frames(u"Ostrakan.Class27", 3, {}, {{u"id", u"1 or 1=1\"><b>"}}),
+            (Plan{"one:1 or 1=1&quot;&gt;&lt;b&gt;"}));
+  EXPECT_TRUE(Frames(u"Ostrakan.Class27", 3, {}).empty());
+  EXPECT_EQ(Frames(u"Ostrakan.Class57", 2, {{u"id", u"5"}, {u"id", u"3"}}),
+            (Plan{"two:5", "two:3"}));
+  // The lists to choose from link each category to its own generator.
+  std::u16string text = Page(u"Ostrakan.Class22", 4).text;  // create_sort.asp
+  EXPECT_EQ(testing::Ids(text), (std::vector<int>{1, 2}));
+  EXPECT_NE(text.find(u"<a href='create_sort_one_ok.asp?id=2' target='_blank'>生成HTML</a>"),
+            std::u16string::npos);
+  text = Page(u"Ostrakan.Class56", 5, {{u"sort", u"电影"}, {u"sort_id", u"1"}}).text;
+  EXPECT_NE(text.find(u"<a href='create_sort_two_ok.asp?id=5' target='_blank'>生成HTML</a>"),
+            std::u16string::npos);
+  EXPECT_EQ(Page(u"Ostrakan.Class56", 5, {{u"sort_id", u"x"}}).text, u"非法ID参数");
+
+  session = std::make_shared<Session>();  // nobody signed in
+  for (const char16_t* progId : {u"Ostrakan.Class21", u"Ostrakan.Class58", u"Ostrakan.Class26"})
+    EXPECT_NE(Page(progId, 3, {{u"id", u"1"}}).text.find(u"您目前还没有登录或登录超时！"),
+              std::u16string::npos);
+}
+
+TEST_F(Generation, GotoCountsOneClickAndRedirectsOrRefusesWithA404) {
+  testing::Sql(site.database(),
+               "insert into db (title, url, click) values ('a', 'v.test/a?x=1', 4);"
+               "insert into db (title, url, click) values ('b', 'https://v.test/b', null);"
+               "insert into db (title, url) values ('c', 'v.test/c\r\nSet-Cookie: x=1')");
+  session = std::make_shared<Session>();  // nobody signed in
+  auto go = [&](const std::u16string& id) {
+    return Page(u"Ostrakan.Goto", 2, {}, {}, {{u"id", id}});
+  };
+  const Run run = go(u"1");
+  EXPECT_EQ(run.status, 302);
+  EXPECT_EQ(run.location, "http://v.test/a?x=1");
+  EXPECT_EQ(go(u"2").location, "https://v.test/b");
+  EXPECT_EQ(go(u"3").location, "http://v.test/cSet-Cookie: x=1");  // no line break in a header
+  for (const char16_t* bad : {u"", u"x", u"1 or 1=1", u"1;update db set click=0", u"4"}) {
+    const Run refused = go(bad);
+    EXPECT_EQ(refused.status, 404);
+    EXPECT_EQ(refused.text, bad == std::u16string(u"4") ? u"该记录不存在或错误！" : u"非法ID参数");
+    EXPECT_EQ(refused.location, "");
+  }
+  EXPECT_EQ(Value("select group_concat(click) from (select click from db order by id)"), "5,1,1");
 }
 
 TEST(FillTemplate, ReplacesEveryMarkerEverywhereAndOnlyTheKindsList) {
   const std::u16string t =
-      u"[pellumar]title[/pellumar]|[pellumar]sort[/pellumar]|"
-      u"[pellumar]sort[/pellumar]|[pellumar]sort_list[/pellumar]|"
-      u"[pellumar]db_list[/pellumar]|[PELLUMAR]sort[/PELLUMAR]";
+      u"[pellumar]title[/pellumar]|[pellumar]sort[/pellumar]|[pellumar]sort[/pellumar]|"
+      u"[pellumar]sort_list[/pellumar]|[pellumar]db_list[/pellumar]|[PELLUMAR]sort[/PELLUMAR]";
   EXPECT_EQ(generation::FillTemplate(PageKind::TopLevel, t, u"T&", u"S", u"<L>"),
             u"T&amp;|S|S|<L>|[pellumar]db_list[/pellumar]|[PELLUMAR]sort[/PELLUMAR]");
   EXPECT_EQ(generation::FillTemplate(PageKind::SubCategory, t, u"T", u"S", u"<L>"),

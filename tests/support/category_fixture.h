@@ -23,28 +23,36 @@ class CategoryPages : public ::testing::Test {
     std::u16string text;
     bool ranToEnd;
     int status;
+    std::string location;  // the Location header
   };
-  // Runs the component's blocks with the query string and form; the page's text.
-  Run Page(const char16_t* progId, std::initializer_list<std::u16string_view> blocks,
-           const Fields& query = {}, const Fields& form = {},
-           std::u16string pagePath = u"/admin/page.asp") {
-    TestRequest r(site, std::move(pagePath), session);
+  // Runs InitFunction1 .. InitFunction<blocks> of the component with the query string, the
+  // form and the properties the page file would set.
+  Run Page(const char16_t* progId, int blocks, const Fields& query = {}, const Fields& form = {},
+           const Fields& properties = {}) {
+    TestRequest r(site, u"/admin/page.asp", session);
     for (const auto& [k, v] : query) r.request().queryString.Add(k, v);
     for (const auto& [k, v] : form) r.request().form.Add(k, v);
     auto page = CreateComponent(progId);
     EXPECT_TRUE(page) << ToUtf8(progId);
-    const bool ranToEnd = RunBlocks(*page, blocks);
+    for (const auto& [k, v] : properties) page->SetProperty(k, Variant(v));
+    bool ranToEnd = true;
+    for (int b = 1; b <= blocks && ranToEnd; ++b)
+      ranToEnd = RunBlocks(*page, {u"InitFunction" + FromUtf8(std::to_string(b))});
     page.reset();
-    return {r.text(), ranToEnd, r.response().StatusCode()};
+    Run run{r.text(), ranToEnd, r.response().StatusCode(), ""};
+    for (const auto& [name, value] : r.response().Headers())
+      if (name == "Location") run.location = value;
+    return run;
   }
 
   // Adds a category and returns its id.
   int AddCategory(const std::string& name, int parent = 0, int letter = 0) {
     Sql(site.database(), "insert into sort (sort, sort_id, alphabetical_id) values ('" + name +
                              "', " + std::to_string(parent) + ", " + std::to_string(letter) + ")");
-    return std::stoi(SqlValue(site.database(), "select max(id) from sort"));
+    return std::stoi(Value("select max(id) from sort"));
   }
   std::string Value(const std::string& sql) { return SqlValue(site.database(), sql); }
+  // The names of the categories (those matching `where`), in table order.
   std::string Names(const std::string& where = "1") {
     return Value("select group_concat(sort, '|') from (select sort from sort where " + where +
                  " order by id)");

@@ -1,26 +1,18 @@
 // Numbered pages of the fixture remote site and an ID rule that cuts them, for the ID
-// gathering tests of the command, the pages and the benchmarks.
+// gathering tests of the command and the benchmarks.
 #pragma once
 
 #include <string>
 
-#include "core/variant.h"
-#include "platform/text/codepage.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::testing {
 
-// The page of ID `id`: a title "Film 影片 <id>" between <H1> tags, a description paragraph.
-inline std::string FixtureIdPage(long id, std::u16string_view charset = u"utf-8") {
-  const std::u16string n = FromUtf8(std::to_string(id));
-  return text::EncodeCharset(
-      u"<html><body><H1>Film 影片 " + n + u"</H1><p class=\"d\">About " + n + u"</p></body></html>",
-      charset);
-}
-
-// The page of an ID the site does not have.
-inline std::string FixtureNoDataPage() {
-  return "<html><body><div class=\"none\">no such video</div></body></html>";
+// The page of ID `id` in UTF-8: a title "Film 影片 <id>" in <H1> tags, a description paragraph;
+// the site answers an ID it does not have with <div class="none">.
+inline std::string FixtureIdPage(long id) {
+  const std::string n = std::to_string(id);
+  return "<html><body><H1>Film 影片 " + n + "</H1><p class=\"d\">About " + n + "</p></body></html>";
 }
 
 // Inserts a rule for the pages at `gatherUrl` ("[id]" in it) into gather_id_web, stored as the
