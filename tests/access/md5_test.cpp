@@ -7,60 +7,33 @@
 namespace ostrakan {
 namespace {
 
-struct Case {
-  std::u16string text;
-  std::u16string digest;
-};
-
-void ExpectDigests(const std::vector<Case>& cases) {
-  for (const Case& c : cases) EXPECT_EQ(Md5(c.text), c.digest) << c.text.size() << " characters";
-}
-
-TEST(Md5, Rfc1321TestSuite) {
-  ExpectDigests({
-      {u"", u"d41d8cd98f00b204e9800998ecf8427e"},
-      {u"a", u"0cc175b9c0f1b6a831c399e269772661"},
-      {u"abc", u"900150983cd24fb0d6963f7d28e17f72"},
-      {u"message digest", u"f96b697d7cb7938d525a2f31aaf161d0"},
-      {u"abcdefghijklmnopqrstuvwxyz", u"c3fcd3d76192e4007dfb496cca67e13b"},
-      {u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789",
-       u"d174ab98d277d9f5a5611c2c9f419d9f"},
-      {u"1234567890123456789012345678901234567890"
-       u"1234567890123456789012345678901234567890",
-       u"57edf4a22be3c955ac49da2e2107b67a"},
-  });
-}
-
-TEST(Md5, CaseOfTheInputCountsAndTheOutputIsLowerCaseHex) {
-  ExpectDigests({
-      {u"ABC", u"902fbdd2b1df0c4f70b4a5d23525e932"},
-      {u"Abc", u"35593b7ce5020eae3ca68fd5b6f3e031"},
-  });
-  for (const std::u16string& digest : {Md5(u"ABC"), Md5(u"Password1"), Md5(u"\u7ba1")}) {
-    ASSERT_EQ(digest.size(), 32u);
-    for (char16_t c : digest) EXPECT_TRUE((c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f'));
-  }
-}
-
-// Around the point where the length words no longer fit into the last block (56 positions)
-// and around whole blocks.
-TEST(Md5, BlockBoundaries) {
-  const std::u16string alphabet =
-      u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.a";
-  ExpectDigests({
-      {alphabet.substr(0, 55), u"3d373b8cd6fd069d313cdc3f38a18963"},
-      {alphabet.substr(0, 56), u"d43e61e9b5f8c9d22c4dc5db6e6df775"},
-      {alphabet.substr(0, 57), u"1583f1f0cbc2e11de8f2278ba2e13878"},
-      {alphabet.substr(0, 63), u"cf72e0a1cf43736b8548f877ac0c3c12"},
-      {alphabet.substr(0, 64), u"056ca5796b608093c56e659ea08b9760"},
-      {alphabet.substr(0, 65), u"cf1126f0f3e9ce55b00f8b8554a84012"},
-  });
+void ExpectDigests(const std::vector<std::pair<std::u16string, std::u16string>>& cases) {
+  for (const auto& [text, digest] : cases) EXPECT_EQ(Md5(text), digest) << text.size();
 }
 
 std::u16string Repeat(std::u16string_view part, int times) {
   std::u16string out;
   for (int i = 0; i < times; ++i) out += part;
   return out;
+}
+
+// The RFC 1321 suite, and the lengths around the point where the length words no longer fit
+// into the last block (56) and around whole blocks.
+TEST(Md5, AsciiTextGivesTheStandardDigest) {
+  const std::u16string alphabet =
+      u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.a";
+  ExpectDigests({
+      {u"", u"d41d8cd98f00b204e9800998ecf8427e"},
+      {u"abc", u"900150983cd24fb0d6963f7d28e17f72"},
+      {u"ABC", u"902fbdd2b1df0c4f70b4a5d23525e932"},
+      {u"message digest", u"f96b697d7cb7938d525a2f31aaf161d0"},
+      {Repeat(u"1234567890", 8), u"57edf4a22be3c955ac49da2e2107b67a"},
+      {alphabet.substr(0, 55), u"3d373b8cd6fd069d313cdc3f38a18963"},
+      {alphabet.substr(0, 56), u"d43e61e9b5f8c9d22c4dc5db6e6df775"},
+      {alphabet.substr(0, 63), u"cf72e0a1cf43736b8548f877ac0c3c12"},
+      {alphabet.substr(0, 64), u"056ca5796b608093c56e659ea08b9760"},
+      {alphabet.substr(0, 65), u"cf1126f0f3e9ce55b00f8b8554a84012"},
+  });
 }
 
 // A double-byte character takes one byte position and its code's sign bits fill the higher
@@ -73,18 +46,11 @@ TEST(Md5, DoubleByteCharactersSpillTheirSignIntoTheirWord) {
       {u"abc\u4e2d", u"34a3d53acf9543d17b55ca74c71df56d"},           // abc中: top byte only
       {u"\u7ba1\u7406\u5458", u"0f3a3d38aadfd1a786cdc6bbc7249191"},  // 管理员
       {u"admin\u7ba1\u7406", u"800b8477735cab4b3e564cf3ee57baa5"},   // admin管理
-      {u"\u5bc6\u7801\u6d4b\u8bd5\u4e00\u4e8c\u4e09\u56db\u4e94\u516d\u4e03\u516b\u4e5d\u5341",
-       u"f674921756c3f621108a05fa10ab22a2"},  // 密码测试一二三四五六七八九十
       {Repeat(u"\u4e2d\u6587abc", 12), u"6a5b89c0bfcc8e54b326526e29aac78e"},  // 60: two blocks
       {Repeat(u"\u4e2d\u6587abc", 14), u"13a69c871c1c9bac5257e1781bb362bc"},  // 70
   });
-  // MD5 of the GBK bytes of the same texts.
-  EXPECT_NE(Md5(u"\u7ba1\u7406\u5458"), u"8178134ede762c42e41a7b1695082e28");
-  EXPECT_NE(Md5(u"\u4e2d"), u"5301da37e5ffca1823a5cef67488d4bf");
-}
-
-TEST(Md5, CharacterOutsideTheCodePageCountsAsQuestionMark) {
-  EXPECT_EQ(Md5(u"a\u0e01b"), Md5(u"a?b"));  // Thai ko kai has no GBK code
+  EXPECT_NE(Md5(u"\u7ba1\u7406\u5458"), u"8178134ede762c42e41a7b1695082e28");  // of GBK bytes
+  EXPECT_EQ(Md5(u"a\u0e01b"), Md5(u"a?b"));  // Thai ko kai has no GBK code: a "?"
 }
 
 }  // namespace

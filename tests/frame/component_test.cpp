@@ -1,98 +1,99 @@
+// A page component's blocks: errors logged by the guard, the end of a response, settings and
+// properties, the object context, the sign-in guard and the connection block.
 #include "frame/component.h"
 
 #include <gtest/gtest.h>
 
 #include "frame/page_blocks.h"
 #include "frame/site_page.h"
+#include "platform/ado/connection.h"
 #include "support/page_harness.h"
 
 namespace ostrakan {
 namespace {
 
 using testing::RunBlocks;
-using testing::TestRequest;
-using testing::TestSite;
 
-// A page whose blocks fail in the ways a real page can.
+// A signed-in page whose blocks open the connection or fail in the ways a real page can.
 class Probe : public SitePage {
  public:
-  Probe() : SitePage(u"\\admin\\sort_manage") {
+  Probe() : SitePage(u"\\admin\\probe") {
     Property(u"conn", conn);
-    Block(u"InitFunction2", [this] { Guard(u"InitFunction2", [] { throw TypeMismatch(); }); });
-    Block(u"InitFunction3", [this] { Guard(u"InitFunction3", [this] { ran3 = true; }); });
-    Block(u"InitFunction4", [this] { Guard(u"InitFunction4", [this] { Helper(); }); });
+    Property(u"connstr", connstr);
+    Block(u"InitFunction2", [this] {
+      Guard(u"InitFunction2",
+            [this] { OpenConnection(*this, u"InitFunction2", DB, connstr, conn); });
+    });
+    Block(u"InitFunction3", [this] { Guard(u"InitFunction3", [] { throw TypeMismatch(); }); });
+    Block(u"InitFunction4", [this] {
+      Guard(u"InitFunction4", [this] { Guard(u"Helper", [] { WriteAndEnd(u"stop"); }); });
+    });
     Block(u"InitFunction5",
           [this] { Guard(u"InitFunction5", [] { throw std::runtime_error("disk full"); }); });
     Block(u"InitFunction6",
           [this] { Guard(u"InitFunction6", [] { (void)std::vector<int>().at(3); }); });
+    Block(u"InitFunction7", [this] { Guard(u"InitFunction7", [this] { ran7 = true; }); });
   }
-  void Helper() {
-    Guard(u"Helper", [] { WriteAndEnd(u"stop"); });
-  }
-  Variant conn;
-  bool ran3 = false;
+  Variant conn, connstr;
+  bool ran7 = false;
+
+ protected:
+  void FirstBlock() override { PageHeaderGuard(Admin_Session); }
 };
 
-TEST(Component, AnErrorIsLoggedOnceAndThePageGoesOn) {
-  TestSite site;
-  TestRequest request(site);
+class Page : public ::testing::Test {
+ protected:
+  Page() { session->Set(u"Ostrakan_Admin", Variant(u"admin")); }
+  std::u16string ConnectionStringFor(const std::filesystem::path& file) {
+    return u"DBQ=" + FromUtf8(file.string()) +
+           u";DefaultDir=;DRIVER={Microsoft Access Driver (*.mdb)};";
+  }
+  testing::TestSite site;
+  std::shared_ptr<Session> session = std::make_shared<Session>();
+  testing::TestRequest request{site, u"/admin/probe.asp", session};
   Probe page;
-  EXPECT_TRUE(RunBlocks(page, {u"InitFunction1", u"InitFunction2", u"InitFunction3"}));
-  EXPECT_TRUE(page.ran3);
-  std::string log = site.log();
-  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
-  EXPECT_NE(log.find("    \\admin\\sort_manage, InitFunction2: Type mismatch\r\n"),
-            std::string::npos)
-      << log;
-  // A foreign exception is logged the same way.
-  EXPECT_TRUE(RunBlocks(page, {u"InitFunction5"}));
-  EXPECT_NE(site.log().find("\\admin\\sort_manage, InitFunction5: disk full"), std::string::npos);
-}
+};
 
+TEST_F(Page, AnErrorIsLoggedOnceAndThePageGoesOn) {
+  EXPECT_TRUE(RunBlocks(page, {u"InitFunction1", u"InitFunction3", u"InitFunction7"}));
+  EXPECT_TRUE(page.ran7);
+  EXPECT_TRUE(RunBlocks(page, {u"InitFunction5"}));  // a foreign exception, the same way
+  const std::string log = site.log();
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
+  EXPECT_NE(log.find("    \\admin\\probe, InitFunction3: Type mismatch\r\n"), std::string::npos);
+  EXPECT_NE(log.find("    \\admin\\probe, InitFunction5: disk full\r\n"), std::string::npos);
 #ifdef OSTRAKAN_STRICT
-// In the test build a programming error is not swallowed into the log.
-TEST(Component, AProgrammingErrorEscapesTheGuardInTheTestBuild) {
-  TestSite site;
-  TestRequest request(site);
-  Probe page;
+  // In the test build a programming error is not swallowed into the log.
   EXPECT_THROW(RunBlocks(page, {u"InitFunction6"}), std::out_of_range);
-  EXPECT_EQ(site.log(), "");
-}
+  EXPECT_EQ(site.log(), log);
 #endif
+}
 
-TEST(Component, EndingTheResponsePassesThroughNestedMethodsUnlogged) {
-  TestSite site;
-  TestRequest request(site);
-  Probe page;
-  EXPECT_FALSE(RunBlocks(page, {u"InitFunction4", u"InitFunction3"}));
-  EXPECT_FALSE(page.ran3);
+TEST_F(Page, EndingTheResponsePassesThroughNestedMethodsUnlogged) {
+  EXPECT_FALSE(RunBlocks(page, {u"InitFunction4", u"InitFunction7"}));
+  EXPECT_FALSE(page.ran7);
   EXPECT_TRUE(request.response().ended());
   EXPECT_EQ(request.text(), u"stop");
   EXPECT_EQ(site.log(), "");
 }
 
-TEST(Component, SettingsAreCopiedAndObjectsShared) {
-  TestSite site;
-  TestRequest request(site);
-  Probe page;
+TEST_F(Page, SettingsAreCopiedAndObjectsShared) {
   auto args = testing::Settings();
-  struct Connection : Object {};
-  auto shared = std::make_shared<Connection>();
+  auto shared = std::make_shared<Object>();
   args[4] = Variant(shared);
   page.Invoke(u"InitFunction1", args);
-  EXPECT_EQ(page.WebSite_Title.str(), u"测试站点");
-  EXPECT_EQ(page.ODB.As<Connection>(), shared);
   args[0] = u"changed";
   EXPECT_EQ(CStr(page.GetProperty(u"website_title")), u"测试站点");  // names ignore case
+  EXPECT_EQ(page.ODB.As<Object>(), shared);
   EXPECT_THROW(page.GetProperty(u"nope"), ScriptError);
   page.SetProperty(u"CONN", Variant(5));
   EXPECT_EQ(CLng(page.conn), 5);
 }
 
-TEST(Component, ContextIsAttachedByConstructionAndClearedByDestruction) {
-  TestSite site;
+TEST(PageContext, IsAttachedByConstructionAndClearedByDestruction) {
+  testing::TestSite site;
   {
-    TestRequest request(site);
+    testing::TestRequest request(site);
     auto first = std::make_unique<Probe>();
     EXPECT_EQ(&CurrentResponse(), &request.response());
     EXPECT_TRUE(CurrentContext().scriptControl);
@@ -102,7 +103,49 @@ TEST(Component, ContextIsAttachedByConstructionAndClearedByDestruction) {
   // Outside a request, construction succeeds with an empty context.
   Probe lonely;
   EXPECT_FALSE(CurrentContext().request);
-  EXPECT_TRUE(RunBlocks(lonely, {u"InitFunction3"}));
+  EXPECT_TRUE(RunBlocks(lonely, {u"InitFunction7"}));
+}
+
+TEST_F(Page, TheGuardRefusesWithoutTheSessionValueButSendsNoStoreHeaders) {
+  session->Remove(u"Ostrakan_Admin");
+  EXPECT_FALSE(RunBlocks(page, {u"InitFunction1", u"InitFunction2", u"InitFunction7"}));
+  EXPECT_FALSE(page.ran7);
+  EXPECT_EQ(request.text(),
+            u"<Script>window.alert('您目前还没有登录或登录超时！');window.parent.location."
+            u"replace('index.asp');</Script>");
+  // no-store as well, so that no copy of an administration page outlives the sign-out.
+  std::string headers;
+  for (const auto& [name, value] : request.response().Headers())
+    headers += name + ":" + value + ";";
+  EXPECT_NE(headers.find("Pragma:No-Cache;"), std::string::npos) << headers;
+  EXPECT_NE(headers.find("Cache-Control:no-cache, no-store;Expires:"), std::string::npos)
+      << headers;
+  EXPECT_EQ(site.log(), "");
+}
+
+TEST_F(Page, AnyNonEmptyValuePassesAndTheConnectionOpens) {
+  session->Set(u"Ostrakan_Admin", Variant(0));
+  EXPECT_TRUE(RunBlocks(page, {u"InitFunction1", u"InitFunction2", u"InitFunction7"}));
+  EXPECT_TRUE(page.ran7);
+  EXPECT_EQ(page.connstr.str(), ConnectionStringFor(site.database()));
+  ASSERT_TRUE(page.conn.As<ado::Connection>());
+  EXPECT_EQ(page.conn.As<ado::Connection>()->State(), 1);
+}
+
+TEST_F(Page, AMissingDatabaseStopsThePageWithTheSetupMessage) {
+  std::filesystem::remove(site.database());
+  EXPECT_FALSE(RunBlocks(page, {u"InitFunction1", u"InitFunction2", u"InitFunction7"}));
+  EXPECT_EQ(request.text(), u"数据库连接出错，请检查Setup.asp文件中的数据库参数设置。");
+  EXPECT_TRUE(page.conn.IsObject() && !page.conn.object());  // Nothing
+  EXPECT_FALSE(std::filesystem::exists(site.database()));    // never created
+  EXPECT_NE(site.log().find("\\admin\\probe, InitFunction2: "), std::string::npos);
+
+  // An empty database setting maps the site's root folder, which is no database either.
+  auto args = testing::Settings();
+  args[2] = u"";
+  page.Invoke(u"InitFunction1", args);
+  EXPECT_FALSE(RunBlocks(page, {u"InitFunction2"}));
+  EXPECT_EQ(page.connstr.str(), ConnectionStringFor(site.root()));
 }
 
 }  // namespace

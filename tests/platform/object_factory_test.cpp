@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/text/stream.h"
-
 namespace ostrakan {
 namespace {
 
@@ -19,17 +17,6 @@ TEST(ObjectFactory, EachCallMakesANewObjectAndUnknownNamesAreError429) {
     EXPECT_EQ(e.number, 429);
     EXPECT_EQ(e.description, u"ActiveX component can't create object");
   }
-}
-
-TEST(ObjectFactory, ProgIdsCanBeReplacedAndRemoved) {
-  ObjectFactory factory = ObjectFactory::WithPlatformObjects();
-  factory.Register(u"adodb.stream", [] { return std::make_shared<ScriptControl>(); });
-  EXPECT_TRUE(std::dynamic_pointer_cast<ScriptControl>(factory.Create(u"ADODB.Stream")));
-  factory.Unregister(u"ADODB.STREAM");
-  EXPECT_FALSE(factory.Has(u"ADODB.Stream"));
-  EXPECT_THROW(factory.Create(u"ADODB.Stream"), ScriptError);
-  EXPECT_TRUE(factory.Has(u"adodb.connection"));
-  EXPECT_TRUE(ObjectFactory::Default().Has(u"ADODB.Stream"));  // copies are independent
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
-// Runs page components without a server: a temporary site (copied pages' data files and a
-// fresh SQLite database from the schema), and an in-memory request context published as the
-// thread's object context.
+// Runs page components without a server: a temporary site with a fresh SQLite database, and an
+// in-memory request context published as the thread's object context.
 #pragma once
 
 #include <sqlite3.h>
@@ -8,9 +7,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <optional>
 #include <random>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "frame/error_log.h"
 #include "frame/request_context.h"
@@ -26,9 +27,7 @@ inline std::filesystem::path SourceDir() {
 
 inline std::string ReadFile(const std::filesystem::path& p) {
   std::ifstream in(p, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
+  return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 // A fresh, empty directory removed again at the end of the test.
@@ -38,67 +37,54 @@ class TempDir {
     const char* root = std::getenv("OSTRAKAN_TMP");
     std::filesystem::path base = root ? root : std::filesystem::temp_directory_path();
     std::filesystem::create_directories(base);
-    std::random_device rd;
-    path_ = base / ("ostrakan-" + std::to_string(getpid()) + "-" + std::to_string(rd()));
-    std::filesystem::create_directories(path_);
+    path_ = base /
+            ("ostrakan-" + std::to_string(getpid()) + "-" + std::to_string(std::random_device()()));
+    std::filesystem::create_directories(path_);  // as the umask has it: others may look in
   }
-  ~TempDir() {
-    std::error_code ec;
-    std::filesystem::remove_all(path_, ec);
-  }
+  ~TempDir() { std::filesystem::remove_all(path_, removeError_); }
   const std::filesystem::path& path() const { return path_; }
 
  private:
   std::filesystem::path path_;
+  std::error_code removeError_;
 };
 
-// Runs SQL on a database file directly (test set-up and checks), failing loudly.
-inline void Sql(const std::filesystem::path& db, const std::string& sql) {
+// Runs SQL on a database file directly (test set-up and checks), failing loudly; the first
+// column of the first row it gives, as text ("" for none or NULL).
+inline std::string Sql(const std::filesystem::path& db, const std::string& sql) {
+  std::optional<std::string> first;
+  auto keepFirst = [](void* out, int, char** values, char**) {
+    auto& first = *static_cast<std::optional<std::string>*>(out);
+    if (!first) first = values[0] ? values[0] : "";
+    return 0;
+  };
   sqlite3* h = nullptr;
-  if (sqlite3_open_v2(db.c_str(), &h, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) !=
-      SQLITE_OK)
-    throw std::runtime_error("cannot open " + db.string());
+  sqlite3_open(db.c_str(), &h);
   sqlite3_busy_timeout(h, 5000);
   char* err = nullptr;
-  int rc = sqlite3_exec(h, sql.c_str(), nullptr, nullptr, &err);
-  std::string message = err ? err : "";
+  const int rc = sqlite3_exec(h, sql.c_str(), keepFirst, &first, &err);
+  const std::string message = err ? err : "";
   sqlite3_free(err);
   sqlite3_close(h);
   if (rc != SQLITE_OK) throw std::runtime_error("SQL failed: " + message + " in " + sql);
+  return first.value_or("");
 }
-
-// The first column of the first row of a query, as text ("" for none or NULL).
 inline std::string SqlValue(const std::filesystem::path& db, const std::string& sql) {
-  sqlite3* h = nullptr;
-  sqlite3_open_v2(db.c_str(), &h, SQLITE_OPEN_READONLY, nullptr);
-  sqlite3_stmt* st = nullptr;
-  std::string out;
-  if (sqlite3_prepare_v2(h, sql.c_str(), -1, &st, nullptr) == SQLITE_OK &&
-      sqlite3_step(st) == SQLITE_ROW && sqlite3_column_text(st, 0))
-    out = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
-  sqlite3_finalize(st);
-  sqlite3_close(h);
-  return out;
+  return Sql(db, sql);
 }
 
-// A site folder with the prepared files of the real site and a fresh database at data/test.db.
-class TestSite {
+// A site folder with a fresh database at data/test.db made from the site's schema, whose error
+// log is the process's.
+class TestSite : public TempDir {
  public:
   TestSite() {
-    auto admin = root() / "admin";
-    std::filesystem::create_directories(admin / "inc");
     std::filesystem::create_directories(root() / "data");
-    for (const char* f : {"head.fix", "body.Fix"})
-      std::filesystem::copy_file(SourceDir() / "site/admin/inc" / f, admin / "inc" / f);
     Sql(database(), ReadFile(SourceDir() / "site/data/schema.sql"));
     SetErrorLogPath(root() / "data/PagebindLog.Log");
   }
-  const std::filesystem::path& root() const { return dir_.path(); }
+  const std::filesystem::path& root() const { return path(); }
   std::filesystem::path database() const { return root() / "data/test.db"; }
   std::string log() const { return ReadFile(root() / "data/PagebindLog.Log"); }
-
- private:
-  TempDir dir_;
 };
 
 // One request: the five objects, published as the thread's object context while it lives.
@@ -118,8 +104,6 @@ class TestRequest {
   }
   Request& request() { return *objects_.request; }
   Response& response() { return *objects_.response; }
-  Session& session() { return *objects_.session; }
-  std::shared_ptr<Session> sharedSession() { return objects_.session; }
   std::u16string text() const { return objects_.response->Text(); }
 
  private:
@@ -136,9 +120,9 @@ inline Component::Args Settings() {
   return args;
 }
 
-// Calls the named blocks in order, as a page file does; true when the page ran to its end,
-// false when a block ended the response.
-inline bool RunBlocks(Component& page, std::initializer_list<std::u16string_view> blocks) {
+// Calls the named blocks in order, as a page file does (InitFunction1 with the settings); true
+// when the page ran to its end, false when a block ended the response.
+inline bool RunBlocks(Component& page, const std::vector<std::u16string_view>& blocks) {
   try {
     for (auto name : blocks) {
       Component::Args args;

@@ -1,0 +1,105 @@
+// The pager shared by the paged lists (records, search results, keywords), and the record list
+// that pages with it against a real database file.
+#include "admin/admin_pages.h"
+#include "platform/clock.h"
+#include "records/pager.h"
+
+namespace ostrakan {
+namespace {
+
+using namespace testing;
+using records::PagerLine;
+using records::ShownPage;
+constexpr auto npos = std::u16string::npos;
+
+TEST(Pager, ShowsTheRequestedPageClampedToTheCount) {
+  EXPECT_EQ(ShownPage(2, 40, 20), 2);
+  EXPECT_EQ(ShownPage(0, 40, 20), 1);
+  EXPECT_EQ(ShownPage(-7, 40, 20), 1);
+  EXPECT_EQ(ShownPage(3, 40, 20), 2);  // would start right at the end
+  EXPECT_EQ(ShownPage(3, 41, 20), 3);  // one row on the last page
+  EXPECT_EQ(ShownPage(32767, 40, 20), 2);
+  EXPECT_EQ(ShownPage(2, 0, 20), 1);
+}
+
+TEST(Pager, LinksOnlyWhereThereIsAPageToGoTo) {
+  const records::PagerStyle records{u"条记录", false}, keywords{u"个关键词", true};
+  EXPECT_EQ(PagerLine(records, u"", Variant(40), 20, 1, Variant(40)),
+            u"第一页 上一页 <a href='?page=2&db_count=40'>下一页</a> "
+            u"<a href='?page=2&db_count=40'>最后一页</a> 共40条记录 页次：1/2页");
+  EXPECT_EQ(PagerLine(records, u"", Variant(40), 20, 2, Variant(u"40")),
+            u"<a href='?page=1'>第一页</a> <a href='?page=1&db_count=40'>上一页</a> 下一页 "
+            u"最后一页 共40条记录 页次：2/2页");
+  // The list's keys come before "page"; the keyword list's first link carries the count too.
+  EXPECT_EQ(PagerLine(keywords, u"keyword=x&", Variant(65), 30, 2, Variant(65)),
+            u"<a href='?keyword=x&page=1&db_count=65'>第一页</a> "
+            u"<a href='?keyword=x&page=1&db_count=65'>上一页</a> "
+            u"<a href='?keyword=x&page=3&db_count=65'>下一页</a> "
+            u"<a href='?keyword=x&page=3&db_count=65'>最后一页</a> 共65个关键词 页次：2/3页");
+  EXPECT_EQ(PagerLine(records, u"", Variant(1), 20, 1, Variant(1)),
+            u"第一页 上一页 下一页 最后一页 共1条记录 页次：1/1页");
+}
+
+class RecordList : public AdminPages {
+ protected:
+  // Records 1 .. n.
+  void AddRecords(int n) {
+    Sql(site.database(),
+        "with recursive n(i) as (select 1 union all select i + 1 from n where i < " +
+            std::to_string(n) +
+            ") insert into db (id, title, url) select i, 't' || i, 'v' || i from n");
+  }
+  PageRun List(const Keys& query = {}) { return Run(u"Ostrakan.Class30", 4, query); }
+};
+
+TEST_F(RecordList, PagesShowTheirRowsAndClampToTheLast) {
+  AddRecords(45);
+  PageRun first = List();
+  EXPECT_EQ(Ids(first.text), Descending(45, 26));  // newest first
+  EXPECT_NE(first.text.find(u"页次：1/3页"), npos);
+  EXPECT_EQ(ReturnUrl(), u"db_list.asp?page=1");
+  EXPECT_EQ(Ids(List({{u"page", u"2"}, {u"db_count", u"45"}}).text), Descending(25, 6));
+  EXPECT_EQ(Ids(List({{u"page", u"-7"}}).text), Descending(45, 26));
+  for (const char16_t* last : {u"3", u"4", u"32767"}) {  // the last page, and past it
+    PageRun run = List({{u"page", last}});
+    EXPECT_EQ(Ids(run.text), Descending(5, 1)) << ToUtf8(last);
+    EXPECT_NE(run.text.find(u"页次：3/3页"), npos);
+    EXPECT_EQ(ReturnUrl(), u"db_list.asp?page=3");
+  }
+  // A count carried over from before records were deleted is trusted: its last page is empty.
+  PageRun stale = List({{u"page", u"5"}, {u"db_count", u"100"}});
+  EXPECT_EQ(Ids(stale.text), std::vector<int>{});
+  EXPECT_NE(stale.text.find(u"页次：5/5页"), npos);
+  EXPECT_EQ(site.log(), "");
+
+  // Not a number, or beyond a 16-bit integer: logged before any of the list is written.
+  for (const char16_t* bad : {u"abc", u"32768"}) {
+    PageRun run = List({{u"page", bad}});
+    EXPECT_TRUE(run.completed);
+    EXPECT_EQ(run.text, u"") << ToUtf8(bad);
+  }
+  EXPECT_NE(site.log().find("\\admin\\db_list, InitFunction4: Type mismatch"), std::string::npos);
+  EXPECT_NE(site.log().find("\\admin\\db_list, InitFunction4: Overflow"), std::string::npos);
+}
+
+TEST_F(RecordList, ARowLinksTheRecordsPagesAndEscapesItsText) {
+  // The page times itself by the process's clock: a clock that stands still gives zero.
+  TestClock clock(MakeDate(2026, 1, 2, 3, 4, 5));
+  ScopedClock fixed(clock);
+  EXPECT_EQ(List().text, u"<br>0.000000 秒");  // no rows, no pager
+
+  Sql(site.database(),
+      "insert into db (id, title, url, source, source_url, time) values "
+      "(7, 'a<b>&', 'v.com/?a=1&b=''2''', '源<', 'src.com', '2026-01-02 03:04:05')");
+  const std::u16string text = List().text;
+  for (const char16_t* part :
+       {u"<input name='id' type='checkbox' id='id' value='7'> <a href='db_edit.asp?id=7'>"
+        u"a&lt;b&gt;&amp;</a> [<a href='db_edit.asp?id=7'>修改</a>][<a "
+        u"href='javascript:db_delete(7)'>删除</a>]",
+        u"<a href='http://v.com/?a=1&amp;b=&#39;2&#39;' target='_blank'>v.com/?a=1&amp;b='2'</a>",
+        u"来源：<a href='http://src.com' target='_blank'>源&lt;</a> 日期：2026-1-2 3:04:05<br>"})
+    EXPECT_NE(text.find(part), npos) << ToUtf8(part);
+}
+
+}  // namespace
+}  // namespace ostrakan
