@@ -63,7 +63,7 @@ TEST(ConnectionString, NamesTheFileAfterDbq) {
                            u"Driver (*.mdb)};"),
             u"/srv/site/data/a.mdb");
   EXPECT_EQ(DatabasePathOf(u"driver={x}; dbq = /a b/c.mdb ;"), u"/a b/c.mdb");
-  EXPECT_EQ(DatabasePathOf(u"DRIVER={x};DefaultDir=;"), u"");
+  EXPECT_EQ(DatabasePathOf(u"DRIVER={x};DefaultDir=;"), std::nullopt);
 }
 
 TEST_F(Database, OpeningAMissingFileFailsAndCreatesNothing) {
