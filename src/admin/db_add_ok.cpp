@@ -29,8 +29,7 @@ void DbAddOk::InitFunction3() {
     const bool stored = records::WriteUnlessAddressTaken(conn, Url.str(), Variant(), [&] {
       // An empty, updatable set to add the row to.
       ado::Recordset& records = OpenRecordset(rs, u"select * from db where id is null", conn, 1, 3);
-      records.AddNew();
-      records::StoreRecordForm(records, fields);
+      records::AddRecordForm(records, fields);
     });
     if (!stored) {
       CloseAndRelease(conn);

@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
+#include "platform/clock.h"
 
 namespace ostrakan::admin {
 
@@ -67,7 +68,8 @@ void Login::InitFunction3() {
     const std::u16string where = u" where id=" + CStr(id);
     Execute(conn, u"update admin set login_ip='" + TextOf(request.ServerVariables(u"REMOTE_ADDR")) +
                       u"'" + where);
-    Execute(conn, u"update admin set login_time=#" + GeneralDate(Now()) + u"#" + where);
+    Execute(conn,
+            u"update admin set login_time=#" + GeneralDate(CurrentClock().Now()) + u"#" + where);
     CloseAndRelease(conn);
     CurrentResponse().Write(u"<Script>location.replace('main.asp');</Script>");
   });

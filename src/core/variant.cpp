@@ -319,21 +319,6 @@ double MakeDate(int y, int mo, int d, int h, int mi, int s) {
   return days + (h * 3600.0 + mi * 60.0 + s) / 86400.0;
 }
 
-double Now() {
-  time_t t = time(nullptr);
-  struct tm lt;
-  localtime_r(&t, &lt);
-  return MakeDate(lt.tm_year + 1900, lt.tm_mon + 1, lt.tm_mday, lt.tm_hour, lt.tm_min, lt.tm_sec);
-}
-
-double Timer() {
-  struct timespec ts;
-  clock_gettime(CLOCK_REALTIME, &ts);
-  struct tm lt;
-  localtime_r(&ts.tv_sec, &lt);
-  return lt.tm_hour * 3600.0 + lt.tm_min * 60.0 + lt.tm_sec + ts.tv_nsec / 1e9;
-}
-
 std::u16string GeneralDate(double ole) {
   DateParts p = Split(ole);
   char buf[64];

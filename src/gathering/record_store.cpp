@@ -3,6 +3,7 @@
 #include "frame/filtration.h"
 #include "gathering/bound_sql.h"
 #include "platform/ado/write_transaction.h"
+#include "platform/clock.h"
 
 namespace ostrakan::gathering {
 namespace {
@@ -12,7 +13,7 @@ Variant Left(std::u16string_view text, size_t n) {
 }
 
 Variant NowText() {
-  return Variant(IsoDate(Now()));
+  return Variant(IsoDate(CurrentClock().Now()));
 }
 
 }  // namespace

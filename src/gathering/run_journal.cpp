@@ -2,6 +2,7 @@
 
 #include "gathering/bound_sql.h"
 #include "platform/ado/recordset.h"
+#include "platform/clock.h"
 
 namespace ostrakan::gathering {
 namespace {
@@ -33,7 +34,7 @@ JournalRun StartRun(ado::Connection& conn, std::u16string kind, long long ruleId
            "insert into gather_run (kind, rule_id, keyword, first, last, next, started) "
            "values (?, ?, ?, ?, ?, ?, ?)",
            {Variant(run.kind), Number(ruleId), Variant(run.keyword), Number(first), Number(last),
-            Number(first), Variant(IsoDate(Now()))});
+            Number(first), Variant(IsoDate(CurrentClock().Now()))});
   run.id = *QueryNumber(conn, "select last_insert_rowid()", {});
   return run;
 }
@@ -68,7 +69,7 @@ void RecordProgress(ado::Connection& conn, const JournalRun& run, bool finished)
            "no_results = ?, failed = ?, finished = ? where id = ?",
            {Number(run.next), Number(c.pages), Number(c.entries), Number(c.inserted),
             Number(c.updated), Number(c.noResults), Number(c.failed),
-            finished ? Variant(IsoDate(Now())) : Variant::Null(), Number(run.id)});
+            finished ? Variant(IsoDate(CurrentClock().Now())) : Variant::Null(), Number(run.id)});
 }
 
 }  // namespace ostrakan::gathering

@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "platform/ado/connection.h"
+#include "platform/clock.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::ado {
@@ -224,7 +225,7 @@ TEST_F(Database, AddNewInsertsAndTheNewRowBecomesCurrent) {
   rs->SetField(u"source", Variant::Date(MakeDate(2023, 1, 2)));
   rs->Update();
   EXPECT_EQ(CLng(rs->Field(u"id")), 3);
-  EXPECT_LT(std::abs(CDate(rs->Field(u"time")) - Now()), 1.0 / 24);
+  EXPECT_LT(std::abs(CDate(rs->Field(u"time")) - CurrentClock().Now()), 1.0 / 24);
   EXPECT_EQ(Value("select title from db where id=3"), "-1");  // True is stored as -1
   EXPECT_EQ(Value("select source from db where id=3"), "2023-01-02 00:00:00");
   EXPECT_EQ(Value("select count(*) from db"), "3");
