@@ -25,5 +25,9 @@ ado::Recordset& OpenRecordset(Variant& holder, std::u16string_view sql, const Va
 
 // Whether a request value may go into SQL text as an identifier: not empty, and numeric.
 bool IsValidId(const Variant& id);
+// An identifier that passed IsValidId, as the number to bind.
+inline Variant IdNumber(const Variant& id) {
+  return Variant(CDbl(id));
+}
 
 }  // namespace ostrakan

@@ -2,7 +2,6 @@
 // record list's choice and order, and what happens to files when something is wrong.
 #include <gtest/gtest.h>
 
-#include "categories/bound_query.h"
 #include "generation/category_pages.h"
 #include "platform/text/codepage.h"
 #include "support/category_fixture.h"
