@@ -50,8 +50,7 @@ void StoreRecordForm(ado::Recordset& rs, const RecordFields& fields) {
   rs.Update();
 }
 
-void AddRecordForm(ado::Recordset& rs, const RecordFields& fields) {
-  rs.AddNew();
+void StoreNewRecordForm(ado::Recordset& rs, const RecordFields& fields) {
   rs.SetField(u"time", Variant::Date(CurrentClock().Now()));
   StoreRecordForm(rs, fields);
 }

@@ -40,7 +40,7 @@ std::u16string DuplicateAlert(std::u16string_view url);
 // Sets the five fields of the set's current row and writes the row: an empty content is stored
 // as Null, the source address without "http://".
 void StoreRecordForm(ado::Recordset& rs, const RecordFields& fields);
-// Adds a row to the updatable set as StoreRecordForm does, its time the process's clock now.
-void AddRecordForm(ado::Recordset& rs, const RecordFields& fields);
+// StoreRecordForm for the set's new row (after AddNew), its time the process's clock now.
+void StoreNewRecordForm(ado::Recordset& rs, const RecordFields& fields);
 
 }  // namespace ostrakan::records
