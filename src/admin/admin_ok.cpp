@@ -18,13 +18,8 @@ void AdminOk::InitFunction4() {
     password = request.Form(u"password");
     filtration(password);
     ado::Recordset& records =
-        OpenRecordset(rs, u"select * from admin where username=?", conn, 1, 3,
-                      {Variant(TextOf(CurrentSession().Get(TextOf(Admin_Session))))});
-    if (records.Bof() && records.Eof()) {
-      CloseAndRelease(rs);
-      CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
-    }
+        OpenRequiredRow(rs, u"select * from admin where username=?", conn, 3,
+                        {Variant(TextOf(CurrentSession().Get(TextOf(Admin_Session))))});
     Variant newName = request.Form(u"username");
     records.SetField(u"username", filtration(newName));
     records.SetField(u"password", MD5(password));

@@ -19,12 +19,6 @@ std::u16string SortListAddress(const Variant& sort, const Variant& sortId) {
   return u"sort_list.asp?sort=" + UrlQuery(TextOf(sort)) + u"&sort_id=" + UrlQuery(TextOf(sortId));
 }
 
-void RequireId(const Variant& id, Variant& conn) {
-  if (IsValidId(id)) return;
-  CloseAndRelease(conn);
-  WriteAndEnd(u"非法ID参数");
-}
-
 void TypeMismatch() {
   throw ScriptError(13, u"Type mismatch");
 }

@@ -18,9 +18,6 @@ std::vector<Variant> RequestValues(std::u16string_view name);
 // carries the address.
 std::u16string SortListAddress(const Variant& sort, const Variant& sortId);
 
-// Ends the page with "非法ID参数" when `id` fails the number test, closing `conn` first.
-void RequireId(const Variant& id, Variant& conn);
-
 // Error 13, for a value that a statement would have taken as a number.
 [[noreturn]] void TypeMismatch();
 

@@ -2,14 +2,13 @@
 // record already has its address.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/record_form_ok.h"
 
 namespace ostrakan::admin {
 
-class DbAddOk : public DatabasePage {
+class DbAddOk : public RecordFormOk {
  public:
   DbAddOk();
-  Variant rs, Content, Url;
   void InitFunction3();
 };
 

@@ -52,16 +52,8 @@ DbEdit::DbEdit() : DatabasePage(u"\\admin\\db_edit") {
 void DbEdit::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     id = CurrentRequest().QueryString(u"id");
-    if (!IsValidId(id)) {
-      CloseAndRelease(conn);
-      WriteAndEnd(u"非法ID参数");
-    }
-    ado::Recordset& records = OpenRecordset(rs, u"select * from db where id=" + TextOf(id), conn);
-    if (records.Eof() && records.Bof()) {
-      CloseAndRelease(rs);
-      CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
-    }
+    RequireId(id, conn);
+    ado::Recordset& records = OpenRequiredRow(rs, u"select * from db where id=" + TextOf(id), conn);
     // The stored values go into the fields as they are.
     auto field = [&](std::u16string_view name) { return TextOf(records.Field(name)); };
     std::u16string page(kHead);

@@ -2,14 +2,14 @@
 // keep its own address but not take another record's.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/record_form_ok.h"
 
 namespace ostrakan::admin {
 
-class DbEditOk : public DatabasePage {
+class DbEditOk : public RecordFormOk {
  public:
   DbEditOk();
-  Variant rs, id, Content, Url;
+  Variant id;
   void InitFunction3();
 };
 

@@ -16,17 +16,9 @@ GatherIdDb::GatherIdDb() : DatabasePage(u"\\admin\\gather_id_db") {
 
 void GatherIdDb::InitFunction3() {
   Guard(u"InitFunction3", [&] {
-    if (!IsValidId(id)) {
-      CloseAndRelease(conn);
-      WriteAndEnd(u"非法ID参数");
-    }
+    RequireId(id, conn);
     ado::Recordset& records =
-        OpenRecordset(rs, u"select id,web from gather_id_web where id=" + TextOf(id), conn);
-    if (records.Eof() && records.Bof()) {
-      CloseAndRelease(rs);
-      CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
-    }
+        OpenRequiredRow(rs, u"select id,web from gather_id_web where id=" + TextOf(id), conn);
     web = records.Field(u"web");
     CloseAndRelease(rs);
     CloseAndRelease(conn);

@@ -2,20 +2,14 @@
 // rebuilt (a hidden frame loads gather_id_web_update.asp) and returns to the rule list.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/id_rule_form_ok.h"
 
 namespace ostrakan::admin {
 
-class GatherIdWebAddOk : public DatabasePage {
+class GatherIdWebAddOk : public IdRuleFormOk {
  public:
   GatherIdWebAddOk();
-  Variant rs, Content_Start, Content_End;
   void InitFunction3();
 };
-
-// The hidden frame that rebuilds the rule file once a rule is stored.
-constexpr std::u16string_view kIdRuleFileFrame =
-    u"<iframe name=\"gather_id_web_update\" frameborder=\"0\" width=\"100%\" height=\"25\" "
-    u"scrolling=\"no\" src=\"gather_id_web_update.asp\"></iframe>";
 
 }  // namespace ostrakan::admin

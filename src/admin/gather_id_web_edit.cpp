@@ -16,17 +16,9 @@ GatherIdWebEdit::GatherIdWebEdit() : DatabasePage(u"\\admin\\gather_id_web_edit"
 void GatherIdWebEdit::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     id = CurrentRequest().QueryString(u"id");
-    if (!IsValidId(id)) {
-      CloseAndRelease(conn);
-      WriteAndEnd(u"非法ID参数");
-    }
+    RequireId(id, conn);
     ado::Recordset& records =
-        OpenRecordset(rs, u"select * from gather_id_web where id=" + TextOf(id), conn);
-    if (records.Eof() && records.Bof()) {
-      CloseAndRelease(rs);
-      CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
-    }
+        OpenRequiredRow(rs, u"select * from gather_id_web where id=" + TextOf(id), conn);
     gathering::IdRule rule = gathering::ReadIdRule(records);
     for (std::u16string* marker : {&rule.error_html, &rule.title_start, &rule.title_end,
                                    &rule.content_start, &rule.content_end}) {

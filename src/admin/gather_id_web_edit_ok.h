@@ -2,14 +2,14 @@
 // stays), has the rule file rebuilt and goes back to the form.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/id_rule_form_ok.h"
 
 namespace ostrakan::admin {
 
-class GatherIdWebEditOk : public DatabasePage {
+class GatherIdWebEditOk : public IdRuleFormOk {
  public:
   GatherIdWebEditOk();
-  Variant rs, id, Content_Start, Content_End;
+  Variant id;
   void InitFunction3();
 };
 

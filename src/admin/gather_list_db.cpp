@@ -21,17 +21,9 @@ GatherListDb::GatherListDb() : DatabasePage(u"\\admin\\gather_list_db") {
 void GatherListDb::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     Variant requested = CurrentRequest().QueryString(u"id");
-    if (!IsValidId(requested)) {
-      CloseAndRelease(conn);
-      WriteAndEnd(u"非法ID参数");
-    }
-    ado::Recordset& rule = OpenRecordset(
+    RequireId(requested, conn);
+    ado::Recordset& rule = OpenRequiredRow(
         rs, u"select id,web from gather_list_web where id=" + TextOf(requested), conn);
-    if (rule.Eof() && rule.Bof()) {
-      CloseAndRelease(rs);
-      CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
-    }
     id = rule.Field(u"id");
     web = rule.Field(u"web");
     CloseAndRelease(rs);

@@ -2,15 +2,13 @@
 // and regenerates the rule list.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/gather_list_web_form.h"
 
 namespace ostrakan::admin {
 
-class GatherListWebAddOk : public DatabasePage {
+class GatherListWebAddOk : public ListRuleFormOk {
  public:
   GatherListWebAddOk();
-  Variant rs, Image_Start, Image_End, Url_Filtration, V_Url, Title_Filtration, Content_Start,
-      Content_End, Content_Filtration;
   void InitFunction3();
 };
 

@@ -15,17 +15,9 @@ GatherListWebEdit::GatherListWebEdit() : DatabasePage(u"\\admin\\gather_list_web
 void GatherListWebEdit::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     id = CurrentRequest().QueryString(u"id");
-    if (!IsValidId(id)) {
-      CloseAndRelease(conn);
-      WriteAndEnd(u"非法ID参数");
-    }
+    RequireId(id, conn);
     ado::Recordset& rules =
-        OpenRecordset(rs, u"select * from gather_list_web where id=" + TextOf(id), conn);
-    if (rules.Eof() && rules.Bof()) {
-      CloseAndRelease(rs);
-      CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
-    }
+        OpenRequiredRow(rs, u"select * from gather_list_web where id=" + TextOf(id), conn);
     gathering::ListRule values;
     for (const auto& f : gathering::ListRuleFields()) {
       Variant v = rules.Field(f.column);

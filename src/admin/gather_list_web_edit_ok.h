@@ -2,15 +2,14 @@
 // regenerates the rule list.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/gather_list_web_form.h"
 
 namespace ostrakan::admin {
 
-class GatherListWebEditOk : public DatabasePage {
+class GatherListWebEditOk : public ListRuleFormOk {
  public:
   GatherListWebEditOk();
-  Variant rs, id, Image_Start, Image_End, Url_Filtration, V_Url, Title_Filtration, Content_Start,
-      Content_End, Content_Filtration;
+  Variant id;
   void InitFunction3();
 };
 

@@ -128,11 +128,30 @@ std::u16string ListRuleEditPage(std::u16string_view id, const gathering::ListRul
 
 namespace ostrakan::admin {
 
-void SetRuleFieldsFromForm(ado::Recordset& rs) {
-  Request& request = CurrentRequest();
+ListRuleFormOk::ListRuleFormOk(std::u16string context) : DatabasePage(std::move(context)) {
+  for (auto [name, member] : {std::pair{u"rs", &rs},
+                              {u"Image_Start", &Image_Start},
+                              {u"Image_End", &Image_End},
+                              {u"Url_Filtration", &Url_Filtration},
+                              {u"V_Url", &V_Url},
+                              {u"Title_Filtration", &Title_Filtration},
+                              {u"Content_Start", &Content_Start},
+                              {u"Content_End", &Content_End},
+                              {u"Content_Filtration", &Content_Filtration}})
+    Property(name, *member);
+  UseFiltration(FilterKind::QuoteDoubling);
+}
+
+void ListRuleFormOk::StorePostedRule(const Variant& id) {
+  ado::Recordset& rules = OpenRowToStore(rs, u"gather_list_web", id, conn);
+  const Request& request = CurrentRequest();
   for (const auto& f : gathering::ListRuleFields())
-    rs.SetField(f.column,
-                Variant(Filter(FilterKind::QuoteDoubling, TextOf(request.Form(f.column)))));
+    rules.SetField(f.column,
+                   Variant(Filter(FilterKind::QuoteDoubling, TextOf(request.Form(f.column)))));
+  rules.Update();
+  CloseAndRelease(rs);
+  RegenerateRuleList(conn);
+  CloseAndRelease(conn);
 }
 
 void RegenerateRuleList(const Variant& conn) {

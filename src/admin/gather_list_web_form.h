@@ -1,10 +1,12 @@
 // The list-site rule form of the edit page (the add page's file carries the same form, empty):
-// labels, inputs and the browser's check of the required fields.
+// labels, inputs and the browser's check of the required fields; and what the two pages that
+// receive it (gather_list_web_add_ok.asp, gather_list_web_edit_ok.asp) share.
 #pragma once
 
 #include <string>
 
 #include "core/variant.h"
+#include "frame/database_page.h"
 #include "gathering/list_rule.h"
 
 namespace ostrakan::admin {
@@ -15,15 +17,24 @@ std::u16string ListRuleEditPage(std::u16string_view id, const gathering::ListRul
 
 }  // namespace ostrakan::admin
 
-namespace ostrakan::ado {
-class Recordset;
-}
-
 namespace ostrakan::admin {
 
-// Sets the twenty rule fields of the current row from the posted form, each value with its
-// double quotes doubled, so that the rule file keeps valid string literals.
-void SetRuleFieldsFromForm(ado::Recordset& rs);
+// A page that stores the posted rule. The rule's properties below are the page's own and stay
+// Empty.
+class ListRuleFormOk : public DatabasePage {
+ public:
+  Variant rs, Image_Start, Image_End, Url_Filtration, V_Url, Title_Filtration, Content_Start,
+      Content_End, Content_Filtration;
+
+ protected:
+  explicit ListRuleFormOk(std::u16string context);
+
+  // Stores the twenty rule fields of the posted form, each value with its double quotes doubled
+  // so that the rule file keeps valid string literals, as a new rule when `id` is Empty, else
+  // into the rule `id` (the page ends with the missing-record alert when there is none); then
+  // regenerates the rule list and closes `rs` and `conn`.
+  void StorePostedRule(const Variant& id);
+};
 
 // Writes the rule list file beside the admin pages from the template, for the page being run
 // (the frame that the add and edit pages load does the same).

@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
+#include "platform/clock.h"
 
 namespace ostrakan::admin {
 
@@ -52,7 +53,7 @@ void Login::InitFunction3() {
              u"');history.go(-1);</Script>");
 
     ado::Recordset& records =
-        OpenRecordset(rs, u"select * from admin where username='" + TextOf(username) + u"'", conn);
+        OpenRecordset(rs, u"select * from admin where username=?", conn, 1, 1, {username});
     if (records.Bof() && records.Eof())
       refuse(u"<Script>window.alert('管理帐号错误！');javascript:history.back(1);</Script>");
     if (!Equals(records.Field(u"password"), MD5(password)))
@@ -64,10 +65,8 @@ void Login::InitFunction3() {
     session.Set(u"login_time", records.Field(u"login_time"));
     CloseAndRelease(rs);
 
-    const std::u16string where = u" where id=" + CStr(id);
-    Execute(conn, u"update admin set login_ip='" + TextOf(request.ServerVariables(u"REMOTE_ADDR")) +
-                      u"'" + where);
-    Execute(conn, u"update admin set login_time=#" + GeneralDate(Now()) + u"#" + where);
+    Execute(conn, u"update admin set login_ip=?, login_time=? where id=?",
+            {request.ServerVariables(u"REMOTE_ADDR"), Variant::Date(CurrentClock().Now()), id});
     CloseAndRelease(conn);
     CurrentResponse().Write(u"<Script>location.replace('main.asp');</Script>");
   });

@@ -2,7 +2,8 @@
 
 #include <set>
 
-#include "categories/bound_query.h"
+#include "frame/data_access.h"
+#include "platform/ado/recordset.h"
 #include "platform/ado/write_transaction.h"
 
 namespace ostrakan::categories {
@@ -11,31 +12,40 @@ namespace {
 
 constexpr std::u16string_view kColumns = u"select id,sort,sort_id,alphabetical_id from sort ";
 
-Category RowOf(const BoundQuery& q) {
-  return Category{q.Long(0), q.Text(1), q.Long(2), q.Long(3)};
+// A whole-number column of the row; Null as 0.
+int32_t Whole(const ado::Recordset& rs, int ordinal) {
+  const Variant v = rs.FieldAt(ordinal);
+  return v.IsNull() ? 0 : CLng(v);
 }
 
-std::vector<Category> Rows(BoundQuery q) {
+Category RowOf(const ado::Recordset& rs) {
+  return Category{Whole(rs, 0), TextOf(rs.FieldAt(1)), Whole(rs, 2), Whole(rs, 3)};
+}
+
+std::vector<Category> Rows(ado::Connection& conn, std::u16string_view where,
+                           const ado::Params& params) {
   std::vector<Category> out;
-  while (q.Next()) out.push_back(RowOf(q));
+  for (auto rs = conn.Execute(std::u16string(kColumns) + std::u16string(where), params); !rs->Eof();
+       rs->MoveNext())
+    out.push_back(RowOf(*rs));
   return out;
 }
 
 }  // namespace
 
 std::vector<Category> TopLevel(ado::Connection& conn) {
-  return Rows(BoundQuery(conn, std::u16string(kColumns) + u"where sort_id=0 order by id", {}));
+  return Rows(conn, u"where sort_id=0 order by id", {});
 }
 
 std::vector<Category> ChildrenOf(ado::Connection& conn, const Variant& parent) {
-  return Rows(BoundQuery(conn, std::u16string(kColumns) + u"where sort_id=?1 order by id",
-                         {IdValue(parent)}));
+  return Rows(conn, u"where sort_id=? order by id", {IdNumber(parent)});
 }
 
 std::vector<Letter> Letters(ado::Connection& conn) {
-  BoundQuery q(conn, u"select id,alphabetical from alphabetical order by id", {});
   std::vector<Letter> out;
-  while (q.Next()) out.push_back(Letter{q.Long(0), q.Text(1)});
+  for (auto rs = conn.Execute(u"select id,alphabetical from alphabetical order by id"); !rs->Eof();
+       rs->MoveNext())
+    out.push_back(Letter{Whole(*rs, 0), TextOf(rs->FieldAt(1))});
   return out;
 }
 
@@ -43,20 +53,16 @@ std::vector<LetterGroup> LetterGroups(ado::Connection& conn, const Variant& pare
   std::vector<LetterGroup> groups;
   for (Letter& letter : Letters(conn)) groups.push_back(LetterGroup{std::move(letter), {}});
   // One query for all groups: the children come sorted by name and are dealt to their group.
-  BoundQuery q(conn, std::u16string(kColumns) + u"where sort_id=?1 order by sort, id",
-               {IdValue(parent)});
-  while (q.Next()) {
-    Category c = RowOf(q);
+  for (Category& c : Rows(conn, u"where sort_id=? order by sort, id", {IdNumber(parent)}))
     for (LetterGroup& g : groups)
       if (g.letter.id == c.letter) g.categories.push_back(c);
-  }
   return groups;
 }
 
 std::optional<Category> Find(ado::Connection& conn, const Variant& id) {
-  BoundQuery q(conn, std::u16string(kColumns) + u"where id=?1", {IdValue(id)});
-  if (!q.Next()) return std::nullopt;
-  return RowOf(q);
+  std::vector<Category> found = Rows(conn, u"where id=?", {IdNumber(id)});
+  if (found.empty()) return std::nullopt;
+  return found.front();
 }
 
 std::u16string ParentPath(ado::Connection& conn, const Category& chosen) {
@@ -77,8 +83,8 @@ int32_t FormNumber(const Variant& value) {
 }
 
 void AddCategory(ado::Connection& conn, std::u16string_view name, int32_t parent, int32_t letter) {
-  RunBound(conn, u"insert into sort (sort,sort_id,alphabetical_id) values (?1,?2,?3)",
-           {Variant(name), Variant(parent), Variant(letter)});
+  conn.Execute(u"insert into sort (sort,sort_id,alphabetical_id) values (?,?,?)",
+               {Variant(name), Variant(parent), Variant(letter)});
 }
 
 void AddCategories(ado::Connection& conn, const std::vector<std::u16string>& names, int32_t parent,
@@ -90,12 +96,13 @@ void AddCategories(ado::Connection& conn, const std::vector<std::u16string>& nam
 
 bool UpdateCategory(ado::Connection& conn, const Variant& id, std::u16string_view name,
                     int32_t parent, int32_t letter) {
-  return RunBound(conn, u"update sort set sort=?1,sort_id=?2,alphabetical_id=?3 where id=?4",
-                  {Variant(name), Variant(parent), Variant(letter), IdValue(id)}) > 0;
+  conn.Execute(u"update sort set sort=?,sort_id=?,alphabetical_id=? where id=?",
+               {Variant(name), Variant(parent), Variant(letter), IdNumber(id)});
+  return conn.recordsAffected() > 0;
 }
 
 void DeleteWithChildren(ado::Connection& conn, const Variant& id) {
-  RunBound(conn, u"delete from sort where id=?1 or sort_id=?1", {IdValue(id)});
+  conn.Execute(u"delete from sort where id=?1 or sort_id=?1", {IdNumber(id)});
 }
 
 }  // namespace ostrakan::categories

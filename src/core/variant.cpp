@@ -28,22 +28,21 @@ std::u16string FormatDouble(double d) {
 
 // Parses a numeric text as the runtime's conversions accept it: blanks around, an optional
 // sign, digits with an optional decimal point, an optional exponent, or "&H"/"&O" forms.
-bool ParseNumber(std::u16string_view s, double& out) {
+std::optional<double> ParseNumber(std::u16string_view s) {
   size_t b = 0, e = s.size();
   while (b < e && IsBlank(s[b])) ++b;
   while (e > b && IsBlank(s[e - 1])) --e;
-  if (b == e) return false;
+  if (b == e) return std::nullopt;
   std::string ascii;
   for (size_t i = b; i < e; ++i) {
-    if (s[i] > 127) return false;
+    if (s[i] > 127) return std::nullopt;
     ascii += static_cast<char>(s[i]);
   }
   if (ascii.size() > 2 && ascii[0] == '&' && (ascii[1] == 'H' || ascii[1] == 'h')) {
     char* end = nullptr;
     unsigned long long v = std::strtoull(ascii.c_str() + 2, &end, 16);
-    if (*end || ascii.size() > 10) return false;
-    out = static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(v)));
-    return true;
+    if (*end || ascii.size() > 10) return std::nullopt;
+    return static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(v)));
   }
   size_t i = 0;
   if (ascii[i] == '+' || ascii[i] == '-') ++i;
@@ -53,17 +52,18 @@ bool ParseNumber(std::u16string_view s, double& out) {
     ++i;
     while (i < ascii.size() && std::isdigit(static_cast<unsigned char>(ascii[i]))) ++i, ++digits;
   }
-  if (digits == 0) return false;
+  if (digits == 0) return std::nullopt;
   if (i < ascii.size() && (ascii[i] == 'e' || ascii[i] == 'E')) {
     ++i;
     if (i < ascii.size() && (ascii[i] == '+' || ascii[i] == '-')) ++i;
     size_t expDigits = 0;
     while (i < ascii.size() && std::isdigit(static_cast<unsigned char>(ascii[i]))) ++i, ++expDigits;
-    if (expDigits == 0) return false;
+    if (expDigits == 0) return std::nullopt;
   }
-  if (i != ascii.size()) return false;
-  out = std::strtod(ascii.c_str(), nullptr);
-  return std::isfinite(out);
+  if (i != ascii.size()) return std::nullopt;
+  const double out = std::strtod(ascii.c_str(), nullptr);
+  if (!std::isfinite(out)) return std::nullopt;
+  return out;
 }
 
 // Round half to even, as the runtime's integer conversions do.
@@ -201,8 +201,7 @@ double NumberOf(const Variant& v) {
     case VarType::Date:
       return VariantAccess::Date(v);
     case VarType::String: {
-      double d;
-      if (ParseNumber(v.str(), d)) return d;
+      if (std::optional<double> d = ParseNumber(v.str())) return *d;
       throw TypeMismatch();
     }
     default:
@@ -269,8 +268,7 @@ double CDate(const Variant& v) {
   if (v.type() == VarType::Date) return VariantAccess::Date(v);
   if (v.IsString()) {
     if (auto date = ParseDate(v.str())) return *date;
-    double d;
-    if (ParseNumber(v.str(), d)) return d;
+    if (std::optional<double> d = ParseNumber(v.str())) return *d;
     throw TypeMismatch();
   }
   return NumberOf(v);
@@ -284,10 +282,8 @@ bool IsNumeric(const Variant& v) {
     case VarType::Long:
     case VarType::Double:
       return true;
-    case VarType::String: {
-      double d;
-      return ParseNumber(v.str(), d);
-    }
+    case VarType::String:
+      return ParseNumber(v.str()).has_value();
     default:
       return false;  // Null, Date, objects and byte arrays
   }
@@ -321,21 +317,6 @@ double MakeDate(int y, int mo, int d, int h, int mi, int s) {
       static_cast<double>(DaysFromCivil(y, static_cast<unsigned>(mo), static_cast<unsigned>(d)) -
                           kOleEpochFromUnixDays);
   return days + (h * 3600.0 + mi * 60.0 + s) / 86400.0;
-}
-
-double Now() {
-  time_t t = time(nullptr);
-  struct tm lt;
-  localtime_r(&t, &lt);
-  return MakeDate(lt.tm_year + 1900, lt.tm_mon + 1, lt.tm_mday, lt.tm_hour, lt.tm_min, lt.tm_sec);
-}
-
-double Timer() {
-  struct timespec ts;
-  clock_gettime(CLOCK_REALTIME, &ts);
-  struct tm lt;
-  localtime_r(&ts.tv_sec, &lt);
-  return lt.tm_hour * 3600.0 + lt.tm_min * 60.0 + lt.tm_sec + ts.tv_nsec / 1e9;
 }
 
 std::u16string GeneralDate(double ole) {

@@ -111,14 +111,12 @@ inline bool Equals(const Variant& a, const Variant& b) {
   return Compare(a, b) == 0;
 }
 
-// Dates.
-double Now();  // local time as an OLE date
+// Dates. The time now is read through platform/clock.h, never here.
 double MakeDate(int y, int mo, int d, int h = 0, int mi = 0, int s = 0);
 std::u16string GeneralDate(double oleDate);  // "yyyy-M-d H:mm:ss", date alone at 0:00
 std::u16string IsoDate(double oleDate);      // "yyyy-mm-dd hh:mm:ss" (storage form)
 // The OLE date of a text in the general, ISO or "yyyy/m/d" form; nullopt for anything else.
 std::optional<double> ParseDate(std::u16string_view text);
-double Timer();  // seconds since midnight, fractional
 
 // UTF-8 <-> UTF-16 (invalid UTF-8 becomes U+FFFD).
 std::u16string FromUtf8(std::string_view s);

@@ -9,21 +9,38 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <unordered_map>
 
 namespace ostrakan::engine {
 
-// Reads the whole file; false when it cannot be opened.
-inline bool ReadWholeFile(const std::filesystem::path& path, std::string& out) {
+// The whole file; nullopt when it cannot be opened.
+inline std::optional<std::string> ReadWholeFile(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
+  if (!in) return std::nullopt;
   std::ostringstream bytes;
   bytes << in.rdbuf();
-  out = std::move(bytes).str();
-  return true;
+  return std::move(bytes).str();
 }
+
+template <class T>
+class FileCache;
+
+// What the cache made from a file, kept alive for its holder however the cache changes
+// meanwhile. Never empty: only the cache makes one, from a value it has.
+template <class T>
+class Cached {
+ public:
+  const T& operator*() const { return *value_; }
+  const T* operator->() const { return value_.get(); }
+
+ private:
+  friend class FileCache<T>;
+  explicit Cached(std::shared_ptr<const T> value) : value_(std::move(value)) {}
+  std::shared_ptr<const T> value_;
+};
 
 template <class T>
 class FileCache {
@@ -33,26 +50,26 @@ class FileCache {
 
   explicit FileCache(Loader loader) : loader_(std::move(loader)) {}
 
-  // The T for the file as it is now, or nullptr when the file cannot be read.
-  std::shared_ptr<const T> Get(const std::filesystem::path& path) {
+  // The T for the file as it is now; nullopt when the file cannot be read.
+  std::optional<Cached<T>> Get(const std::filesystem::path& path) {
     // One stat for both time and size; the key is the plain string (comparing paths splits
     // them into components, which costs more than the rest of the lookup).
     struct stat st;
-    if (::stat(path.c_str(), &st) != 0) return nullptr;
+    if (::stat(path.c_str(), &st) != 0) return std::nullopt;
     const Stamp stamp{st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size};
     {
       std::lock_guard lock(mutex_);
       auto it = entries_.find(path.native());
-      if (it != entries_.end() && it->second.stamp == stamp) return it->second.value;
+      if (it != entries_.end() && it->second.stamp == stamp) return Cached<T>(it->second.value);
     }
     // Loaded outside the lock; a file changed while it is read gets a newer time and is
     // loaded again on the next request.
-    std::string bytes;
-    if (!ReadWholeFile(path, bytes)) return nullptr;
-    auto value = std::make_shared<const T>(loader_(bytes));
+    std::optional<std::string> bytes = ReadWholeFile(path);
+    if (!bytes) return std::nullopt;
+    auto value = std::make_shared<const T>(loader_(*bytes));
     std::lock_guard lock(mutex_);
     entries_[path.native()] = Entry{stamp, value};
-    return value;
+    return Cached<T>(std::move(value));
   }
 
  private:

@@ -2,7 +2,10 @@
 
 #include <chrono>
 #include <cstdio>
+#include <optional>
 #include <ostream>
+#include <tuple>
+#include <utility>
 
 #include "core/script_error.h"
 #include "engine/commands.h"
@@ -17,26 +20,23 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-bool ReadNumber(const std::string& text, long long low, long long& out) {
+// A whole number of at most 12 digits, not below `low`.
+std::optional<long long> ReadNumber(const std::string& text, long long low) {
   if (text.empty() || text.size() > 12 || text.find_first_not_of("0123456789") != std::string::npos)
-    return false;
-  out = std::stoll(text);
-  return out >= low;
+    return std::nullopt;
+  const long long n = std::stoll(text);
+  if (n < low) return std::nullopt;
+  return n;
 }
 
-bool ReadRange(const std::string& text, long& first, long& last) {
-  size_t dash = text.find('-');
-  long long a, b;
-  if (dash == std::string::npos) {
-    if (!ReadNumber(text, 0, a)) return false;
-    b = a;
-  } else if (!ReadNumber(text.substr(0, dash), 0, a) || !ReadNumber(text.substr(dash + 1), 0, b)) {
-    return false;
-  }
-  if (a > b || b > 1000000) return false;
-  first = static_cast<long>(a);
-  last = static_cast<long>(b);
-  return true;
+// "FIRST-LAST" or one number, FIRST not above LAST, LAST at most a million.
+std::optional<std::pair<long, long>> ReadRange(const std::string& text) {
+  const size_t dash = text.find('-');
+  const std::optional<long long> a = ReadNumber(text.substr(0, dash), 0);
+  const std::optional<long long> b =
+      dash == std::string::npos ? a : ReadNumber(text.substr(dash + 1), 0);
+  if (!a || !b || *a > *b || *b > 1000000) return std::nullopt;
+  return std::pair{static_cast<long>(*a), static_cast<long>(*b)};
 }
 
 std::string Duration(double seconds) {
@@ -77,7 +77,6 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
       }
       return &args[++i];
     };
-    long long n = 0;
     if (a == "--json") {
       o.json = true;
     } else if (a == "--resume") {
@@ -94,20 +93,23 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
     } else if (a == "--pages" || a == "--ids") {
       auto v = value();
       if (!v) return std::nullopt;
-      if (!ReadRange(*v, o.first, o.last)) {
+      const auto range = ReadRange(*v);
+      if (!range) {
         problem = a + " takes FIRST-LAST, two whole numbers with FIRST not above LAST";
         return std::nullopt;
       }
+      std::tie(o.first, o.last) = *range;
       (a == "--pages" ? havePages : haveIds) = true;
       o.rangeGiven = true;
     } else if (a == "--delay-ms" || a == "--retries") {
       auto v = value();
       if (!v) return std::nullopt;
-      if (!ReadNumber(*v, 0, n) || n > 3600000) {
+      const std::optional<long long> n = ReadNumber(*v, 0);
+      if (!n || *n > 3600000) {
         problem = a + " takes a whole number of 0 or more";
         return std::nullopt;
       }
-      (a == "--delay-ms" ? o.delayMs : o.retries) = static_cast<int>(n);
+      (a == "--delay-ms" ? o.delayMs : o.retries) = static_cast<int>(*n);
     } else if (a.starts_with("--")) {
       problem = "unknown option \"" + a + "\"";
       return std::nullopt;
@@ -140,10 +142,12 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
     problem = "an ID rule needs --ids FIRST-LAST";
     return std::nullopt;
   }
-  if (!ReadNumber(positional[1], 1, o.ruleId)) {
+  const std::optional<long long> ruleId = ReadNumber(positional[1], 1);
+  if (!ruleId) {
     problem = "the rule number must be a whole number from 1";
     return std::nullopt;
   }
+  o.ruleId = *ruleId;
   return o;
 }
 

@@ -86,13 +86,13 @@ void Init(const InitOptions& o, const std::string& password) {
   if (!fs::is_regular_file(o.from / kSetupFileName))
     throw InitError("the site to copy, " + o.from.string() + ", has no Setup.asp");
   fs::path schemaFile = o.from / "data" / "schema.sql";
-  std::string schema;
-  if (!ReadWholeFile(schemaFile, schema)) throw InitError("cannot read " + schemaFile.string());
+  std::optional<std::string> schema = ReadWholeFile(schemaFile);
+  if (!schema) throw InitError("cannot read " + schemaFile.string());
   CopySite(o.from, o.dir);
   SiteSetup setup = LoadSiteSetup(o.dir);
   if (TextOf(setup.Get(u"DB")).empty())
     throw InitError("Setup.asp does not name the database (DB)");
-  CreateDatabase(setup.DatabasePath(o.dir), schema, o.admin, password);
+  CreateDatabase(setup.DatabasePath(o.dir), *schema, o.admin, password);
 }
 
 }  // namespace

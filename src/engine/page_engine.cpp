@@ -122,9 +122,10 @@ SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {
 std::vector<Variant> PageEngine::RuleFields(const PageFile& page, const std::filesystem::path& file,
                                             const Request& request) {
   if (page.rule.empty()) return {};
-  auto arms = rules_.Get(file.parent_path() / std::filesystem::path(page.rule));
+  const std::optional<Cached<std::vector<CaseArm>>> arms =
+      rules_.Get(file.parent_path() / std::filesystem::path(page.rule));
   if (!arms) return {};
-  const CaseArm* arm = FindCaseArm(*arms, TextOf(request.Item(u"id")));
+  const CaseArm* arm = FindCaseArm(**arms, TextOf(request.Item(u"id")));
   std::vector<Variant> fields;
   if (arm)
     for (const Assignment& a : arm->values) fields.emplace_back(a.value);
@@ -133,8 +134,8 @@ std::vector<Variant> PageEngine::RuleFields(const PageFile& page, const std::fil
 
 HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesystem::path& file,
                                      const std::string& virtualPath) {
-  std::shared_ptr<const SiteSetup> setup;
-  std::shared_ptr<const PageFile> page;
+  std::optional<Cached<SiteSetup>> setup;
+  std::optional<Cached<PageFile>> page;
   try {
     setup = setup_.Get(root_ / kSetupFileName);
     if (!setup) return HttpResponse::Plain(500, "500 Internal Server Error\nSetup.asp is missing");
@@ -147,6 +148,8 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
     Report(text);
     return HttpResponse::Plain(500, "500 Internal Server Error\n" + text);
   }
+  const SiteSetup& siteSetup = **setup;
+  const PageFile& pageFile = **page;
 
   std::shared_ptr<Session> session;
   std::string sessionId = SessionIdOf(http, sessions_, session);
@@ -161,19 +164,19 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
   context.response = std::make_shared<Response>(codePage);
   context.server = std::make_shared<Server>(root_, FromUtf8(virtualPath), factory_);
 
-  std::u16string adminItem = setup->AdminSessionName();
+  std::u16string adminItem = siteSetup.AdminSessionName();
   bool signedInBefore = !adminItem.empty() && IsSet(session->Get(adminItem));
   HttpResponse out;
   try {
-    std::vector<Variant> ruleFields = RuleFields(*page, file, *context.request);
+    std::vector<Variant> ruleFields = RuleFields(pageFile, file, *context.request);
     ScopedObjectContext scope(context);
-    RunPage({*page, *setup, ruleFields, context, create_});
+    RunPage({pageFile, siteSetup, ruleFields, context, create_});
     const Response& response = *context.response;
     out.status = response.StatusCode();
     out.headers = response.Headers();
     out.body = response.body();
   } catch (const AssignmentSyntaxError& e) {
-    std::string text = virtualPath + ", rule file " + ToUtf8(page->rule) + ", " + e.what();
+    std::string text = virtualPath + ", rule file " + ToUtf8(pageFile.rule) + ", " + e.what();
     Report(text);
     out = HttpResponse::Plain(500, "500 Internal Server Error\n" + text);
   } catch (const PageRunError& e) {
@@ -193,8 +196,8 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
     if (stored) sessions_.Drop(sessionId);
   } else if (!stored) {
     if (!session->empty()) {
-      std::string id = sessions_.Add(session, signedIn);
-      if (!id.empty()) out.headers.emplace_back("Set-Cookie", SessionCookie(id));
+      if (std::optional<std::string> id = sessions_.Add(session, signedIn))
+        out.headers.emplace_back("Set-Cookie", SessionCookie(*id));
     }
   } else if (!signedInBefore && signedIn) {
     if (std::optional<std::string> moved = sessions_.Rotate(sessionId)) {

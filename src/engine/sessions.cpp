@@ -83,12 +83,12 @@ std::shared_ptr<Session> SessionStore::Find(const std::string& id) {
   return it->second.session;
 }
 
-std::string SessionStore::Add(std::shared_ptr<Session> session, bool signedIn) {
+std::optional<std::string> SessionStore::Add(std::shared_ptr<Session> session, bool signedIn) {
   auto now = clock_();
   std::string id = NewSessionId();
   MutexLock lock(mutex_);
   SweepIfDue(now);
-  if (!MakeRoom(now) && !signedIn) return "";
+  if (!MakeRoom(now) && !signedIn) return std::nullopt;
   sessions_[id] = Entry{std::move(session), now, signedIn};
   return id;
 }

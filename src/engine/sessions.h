@@ -41,8 +41,8 @@ class SessionStore {
 
   // The live session with this id (its idle time restarts), or nullptr.
   std::shared_ptr<Session> Find(const std::string& id) EXCLUDES(mutex_);
-  // Stores a session under a new id and returns the id; "" when there is no room for it.
-  std::string Add(std::shared_ptr<Session> session, bool signedIn) EXCLUDES(mutex_);
+  // Stores a session under a new id and returns the id; nullopt when there is no room for it.
+  std::optional<std::string> Add(std::shared_ptr<Session> session, bool signedIn) EXCLUDES(mutex_);
   // Records whether the session is signed in (which protects it from eviction).
   void SetSignedIn(const std::string& id, bool signedIn) EXCLUDES(mutex_);
   // Moves the session under a new id (the old one stops working) and returns the new id;

@@ -48,9 +48,9 @@ std::filesystem::path SiteSetup::DatabasePath(const std::filesystem::path& siteR
 
 SiteSetup LoadSiteSetup(const std::filesystem::path& siteRoot) {
   std::filesystem::path file = siteRoot / kSetupFileName;
-  std::string bytes;
-  if (!ReadWholeFile(file, bytes)) throw SiteSetupError("cannot read " + file.string());
-  return SiteSetup::FromBytes(bytes);
+  std::optional<std::string> bytes = ReadWholeFile(file);
+  if (!bytes) throw SiteSetupError("cannot read " + file.string());
+  return SiteSetup::FromBytes(*bytes);
 }
 
 }  // namespace ostrakan::engine

@@ -23,7 +23,23 @@ std::shared_ptr<ado::Recordset> Execute(const Variant& conn, std::u16string_view
 ado::Recordset& OpenRecordset(Variant& holder, std::u16string_view sql, const Variant& conn,
                               int cursorType = 1, int lockType = 1, ado::Params params = {});
 
+// OpenRecordset for the record a request names: when the set has no row, `holder` and `conn`
+// are closed and the page ends with the alert that the record does not exist.
+ado::Recordset& OpenRequiredRow(Variant& holder, std::u16string_view sql, Variant& conn,
+                                int lockType = 1, ado::Params params = {});
+
+// The updatable set that a posted form is stored in: a new row of `table` (AddNew done) when
+// `id` is Empty, else the row `id` of `table` as OpenRequiredRow opens it.
+ado::Recordset& OpenRowToStore(Variant& holder, std::u16string_view table, const Variant& id,
+                               Variant& conn);
+
 // Whether a request value may go into SQL text as an identifier: not empty, and numeric.
 bool IsValidId(const Variant& id);
+// Ends the page with "非法ID参数" when `id` fails IsValidId, closing `conn` first.
+void RequireId(const Variant& id, Variant& conn);
+// An identifier that passed IsValidId, as the number to bind.
+inline Variant IdNumber(const Variant& id) {
+  return Variant(CDbl(id));
+}
 
 }  // namespace ostrakan

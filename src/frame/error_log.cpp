@@ -10,6 +10,7 @@
 
 #include "core/variant.h"
 #include "frame/thread_safety.h"
+#include "platform/clock.h"
 #include "platform/text/codepage.h"
 
 namespace ostrakan {
@@ -92,7 +93,8 @@ void SetErrorLogPolicy(ErrorLogPolicy policy) {
 
 void LogComponentError(std::u16string_view text) {
   try {
-    std::u16string line = GeneralDate(Now()) + u"    " + std::u16string(text) + u"\r\n";
+    std::u16string line =
+        GeneralDate(CurrentClock().Now()) + u"    " + std::u16string(text) + u"\r\n";
     std::string bytes = text::Encode(line, text::kAnsiCodePage);
     Log& log = TheLog();
     MutexLock lock(log.mutex);

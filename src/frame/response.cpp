@@ -3,6 +3,7 @@
 #include <cmath>
 #include <ctime>
 
+#include "platform/clock.h"
 #include "platform/text/codepage.h"
 
 namespace ostrakan {
@@ -63,7 +64,8 @@ std::u16string Response::Text() const {
 
 void Response::SetExpires(int minutes) {
   Expires = minutes;
-  expiresAt_ = static_cast<double>(time(nullptr) + static_cast<time_t>(minutes) * 60);
+  expiresAt_ =
+      static_cast<double>(FromOleLocal(CurrentClock().Now()) + static_cast<time_t>(minutes) * 60);
 }
 
 void Response::SetExpiresAbsolute(double oleDate) {

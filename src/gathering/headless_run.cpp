@@ -4,7 +4,6 @@
 #include <thread>
 
 #include "core/script_error.h"
-#include "gathering/bound_sql.h"
 #include "gathering/id_extraction.h"
 #include "gathering/list_extraction.h"
 #include "platform/ado/write_transaction.h"

@@ -5,7 +5,6 @@
 #include "frame/escape.h"
 #include "frame/filtration.h"
 #include "frame/response.h"
-#include "gathering/bound_sql.h"
 
 namespace ostrakan::gathering {
 
@@ -66,8 +65,8 @@ std::optional<IdRule> LoadIdRule(ado::Connection& conn, long long id) {
 void WriteIdRange(ado::Connection& conn, long long id, long first, long last) {
   const std::u16string range =
       FromUtf8(std::to_string(first)) + u" - " + FromUtf8(std::to_string(last));
-  RunBound(conn, "update gather_id_web set \"range\" = ? where id = ?",
-           {Variant(range), Variant(static_cast<double>(id))});
+  conn.Execute(u"update gather_id_web set \"range\" = ? where id = ?",
+               {Variant(range), Variant(static_cast<double>(id))});
 }
 
 IdRule PostedIdRule(const std::function<Variant(std::u16string_view)>& form,

@@ -1,7 +1,7 @@
 #include "gathering/run_journal.h"
 
-#include "gathering/bound_sql.h"
 #include "platform/ado/recordset.h"
+#include "platform/clock.h"
 
 namespace ostrakan::gathering {
 namespace {
@@ -13,41 +13,38 @@ Variant Number(long long n) {
 }  // namespace
 
 void EnsureRunJournal(ado::Connection& conn) {
-  RunBound(conn,
-           "create table if not exists gather_run ("
-           "id integer primary key autoincrement, kind text not null, rule_id integer not null, "
-           "keyword text, first integer not null, last integer not null, next integer not null, "
-           "pages integer default 0, entries integer default 0, inserted integer default 0, "
-           "updated integer default 0, no_results integer default 0, failed integer default 0, "
-           "started datetime, finished datetime)",
-           {});
-  RunBound(conn,
-           "create index if not exists gather_run_rule on gather_run (kind, rule_id, finished)",
-           {});
+  conn.Execute(
+      u"create table if not exists gather_run ("
+      u"id integer primary key autoincrement, kind text not null, rule_id integer not null, "
+      u"keyword text, first integer not null, last integer not null, next integer not null, "
+      u"pages integer default 0, entries integer default 0, inserted integer default 0, "
+      u"updated integer default 0, no_results integer default 0, failed integer default 0, "
+      u"started datetime, finished datetime)");
+  conn.Execute(
+      u"create index if not exists gather_run_rule on gather_run (kind, rule_id, finished)");
 }
 
 JournalRun StartRun(ado::Connection& conn, std::u16string kind, long long ruleId,
                     std::u16string keyword, long first, long last) {
   JournalRun run{0, std::move(kind), ruleId, std::move(keyword), first, last, first, {}};
-  RunBound(conn,
-           "insert into gather_run (kind, rule_id, keyword, first, last, next, started) "
-           "values (?, ?, ?, ?, ?, ?, ?)",
-           {Variant(run.kind), Number(ruleId), Variant(run.keyword), Number(first), Number(last),
-            Number(first), Variant(IsoDate(Now()))});
-  run.id = *QueryNumber(conn, "select last_insert_rowid()", {});
+  conn.Execute(
+      u"insert into gather_run (kind, rule_id, keyword, first, last, next, started) "
+      u"values (?, ?, ?, ?, ?, ?, ?)",
+      {Variant(run.kind), Number(ruleId), Variant(run.keyword), Number(first), Number(last),
+       Number(first), Variant(IsoDate(CurrentClock().Now()))});
+  run.id = static_cast<long long>(CDbl(conn.Execute(u"select last_insert_rowid()")->FieldAt(0)));
   return run;
 }
 
 std::optional<JournalRun> LastUnfinishedRun(ado::Connection& conn, std::u16string_view kind,
                                             long long ruleId) {
-  auto id = QueryNumber(conn,
-                        "select id from gather_run where kind = ? and rule_id = ? and finished "
-                        "is null order by id desc limit 1",
-                        {Variant(kind), Number(ruleId)});
-  if (!id) return std::nullopt;
-  auto rs = conn.Execute(u"select * from gather_run where id=" + FromUtf8(std::to_string(*id)));
+  auto rs = conn.Execute(
+      u"select * from gather_run where kind = ? and rule_id = ? and finished is null "
+      u"order by id desc limit 1",
+      {Variant(kind), Number(ruleId)});
+  if (rs->Eof()) return std::nullopt;
   JournalRun run;
-  run.id = *id;
+  run.id = static_cast<long long>(CDbl(rs->Field(u"id")));
   run.kind = kind;
   run.ruleId = ruleId;
   run.keyword = TextOf(rs->Field(u"keyword"));
@@ -63,12 +60,12 @@ std::optional<JournalRun> LastUnfinishedRun(ado::Connection& conn, std::u16strin
 
 void RecordProgress(ado::Connection& conn, const JournalRun& run, bool finished) {
   const RunCounts& c = run.counts;
-  RunBound(conn,
-           "update gather_run set next = ?, pages = ?, entries = ?, inserted = ?, updated = ?, "
-           "no_results = ?, failed = ?, finished = ? where id = ?",
-           {Number(run.next), Number(c.pages), Number(c.entries), Number(c.inserted),
-            Number(c.updated), Number(c.noResults), Number(c.failed),
-            finished ? Variant(IsoDate(Now())) : Variant::Null(), Number(run.id)});
+  conn.Execute(
+      u"update gather_run set next = ?, pages = ?, entries = ?, inserted = ?, updated = ?, "
+      u"no_results = ?, failed = ?, finished = ? where id = ?",
+      {Number(run.next), Number(c.pages), Number(c.entries), Number(c.inserted), Number(c.updated),
+       Number(c.noResults), Number(c.failed),
+       finished ? Variant(IsoDate(CurrentClock().Now())) : Variant::Null(), Number(run.id)});
 }
 
 }  // namespace ostrakan::gathering

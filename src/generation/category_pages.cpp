@@ -1,10 +1,10 @@
 #include "generation/category_pages.h"
 
-#include "categories/bound_query.h"
 #include "categories/grid.h"
 #include "frame/data_access.h"
 #include "frame/escape.h"
 #include "frame/filtration.h"
+#include "platform/ado/recordset.h"
 #include "platform/ado/sqlite_call.h"
 #include "platform/text/codepage.h"
 
@@ -23,9 +23,10 @@ std::u16string GotoLink(std::u16string_view id) {
 }
 
 // One record of the sub-category page.
-std::u16string RecordBlock(const categories::BoundQuery& q, bool showSource) {
-  const std::u16string id = q.Text(0);
-  const std::u16string image = q.Text(4);
+std::u16string RecordBlock(const ado::Recordset& rs, bool showSource) {
+  auto text = [&](int column) { return TextOf(rs.FieldAt(column)); };
+  const std::u16string id = text(0);
+  const std::u16string image = text(4);
   std::u16string out = u"<table  width='68%'><tr><td width='125'>" + GotoLink(id);
   if (!image.empty())
     out += u"<img src='http://" + HtmlAttr(image) +
@@ -33,16 +34,15 @@ std::u16string RecordBlock(const categories::BoundQuery& q, bool showSource) {
   else
     out += u"<img src='../image/image.gif' width='120' height='90' border='0'>";
   out += u"</a></td> <td valign='top'>";
-  out +=
-      u"<span style='font-size: 14px'>" + GotoLink(id) + HtmlText(q.Text(1)) + u"</a></span><br>";
-  out += u"<span style='line-height: 150%'>" + HtmlText(q.Text(2)) + u"</span><br>";
-  out += u"<span style='line-height: 150%'><font color='#009900'>" + HtmlText(q.Text(8));
+  out += u"<span style='font-size: 14px'>" + GotoLink(id) + HtmlText(text(1)) + u"</a></span><br>";
+  out += u"<span style='line-height: 150%'>" + HtmlText(text(2)) + u"</span><br>";
+  out += u"<span style='line-height: 150%'><font color='#009900'>" + HtmlText(text(8));
   if (showSource)
-    out += u" 来源：</font><a href='http://" + HtmlAttr(q.Text(6)) +
-           u"' target='_blank'><font color='#999999'>" + HtmlText(q.Text(5)) + u"</font></a>";
+    out += u" 来源：</font><a href='http://" + HtmlAttr(text(6)) +
+           u"' target='_blank'><font color='#999999'>" + HtmlText(text(5)) + u"</font></a>";
   else
     out += u"</font>";
-  out += u"<br><font color='#009900'>" + HtmlText(q.Text(3)) + u"</font></span><br><br>";
+  out += u"<br><font color='#009900'>" + HtmlText(text(3)) + u"</font></span><br><br>";
   out += u"</td></tr></table>";
   return out;
 }
@@ -96,13 +96,13 @@ std::u16string RecordList(ado::Connection& conn, std::u16string_view name, bool 
                       u"[Microsoft][ODBC Microsoft Access Driver] Syntax error (missing operator) "
                       u"in query expression 'title like '%" +
                           std::u16string(name) + u"%''.");
-  categories::BoundQuery q(conn,
-                           u"select id,title,content,url,image,source,source_url,click,time "
-                           u"from db where title like '%' || ?1 || '%' "
-                           u"order by click desc,time desc limit 100",
-                           {Variant(name)});
+  auto rs = conn.Execute(
+      u"select id,title,content,url,image,source,source_url,click,time "
+      u"from db where title like '%' || ? || '%' order by click desc,time desc limit 100",
+      {Variant(name)});
   std::u16string out;
-  for (int n = 0; n < kRecordLimit && q.Next(); ++n) out += RecordBlock(q, showSource);
+  for (int n = 0; n < kRecordLimit && !rs->Eof(); ++n, rs->MoveNext())
+    out += RecordBlock(*rs, showSource);
   return out;
 }
 

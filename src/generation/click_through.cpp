@@ -1,6 +1,7 @@
 #include "generation/click_through.h"
 
-#include "categories/bound_query.h"
+#include "frame/data_access.h"
+#include "platform/ado/recordset.h"
 #include "platform/ado/write_transaction.h"
 
 namespace ostrakan::generation {
@@ -14,16 +15,13 @@ bool StartsWithNoCase(std::u16string_view text, std::u16string_view prefix) {
 }  // namespace
 
 std::optional<std::u16string> CountClick(ado::Connection& conn, const Variant& id) {
-  const Variant key = categories::IdValue(id);
+  const Variant key = IdNumber(id);
   ado::WriteTransaction transaction(conn);
-  if (categories::RunBound(conn, u"update db set click=coalesce(click,0)+1 where id=?1", {key}) ==
-      0)
-    return std::nullopt;
-  std::u16string url;
-  {
-    categories::BoundQuery q(conn, u"select url from db where id=?1", {key});
-    if (q.Next()) url = q.Text(0);
-  }
+  conn.Execute(u"update db set click=coalesce(click,0)+1 where id=?", {key});
+  if (conn.recordsAffected() == 0) return std::nullopt;
+  auto rs = conn.Execute(u"select url from db where id=?", {key});
+  std::u16string url = rs->Eof() ? u"" : TextOf(rs->FieldAt(0));
+  rs->Close();
   transaction.Commit();
   // A line break in a stored address must not end the Location header.
   std::erase_if(url, [](char16_t c) { return c < 0x20 || c == 0x7f; });

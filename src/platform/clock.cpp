@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <ctime>
 
 #include "core/variant.h"
 
@@ -13,11 +14,18 @@ std::atomic<const Clock*> installed{&kSystem};
 }  // namespace
 
 double SystemClock::Now() const {
-  return ostrakan::Now();
+  time_t t = time(nullptr);
+  struct tm lt;
+  localtime_r(&t, &lt);
+  return MakeDate(lt.tm_year + 1900, lt.tm_mon + 1, lt.tm_mday, lt.tm_hour, lt.tm_min, lt.tm_sec);
 }
 
 double SystemClock::Timer() const {
-  return ostrakan::Timer();
+  struct timespec ts;
+  clock_gettime(CLOCK_REALTIME, &ts);
+  struct tm lt;
+  localtime_r(&ts.tv_sec, &lt);
+  return lt.tm_hour * 3600.0 + lt.tm_min * 60.0 + lt.tm_sec + ts.tv_nsec / 1e9;
 }
 
 double TestClock::Timer() const {

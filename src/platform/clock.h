@@ -1,5 +1,7 @@
 // The clock, reached through one seam so that tests can fix the time (in the manner of
-// LevelDB's Env): the page timer, the "now" of statements and the cache headers read it.
+// LevelDB's Env). Every date the system reads comes from it: the page timer, the "now" of
+// statements, the cache headers, the error log's lines, and the times it stores (a record's
+// time, a sign-in's, a gathering run's start and end).
 //
 // Times are local OLE dates (days since 1899-12-30, the fraction being the time of day), as
 // every date of the system is; Timer is seconds since local midnight, with fractions.

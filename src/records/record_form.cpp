@@ -4,6 +4,7 @@
 #include "frame/escape.h"
 #include "frame/filtration.h"
 #include "platform/ado/write_transaction.h"
+#include "platform/clock.h"
 
 namespace ostrakan::records {
 
@@ -47,6 +48,11 @@ void StoreRecordForm(ado::Recordset& rs, const RecordFields& fields) {
   rs.SetField(u"source", fields.source);
   rs.SetField(u"source_url", StoredAddress(fields.sourceUrl));
   rs.Update();
+}
+
+void StoreNewRecordForm(ado::Recordset& rs, const RecordFields& fields) {
+  rs.SetField(u"time", Variant::Date(CurrentClock().Now()));
+  StoreRecordForm(rs, fields);
 }
 
 }  // namespace ostrakan::records

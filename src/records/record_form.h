@@ -37,8 +37,10 @@ bool WriteUnlessAddressTaken(const Variant& conn, std::u16string_view url, const
 // The refusal of an address in use: the address between the full-width quotation marks.
 std::u16string DuplicateAlert(std::u16string_view url);
 
-// Sets the five fields of the set's new or current row and writes the row: an empty content
-// is stored as Null, the source address without "http://".
+// Sets the five fields of the set's current row and writes the row: an empty content is stored
+// as Null, the source address without "http://".
 void StoreRecordForm(ado::Recordset& rs, const RecordFields& fields);
+// StoreRecordForm for the set's new row (after AddNew), its time the process's clock now.
+void StoreNewRecordForm(ado::Recordset& rs, const RecordFields& fields);
 
 }  // namespace ostrakan::records

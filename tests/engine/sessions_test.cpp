@@ -26,7 +26,7 @@ class SessionStoreTest : public ::testing::Test {
  protected:
   std::pair<std::string, std::shared_ptr<Session>> Create(bool signedIn = false) {
     auto session = std::make_shared<Session>();
-    return {store_.Add(session, signedIn), session};
+    return {store_.Add(session, signedIn).value(), session};
   }
   std::chrono::steady_clock::time_point now_{};
   SessionStore store_{[this] { return now_; }};
@@ -79,7 +79,7 @@ class SessionStoreCapacity : public ::testing::Test {
  protected:
   std::string Add(bool signedIn) {
     now_ += 1s;
-    return store_.Add(std::make_shared<Session>(), signedIn);
+    return store_.Add(std::make_shared<Session>(), signedIn).value_or("");
   }
   std::chrono::steady_clock::time_point now_{};
   SessionStore store_{[this] { return now_; }, 10};
@@ -116,7 +116,7 @@ TEST_F(SessionStoreCapacity, AFloodOfAnonymousSessionsNeverDropsASignedInOne) {
 TEST_F(SessionStoreCapacity, AStoreFullOfSignedInSessionsRefusesAnonymousOnes) {
   std::vector<std::string> admins;
   for (int i = 0; i < 10; ++i) admins.push_back(Add(true));
-  EXPECT_EQ(Add(false), "");
+  EXPECT_EQ(store_.Add(std::make_shared<Session>(), false), std::nullopt);
   EXPECT_EQ(store_.size(), 10u);
   for (const auto& id : admins) EXPECT_NE(store_.Find(id), nullptr);
 }

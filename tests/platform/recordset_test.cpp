@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "platform/ado/connection.h"
+#include "platform/clock.h"
 #include "support/page_harness.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -80,6 +81,7 @@ class Database : public ::testing::Test {
 
 TEST_F(Database, OpeningChecksTheFileAndSwitchesItToWal) {
   EXPECT_EQ(DatabasePathOf(u"driver={x}; dbq = /a b/c.mdb ;"), u"/a b/c.mdb");
+  EXPECT_EQ(DatabasePathOf(u"DRIVER={x};DefaultDir=;"), std::nullopt);
   const auto missing = dir_.path() / "nothere.mdb";
   auto conn = std::make_shared<Connection>();
   EXPECT_THROW(conn->Open(ConnectionStringFor(missing)), ScriptError);
@@ -225,7 +227,7 @@ TEST_F(Database, AddNewAndUpdateWriteTheirRowThroughTheSet) {
   rs->AddNew();
   rs->SetField(u"title", Variant(u"e"));
   rs->Update();
-  EXPECT_LT(std::abs(CDate(rs->Field(u"time")) - Now()), 1.0 / 24);
+  EXPECT_LT(std::abs(CDate(rs->Field(u"time")) - CurrentClock().Now()), 1.0 / 24);
 
   auto one = Query(conn, u"select * from db where id=2", 3);
   one->SetField(u"title", Variant(u"B"));

@@ -22,7 +22,7 @@ ScriptError FileNotFound(std::u16string_view path) {
 
 }  // namespace
 
-std::u16string DatabasePathOf(std::u16string_view connectionString) {
+std::optional<std::u16string> DatabasePathOf(std::u16string_view connectionString) {
   std::u16string_view rest = connectionString;
   while (!rest.empty()) {
     const size_t semicolon = rest.find(u';');
@@ -36,7 +36,7 @@ std::u16string DatabasePathOf(std::u16string_view connectionString) {
       return std::u16string(Trim(part.substr(equals + 1)));
     }
   }
-  return {};
+  return std::nullopt;
 }
 
 void Connection::Closer::operator()(sqlite3* db) const {
@@ -47,7 +47,7 @@ void Connection::Closer::operator()(sqlite3* db) const {
 void Connection::Open(std::u16string_view connectionString) {
   if (db_) throw ScriptError(3705, u"Operation is not allowed when the object is open.");
   ConnectionString = std::u16string(connectionString);
-  const std::u16string path = DatabasePathOf(connectionString);
+  const std::u16string path = DatabasePathOf(connectionString).value_or(u"");
   const std::string file = ToUtf8(path);
   std::error_code ec;
   // SQLite would open a directory read-only and fail later; the file must exist as a file.

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/variant.h"
@@ -47,7 +48,7 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   long recordsAffected_ = 0;
 };
 
-// The file path named by an Access connection string ("DBQ=<path>;..."), or "" when absent.
-std::u16string DatabasePathOf(std::u16string_view connectionString);
+// The file path named by an Access connection string ("DBQ=<path>;..."); nullopt when absent.
+std::optional<std::u16string> DatabasePathOf(std::u16string_view connectionString);
 
 }  // namespace ostrakan::ado

@@ -65,14 +65,18 @@ StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
   return stmt;
 }
 
-StatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params) {
-  StatementPtr stmt = PrepareOne(db, sql);
-  if (sqlite3_bind_parameter_count(stmt.get()) != static_cast<int>(params.size())) {
+void BindParams(sqlite3_stmt* stmt, const Params& params) {
+  if (sqlite3_bind_parameter_count(stmt) != static_cast<int>(params.size())) {
     throw std::invalid_argument("the statement's marks and its bound values differ in number");
   }
   for (size_t i = 0; i < params.size(); ++i) {
-    BindVariant(stmt.get(), static_cast<int>(i + 1), params[i], false);
+    BindVariant(stmt, static_cast<int>(i + 1), params[i], false);
   }
+}
+
+StatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params) {
+  StatementPtr stmt = PrepareOne(db, sql);
+  BindParams(stmt.get(), params);
   return stmt;
 }
 

@@ -23,8 +23,10 @@ ScriptError SqliteError(sqlite3* db);
 // Prepares the one statement in sql; text after it (other than blanks and ';') is an error,
 // and so is a text without any statement or with a NUL character. Its marks are left unbound.
 StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql);
-// PrepareOne, then `params` bound to the "?" marks; their number must match the marks (a
-// mismatch is a programming error).
+// Binds `params` to the statement's "?" marks; their number must match the marks (a mismatch
+// is a programming error).
+void BindParams(sqlite3_stmt* stmt, const Params& params);
+// PrepareOne, then BindParams.
 StatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params);
 
 // Steps a statement that changes the database to its end. Outside an open transaction it runs
