@@ -4,8 +4,7 @@
 // the browser's test; cutting entries and storing them are the gathering folder's.)
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <thread>
+#include <future>
 
 #include "engine/assignment_file.h"
 #include "http/site_fixture.h"
@@ -93,16 +92,15 @@ TEST_F(GatheringPages, ARuleReachesItsRunStepsThroughTheRuleFile) {
 TEST_F(GatheringPages, OtherPagesAnswerWhileOneWaitsOnASlowSite) {
   remote_.Set("/slow/1.html?q=%B5%E7%D3%B0", RemoteReply(200, "").Delay(500));
   const std::string id = Add("slow").second;
-  std::atomic<bool> slowDone{false};
-  std::thread slow([&] {
-    Get("gather_list_web_verify.asp?id=" + id + "&keyword=" + GbkEscape(u"电影"));
-    slowDone = true;
+  auto slow = std::async(std::launch::async, [&] {
+    return Get("gather_list_web_verify.asp?id=" + id + "&keyword=" + GbkEscape(u"电影"));
   });
-  while (remote_.Requests().empty() || !remote_.Requests().back().starts_with("/slow/"))
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  while (remote_.Requests().empty())
+    ASSERT_EQ(slow.wait_for(std::chrono::milliseconds(5)), std::future_status::timeout)
+        << "answered without asking the slow site: " << ToUtf8(Text(slow.get()));
   EXPECT_EQ(Get("gather_list_web_manage.asp").status, 200);
-  EXPECT_FALSE(slowDone.load());
-  slow.join();
+  EXPECT_EQ(slow.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+  EXPECT_EQ(slow.get().status, 200);
 }
 
 }  // namespace
