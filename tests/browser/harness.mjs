@@ -1,20 +1,24 @@
-// Starts a fresh site on a free loopback port and drives Debian's Chromium against it.
+// Shared setup of the browser tests: a fresh site served on a free loopback port, Debian's
+// Chromium signed in to it with every dialog recorded, a fixture remote site, and the database.
 import { spawn, execFileSync } from 'node:child_process';
 import { mkdtempSync, readFileSync, rmSync, mkdirSync } from 'node:fs';
-import { createServer } from 'node:net';
+import { createServer as createTcpServer } from 'node:net';
+import { createServer } from 'node:http';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
+import { before, after } from 'node:test';
 import { chromium } from 'playwright-core';
 
 const binary = process.env.OSTRAKAN_BINARY;
 if (!binary) throw new Error('OSTRAKAN_BINARY names the ostrakan executable');
 
-export const screenshotDir = join(process.env.OSTRAKAN_SCREENSHOTS ?? join(tmpdir(), 'ostrakan-screens'));
+export const screenshotDir = process.env.OSTRAKAN_SCREENSHOTS ?? join(tmpdir(), 'ostrakan-screens');
 mkdirSync(screenshotDir, { recursive: true });
+export const screenshot = (page, name) => page.screenshot({ path: join(screenshotDir, `${name}.png`), fullPage: true });
 
 function freePort() {
   return new Promise((resolve, reject) => {
-    const server = createServer();
+    const server = createTcpServer();
     server.once('error', reject);
     server.listen(0, '127.0.0.1', () => {
       const { port } = server.address();
@@ -23,36 +27,28 @@ function freePort() {
   });
 }
 
-async function waitForServer(url, child) {
-  for (let i = 0; i < 200; i++) {
-    if (child.exitCode !== null) throw new Error(`server exited with ${child.exitCode}`);
-    try {
-      await fetch(url);
-      return;
-    } catch {
-      await new Promise((r) => setTimeout(r, 50));
-    }
-  }
-  throw new Error('server did not start');
-}
-
-// A new site made by `ostrakan init`, served until stop().
-// `prepare(siteDir)`, when given, runs between making the site and serving it.
-export async function startSite({ admin = 'admin', password = 'secret123', prepare } = {}) {
+// A new site made by `ostrakan init` (administrator admin, password secret123), served until
+// stop(). `prepare(siteDir)`, when given, runs between making the site and serving it.
+async function startSite({ prepare } = {}) {
   const dir = mkdtempSync(join(tmpdir(), 'ostrakan-browser-'));
   const site = join(dir, 'site');
-  execFileSync(binary, ['init', site, '--admin', admin, '--password', password]);
+  execFileSync(binary, ['init', site, '--password', 'secret123']);
   if (prepare) await prepare(site);
   const port = await freePort();
   const child = spawn(binary, ['serve', '--site', site, '--listen', `127.0.0.1:${port}`], {
     stdio: ['ignore', 'ignore', 'inherit'],
   });
   const base = `http://127.0.0.1:${port}`;
-  await waitForServer(`${base}/admin/index.asp`, child);
+  for (let i = 0; ; i++) {
+    if (child.exitCode !== null || i === 200) throw new Error(`server did not start (${child.exitCode})`);
+    if (await fetch(`${base}/admin/index.asp`).then(() => true, () => false)) break;
+    await new Promise((r) => setTimeout(r, 50));
+  }
   return {
     base,
     site,
-    pid: child.pid,
+    // Runs SQL on the site's database and returns what sqlite3 prints.
+    sql: (statement) => execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], { input: statement }).toString().trim(),
     async stop() {
       child.kill('SIGTERM');
       await new Promise((r) => (child.exitCode !== null ? r() : child.once('exit', r)));
@@ -61,79 +57,88 @@ export async function startSite({ admin = 'admin', password = 'secret123', prepa
   };
 }
 
-export async function launchBrowser() {
-  return chromium.launch({
-    executablePath: '/usr/bin/chromium',
-    args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
-      '--disable-background-networking', '--disable-component-update', '--disable-sync'],
-  });
-}
-
 // Reads the four digits of a verify picture (a 40 x 10 BMP) by matching each 10 x 10 cell
 // against the digit pictures of body.Fix (320 bytes each, digits 9 down to 0, rows of 32 bytes).
-export function readVerifyCode(bmp, font) {
+export function readVerifyCode(bmp, site) {
+  const font = readFileSync(join(site.site, 'admin', 'inc', 'body.Fix'));
   const offset = bmp.readUInt32LE(10);
   let code = '';
-  for (let j = 0; j < 4; j++) {
-    let found = null;
-    for (let d = 0; d <= 9 && found === null; d++) {
-      let same = true;
-      for (let row = 0; row < 10 && same; row++) {
-        const a = bmp.subarray(offset + row * 120 + j * 30, offset + row * 120 + j * 30 + 30);
-        const b = font.subarray((9 - d) * 320 + row * 32, (9 - d) * 320 + row * 32 + 30);
-        same = a.equals(b);
-      }
-      if (same) found = d;
-    }
-    if (found === null) throw new Error(`cell ${j} matches no digit`);
-    code += found;
+  for (let cell = 0; cell < 4; cell++) {
+    const digit = [...Array(10).keys()].find((d) => [...Array(10).keys()].every((row) =>
+      bmp.subarray(offset + row * 120 + cell * 30, offset + row * 120 + cell * 30 + 30)
+        .equals(font.subarray((9 - d) * 320 + row * 32, (9 - d) * 320 + row * 32 + 30))));
+    if (digit === undefined) throw new Error(`cell ${cell} matches no digit`);
+    code += digit;
   }
   return code;
 }
 
-export function fontOf(site) {
-  return readFileSync(join(site, 'admin', 'inc', 'body.Fix'));
-}
-
-// Signs in over plain HTTP (load the picture, read its code, post the form) and returns the
-// session cookie ("name=value") of the signed-in administrator.
-export async function signInOverHttp(site, { admin = 'admin', password = 'secret123' } = {}) {
-  const picture = await fetch(`${site.base}/admin/inc/code.asp`);
-  let cookie = picture.headers.get('set-cookie').split(';')[0];
-  const code = readVerifyCode(Buffer.from(await picture.arrayBuffer()), fontOf(site.site));
-  const login = await fetch(`${site.base}/admin/login.asp`, {
-    method: 'POST',
-    headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
-    body: `username=${encodeURIComponent(admin)}&password=${encodeURIComponent(password)}&verifyid=${code}`,
-    redirect: 'manual',
+// A browser whose context is signed in (over plain HTTP: load the picture, read its code, post
+// the form) unless `signedIn` is false, with every dialog of every page accepted and recorded.
+async function openBrowser(site, { signedIn = true } = {}) {
+  const browser = await chromium.launch({
+    executablePath: '/usr/bin/chromium',
+    args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
+      '--disable-background-networking', '--disable-component-update', '--disable-sync'],
   });
-  const renewed = login.headers.get('set-cookie');
-  if (renewed) cookie = renewed.split(';')[0];
-  const desktop = await (await fetch(`${site.base}/admin/desktop.asp`, { headers: { cookie } })).text();
-  if (!desktop.includes('admin-name')) throw new Error('sign-in failed');
-  return cookie;
-}
-
-// A signed-in browser on a site: its context, a first page, and every dialog of every page
-// accepted and recorded in order, so a test can wait for a run's messages.
-export async function signedInBrowser(site) {
-  const browser = await launchBrowser();
-  const cookie = await signInOverHttp(site);
   const context = await browser.newContext();
-  const [name, value] = cookie.split('=');
-  await context.addCookies([{ name, value, url: site.base }]);
+  if (signedIn) {
+    const picture = await fetch(`${site.base}/admin/inc/code.asp`);
+    let cookie = picture.headers.get('set-cookie').split(';')[0];
+    const code = readVerifyCode(Buffer.from(await picture.arrayBuffer()), site);
+    const login = await fetch(`${site.base}/admin/login.asp`, {
+      method: 'POST',
+      headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
+      body: `username=admin&password=secret123&verifyid=${code}`,
+    });
+    cookie = login.headers.get('set-cookie')?.split(';')[0];
+    if (!cookie) throw new Error('sign-in failed');
+    const [name, value] = cookie.split('=');
+    await context.addCookies([{ name, value, url: site.base }]);
+  }
   const dialogs = [];
   context.on('page', (p) => p.on('dialog', async (d) => {
     dialogs.push(d.message());
     await d.accept();
   }));
   const page = await context.newPage();
-  async function waitForDialog(text, timeout = 30000) {
-    const start = Date.now();
-    while (!dialogs.includes(text)) {
-      if (Date.now() - start > timeout) throw new Error(`no "${text}" dialog; got ${dialogs}`);
-      await new Promise((r) => setTimeout(r, 100));
+  // Waits until `count` more dialogs than `before` have been shown; the last of them.
+  async function dialogAfter(before, count = 1, timeout = 30000) {
+    for (const start = Date.now(); dialogs.length < before + count;) {
+      if (Date.now() - start > timeout) throw new Error(`no dialog after ${dialogs}`);
+      await new Promise((r) => setTimeout(r, 20));
     }
+    return dialogs.at(-1);
   }
-  return { browser, context, page, dialogs, waitForDialog };
+  return { browser, context, page, dialogs, dialogAfter };
+}
+
+// A fixture remote site on loopback: `answer(url)` gives [status, content type, body]; the
+// addresses asked for are kept in `asked`.
+async function startRemote(answer) {
+  const asked = [];
+  const server = createServer((req, res) => {
+    asked.push(req.url);
+    const [status, type, body] = answer(req.url, req.headers.host);
+    res.writeHead(status, { 'content-type': type }).end(body);
+  });
+  await new Promise((r) => server.listen(0, '127.0.0.1', r));
+  return { base: `http://127.0.0.1:${server.address().port}`, asked, close: () => new Promise((r) => server.close(r)) };
+}
+
+// Registers a test file's hooks: before its tests a fresh site (and a fixture remote site when
+// `answer` is given) and a browser on it, signed in unless `signedIn` is false; all gone after.
+export function useSite({ answer, signedIn = true } = {}) {
+  const fixture = {};
+  before(async () => {
+    if (answer) fixture.remote = await startRemote(answer);
+    fixture.site = await startSite();
+    Object.assign(fixture, await openBrowser(fixture.site, { signedIn }));
+  });
+  after(async () => {
+    await fixture.browser?.close();
+    await fixture.site?.stop();
+    await fixture.remote?.close();
+  });
+  return fixture;
 }

@@ -5,8 +5,19 @@
 namespace ostrakan::engine {
 namespace {
 
-using K = PageNode::Kind;
-using V = PageValue::Kind;
+// A node as "<line><kind><text>", with "=<value kind><name or literal>" for assignments and
+// writes; kinds by the letters below (G a Setting, S a Session value, V a server variable).
+std::vector<std::string> Show(const PageFile& page) {
+  std::vector<std::string> shown;
+  for (const PageNode& n : page.nodes) {
+    std::string s = std::to_string(n.line) + "TCAW"[static_cast<int>(n.kind)] + ToUtf8(n.text);
+    if (n.kind == PageNode::Kind::Assign || n.kind == PageNode::Kind::Write)
+      s += std::string("=") + "LPGRQFVS"[static_cast<int>(n.value.kind)] +
+           ToUtf8(n.value.kind == PageValue::Kind::Literal ? CStr(n.value.literal) : n.value.name);
+    shown.push_back(s);
+  }
+  return shown;
+}
 
 TEST(PageFile, ReadsDirectivesStatementsAndWrites) {
   PageFile p = ParsePageFile(
@@ -22,50 +33,21 @@ TEST(PageFile, ReadsDirectivesStatementsAndWrites) {
       u"%></html>");
   EXPECT_EQ(p.component, u"Ostrakan.Class54");
   EXPECT_EQ(p.rule, u"gather_list_web_list.asp");
-  ASSERT_EQ(p.nodes.size(), 15u);
-
-  EXPECT_EQ(p.nodes[0].kind, K::Call);  // the line break after the directive is dropped
-  EXPECT_EQ(p.nodes[0].text, u"InitFunction1");
-  EXPECT_EQ(p.nodes[0].line, 2);
-  EXPECT_EQ(p.nodes[1].kind, K::Text);
-  EXPECT_EQ(p.nodes[1].text, u"<html>");  // and so is the one after a code block
-  EXPECT_EQ(p.nodes[2].kind, K::Write);
-  EXPECT_EQ(p.nodes[2].value.kind, V::Property);
-  EXPECT_EQ(p.nodes[3].text, u"|");
-  EXPECT_EQ(p.nodes[4].value.kind, V::Setting);
-  EXPECT_EQ(p.nodes[4].value.name, u"Admin_Session");
-  EXPECT_EQ(p.nodes[5].text, u"\n");  // a write keeps the line break after it
-
-  EXPECT_EQ(p.nodes[6].kind, K::Assign);
-  EXPECT_EQ(p.nodes[6].text, u"id");
-  EXPECT_EQ(p.nodes[6].value.kind, V::Request);
-  EXPECT_EQ(p.nodes[6].line, 5);
-  EXPECT_EQ(p.nodes[7].value.literal.str(), u"a \"quoted\" : text");
-  EXPECT_EQ(p.nodes[8].kind, K::Call);
-  EXPECT_EQ(p.nodes[8].text, u"InitFunction2");
-  EXPECT_EQ(p.nodes[8].line, 6);
-  EXPECT_EQ(p.nodes[9].value.kind, V::QueryString);
-  EXPECT_EQ(p.nodes[10].value.kind, V::Form);
-  EXPECT_EQ(p.nodes[11].value.kind, V::ServerVariable);
-  EXPECT_EQ(CLng(p.nodes[12].value.literal), -12);
-  EXPECT_EQ(p.nodes[13].value.kind, V::Session);
-  EXPECT_EQ(p.nodes[13].line, 9);
-  EXPECT_EQ(p.nodes[14].text, u"</html>");
+  // The line break after a directive or a code block is dropped; the one after a write is kept.
+  EXPECT_EQ(Show(p), (std::vector<std::string>{"2CInitFunction1", "3T<html>", "3W=PWebSite_Title",
+                                               "3T|", "3W=GAdmin_Session", "3T\n", "5Aid=Rid",
+                                               "6ANote=La \"quoted\" : text", "6CInitFunction2",
+                                               "7Apage=Qpage", "8Aword=Fw", "8Aaddr=VREMOTE_ADDR",
+                                               "9An=L-12", "9Awho=Suser", "10T</html>"}));
 }
 
-TEST(PageFile, APlainPageIsItsText) {
+TEST(PageFile, APlainPageIsItsTextAndAClosingMarkInAStringClosesNothing) {
   PageFile p = ParsePageFile(u"<p>100% sure</p>\n<%= Setting(\"WebSite_Title\") %>");
   EXPECT_TRUE(p.component.empty());
-  ASSERT_EQ(p.nodes.size(), 2u);
-  EXPECT_EQ(p.nodes[0].text, u"<p>100% sure</p>\n");
+  EXPECT_EQ(Show(p), (std::vector<std::string>{"1T<p>100% sure</p>\n", "2W=GWebSite_Title"}));
   EXPECT_TRUE(ParsePageFile(u"").nodes.empty());
-}
-
-TEST(PageFile, AClosingMarkInsideAStringDoesNotCloseTheBlock) {
-  PageFile p = ParsePageFile(u"<%@ Component=\"C\" %><% Note = \"50%> done\" %>tail");
-  ASSERT_EQ(p.nodes.size(), 2u);
-  EXPECT_EQ(p.nodes[0].value.literal.str(), u"50%> done");
-  EXPECT_EQ(p.nodes[1].text, u"tail");
+  EXPECT_EQ(Show(ParsePageFile(u"<%@ Component=\"C\" %><% Note = \"50%> done\" %>tail")),
+            (std::vector<std::string>{"1ANote=L50%> done", "1Ttail"}));
 }
 
 // The line and message of the syntax error in `text`.
@@ -79,21 +61,16 @@ std::pair<int, std::string> ErrorOf(std::u16string_view text) {
 }
 
 TEST(PageFile, SyntaxErrorsNameTheirLine) {
-  const char16_t* c = u"<%@ Component=\"C\" %>\n";
-  auto with = [&](std::u16string rest) { return ErrorOf(c + rest); };
-  EXPECT_EQ(with(u"text\n<% InitFunction1").first, 3);  // no closing %>
-  EXPECT_EQ(with(u"\n<% x = \"open %>").first, 3);      // unterminated string
-  EXPECT_EQ(with(u"<%\nok\nDim x\n%>").first, 4);       // not a statement
-  EXPECT_EQ(with(u"<% x = Foo(\"a\") %>").second, "unknown function 'Foo'");
-  EXPECT_EQ(with(u"<% x = Request(id) %>").first, 2);  // the name must be quoted
-  EXPECT_EQ(with(u"<% x = Request.Bogus(\"a\") %>").first, 2);
-  EXPECT_EQ(with(u"<% x = 1 2 %>").first, 2);
-  EXPECT_EQ(with(u"<% x = %>").first, 2);
-  EXPECT_EQ(with(u"<%= %>").first, 2);
-  EXPECT_EQ(with(u"<% a.b = 1 %>").first, 2);
-  EXPECT_EQ(with(u"<% x = 99999999999 %>").first, 2);
-  EXPECT_EQ(with(u"<% x = 1 + 1 %>").first, 2);
-  EXPECT_EQ(with(u"\n\n<%@ Component=\"D\" %>").first, 4);  // a second component
+  const std::u16string c = u"<%@ Component=\"C\" %>\n";
+  EXPECT_EQ(ErrorOf(c + u"text\n<% InitFunction1").first, 3);  // no closing %>
+  EXPECT_EQ(ErrorOf(c + u"\n<% x = \"open %>").first, 3);      // unterminated string
+  EXPECT_EQ(ErrorOf(c + u"<%\nok\nDim x\n%>").first, 4);       // not a statement
+  EXPECT_EQ(ErrorOf(c + u"<% x = Foo(\"a\") %>").second, "unknown function 'Foo'");
+  for (const char16_t* bad :
+       {u"<% x = Request(id) %>", u"<% x = Request.Bogus(\"a\") %>", u"<% x = 1 2 %>", u"<% x = %>",
+        u"<%= %>", u"<% a.b = 1 %>", u"<% x = 99999999999 %>", u"<% x = 1 + 1 %>"})
+    EXPECT_EQ(ErrorOf(c + bad).first, 2) << ToUtf8(bad);
+  EXPECT_EQ(ErrorOf(c + u"\n<%@ Component=\"D\" %>").first, 3);  // a second component
   EXPECT_EQ(ErrorOf(u"<%@ Language=\"VBScript\" %>").second,
             "unknown directive 'Language' (expected Component or Rule)");
   EXPECT_EQ(ErrorOf(u"<%@ %>").second, "empty directive");

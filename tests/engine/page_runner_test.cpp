@@ -20,15 +20,12 @@ class Recorder : public SitePage {
     Property(u"Note", Note);
     Property(u"Extra", Extra);
     Block(u"Show", [this] { CurrentResponse().Write(u"[" + TextOf(id) + u"]"); });
-    Block(u"Stop", [] {
-      CurrentResponse().Write(u"stopped");
-      EndResponse();
-    });
+    Block(u"Stop", [] { CurrentResponse().Write(u"stopped"), EndResponse(); });
     Block(u"Crash", [] { throw std::runtime_error("boom"); });
     Method(
         u"Wide",
         [](Args& args) {
-          CurrentResponse().Write(FromUtf8(std::to_string(args.size())));
+          CurrentResponse().Write(FromUtf8(std::to_string(args.size())));  // up to its arity
           return Variant();
         },
         3);
@@ -40,18 +37,6 @@ class Recorder : public SitePage {
     std::u16string joined;
     for (size_t i = from; i < parameters.size(); ++i) joined += TextOf(parameters[i]) + u"|";
     Extra = Variant(joined);
-  }
-};
-
-// A component without site settings whose InitFunction1 takes nothing (as the verify-code
-// image's component).
-class Bare : public Component {
- public:
-  Bare() : Component(u"\\admin\\inc\\bare") {
-    Method(u"InitFunction1", [](Args& args) {
-      CurrentResponse().Write(u"args:" + FromUtf8(std::to_string(args.size())));
-      return Variant();
-    });
   }
 };
 
@@ -89,54 +74,35 @@ class PageRunnerTest : public ::testing::Test {
   RequestContext context_;
   SiteSetup setup_;
   ComponentCreator create_ = [](std::u16string_view progId) -> std::shared_ptr<Component> {
-    if (IEquals(progId, u"Test.Bare")) return std::make_shared<Bare>();
     if (!IEquals(progId, u"Test.Recorder")) return nullptr;
     return std::make_shared<Recorder>();
   };
 };
 
-TEST_F(PageRunnerTest, WritesTextSetsPropertiesAndCallsBlocksInOrder) {
+TEST_F(PageRunnerTest, WritesTextSetsPropertiesAndCallsMethodsInOrderUntilTheResponseEnds) {
   context_.request->queryString.Add(u"id", u"42");
   context_.request->form.Add(u"note", u"from the form");
-  std::u16string out =
-      Run(u"<%@ Component=\"Test.Recorder\" %><% InitFunction1 %>"
-          u"<p><%= WebSite_Title %>/<%= Admin_Session %></p>"
-          u"<% id = Request(\"id\") %><% Show %>"
-          u"<% Note = Request.Form(\"NOTE\") %><%= Note %>|<%= Setting(\"I\") %>|<%= Extra %>");
-  EXPECT_EQ(out, u"<p>s1/s8</p>[42]from the form|s11|");
-}
-
-TEST_F(PageRunnerTest, InitFunction1ReceivesTheRuleFieldsAfterTheSettings) {
-  std::u16string out = Run(u"<%@ Component=\"Test.Recorder\" %><% InitFunction1 %><%= Extra %>",
-                           {Variant(u"web"), Variant(u"http://x/")});
-  EXPECT_EQ(out, u"web|http://x/|");
-}
-
-TEST_F(PageRunnerTest, OtherMethodsGetEmptyArgumentsUpToTheirArity) {
-  EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %><% Wide %>"), u"3");
-  // An InitFunction1 that takes no settings is called without them.
   EXPECT_EQ(
-      Run(u"<%@ Component=\"Test.Bare\" Rule=\"r.asp\" %><% InitFunction1 %>", {Variant(u"x")}),
-      u"args:0");
-}
-
-TEST_F(PageRunnerTest, EndingTheResponseEndsThePageNormally) {
-  std::u16string out = Run(u"<%@ Component=\"Test.Recorder\" %>before <% Stop %> after<% Show %>");
-  EXPECT_EQ(out, u"before stopped");
+      Run(u"<%@ Component=\"Test.Recorder\" %><% InitFunction1 %>"
+          u"<p><%= WebSite_Title %>/<%= Admin_Session %></p><% id = Request(\"id\") %><% Show %>"
+          u"<% Note = Request.Form(\"NOTE\") %><%= Note %>|<%= Setting(\"I\") %>|<% Wide %>"
+          u"|<% Stop %> after<% Show %>",
+          {Variant(u"web"), Variant(u"http://x/")}),
+      u"<p>s1/s8</p>[42]from the form|s11|3|stopped");
+  // The rule fields follow the settings.
+  EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %><% InitFunction1 %><%= Extra %>",
+                {Variant(u"web"), Variant(u"http://x/")}),
+            u"web|http://x/|");
+  context_.session->Set(u"user", Variant(u"ann"));
+  EXPECT_EQ(Run(u"<b><%= Session(\"USER\") %></b><%= Setting(\"Missing\") %>"), u"<b>ann</b>");
 }
 
 TEST_F(PageRunnerTest, AnEscapedErrorNamesTheLineAndReleasesTheComponent) {
-  std::u16string out = Run(u"<%@ Component=\"Test.Recorder\" %>\n\n<% Crash %>");
-  EXPECT_EQ(out, u"error at line 3: boom");
-  out = Run(u"<%@ Component=\"Test.Recorder\" %>\n<% NoSuchProperty = 1 %>");
-  EXPECT_EQ(out.substr(0, 27), u"error at line 2: error 438:");
-  out = Run(u"<%@ Component=\"Test.Unknown\" %>x");
-  EXPECT_EQ(out, u"error at line 1: no page component is registered as Test.Unknown");
-}
-
-TEST_F(PageRunnerTest, APlainPageNeedsNoComponent) {
-  context_.session->Set(u"user", Variant(u"ann"));
-  EXPECT_EQ(Run(u"<b><%= Session(\"USER\") %></b><%= Setting(\"Missing\") %>"), u"<b>ann</b>");
+  EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %>\n\n<% Crash %>"), u"error at line 3: boom");
+  EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %>\n<% NoSuchProperty = 1 %>").substr(0, 27),
+            u"error at line 2: error 438:");
+  EXPECT_EQ(Run(u"<%@ Component=\"Test.Unknown\" %>x"),
+            u"error at line 1: no page component is registered as Test.Unknown");
 }
 
 }  // namespace

@@ -15,16 +15,15 @@ struct HttpReply {
   std::string body;
   std::string error;  // set when the transfer failed
 
-  std::string Header(std::string_view name) const {
-    for (const auto& [n, v] : headers)
-      if (n == name) return v;
-    return "";
-  }
   std::vector<std::string> All(std::string_view name) const {
     std::vector<std::string> out;
     for (const auto& [n, v] : headers)
       if (n == name) out.push_back(v);
     return out;
+  }
+  std::string Header(std::string_view name) const {
+    auto all = All(name);
+    return all.empty() ? "" : all[0];
   }
   // The value of the session cookie set by this reply, or "".
   std::string SessionCookie() const {
@@ -39,18 +38,14 @@ class HttpClient {
   explicit HttpClient(int port) : base_("http://127.0.0.1:" + std::to_string(port)) {}
 
   // Sends from another loopback address ("127.0.0.2"), as a second client machine would.
-  HttpClient& From(std::string address) {
-    from_ = std::move(address);
-    return *this;
-  }
+  void From(std::string address) { from_ = std::move(address); }
 
   // `path` is sent exactly as written (no "../" resolving).
   HttpReply Send(const std::string& method, const std::string& path, const std::string& body = "",
                  std::vector<std::string> headers = {}) const {
     HttpReply reply;
     CURL* curl = curl_easy_init();
-    std::string url = base_ + path;
-    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(curl, CURLOPT_URL, (base_ + path).c_str());
     curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(curl, CURLOPT_TIMEOUT, 30L);
@@ -71,14 +66,12 @@ class HttpClient {
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &reply.body);
     curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &CollectHeader);
     curl_easy_setopt(curl, CURLOPT_HEADERDATA, &reply.headers);
-    CURLcode rc = curl_easy_perform(curl);
-    if (rc != CURLE_OK) reply.error = curl_easy_strerror(rc);
+    if (CURLcode rc = curl_easy_perform(curl); rc != CURLE_OK) reply.error = curl_easy_strerror(rc);
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &reply.status);
     curl_slist_free_all(list);
     curl_easy_cleanup(curl);
     return reply;
   }
-
   HttpReply Get(const std::string& path, std::vector<std::string> headers = {}) const {
     return Send("GET", path, "", std::move(headers));
   }
@@ -94,20 +87,15 @@ class HttpClient {
     return size * n;
   }
   static size_t CollectHeader(char* data, size_t size, size_t n, void* out) {
+    auto* headers = static_cast<std::vector<std::pair<std::string, std::string>>*>(out);
     std::string line(data, size * n);
+    if (line.starts_with("HTTP/")) headers->clear();  // a new response (after 100 Continue)
     size_t colon = line.find(':');
-    if (colon != std::string::npos) {
-      std::string name = line.substr(0, colon);
-      for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-      std::string value = line.substr(colon + 1);
-      while (!value.empty() && (value.front() == ' ')) value.erase(0, 1);
-      while (!value.empty() && (value.back() == '\r' || value.back() == '\n')) value.pop_back();
-      auto* headers = static_cast<std::vector<std::pair<std::string, std::string>>*>(out);
-      headers->emplace_back(name, value);
-    } else if (line.starts_with("HTTP/")) {
-      // A new response (after 100 Continue or a redirect): forget the earlier headers.
-      static_cast<std::vector<std::pair<std::string, std::string>>*>(out)->clear();
-    }
+    if (colon == std::string::npos || line.starts_with("HTTP/")) return size * n;
+    std::string name = line.substr(0, colon);
+    for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    size_t from = line.find_first_not_of(' ', colon + 1), to = line.find_last_not_of("\r\n");
+    headers->emplace_back(name, from > to ? "" : line.substr(from, to + 1 - from));
     return size * n;
   }
 

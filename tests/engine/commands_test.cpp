@@ -1,0 +1,149 @@
+// The ostrakan commands in-process on a fresh site: init, the checks serve makes before it
+// listens, passwd, and generate. (The binary itself is run by the HTTP folder's test.)
+#include "engine/commands.h"
+
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "access/md5.h"
+#include "engine/generate_command.h"
+#include "support/page_harness.h"
+
+namespace ostrakan::engine {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Sql;
+using testing::SqlValue;
+
+std::string Digest(const std::string& password) {
+  return ToUtf8(Md5(FromUtf8(password)));
+}
+
+// CheckSite as the serving user sees it when that is not root: access() asks about the real
+// user, so as root the real user is "nobody" for the check.
+std::string CheckAsOtherUser(const fs::path& site) {
+  if (::geteuid() != 0) return CheckSite(site);
+  if (::setreuid(65534, 0) != 0) return "setreuid failed";
+  std::string problem = CheckSite(site);
+  if (::setreuid(0, 0) != 0) std::abort();
+  return problem;
+}
+
+class Commands : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(RunInit({site_, from_, "admin", "secret123"}, out_, err_), 0) << err_.str();
+  }
+  // The password a command printed (once, on a line of its own).
+  std::string Printed() const {
+    const size_t at = out_.str().find("Password: ");
+    return at == std::string::npos ? "" : out_.str().substr(at + 10, 12);
+  }
+  std::string Value(const std::string& sql) const { return SqlValue(db_, sql); }
+  template <typename Options>
+  int Run(int (*command)(const Options&, std::ostream&, std::ostream&), Options o) {
+    out_.str("");
+    err_.str("");
+    return command(o, out_, err_);
+  }
+
+  testing::TempDir dir_;
+  const fs::path from_ = testing::SourceDir() / "site";
+  fs::path site_ = dir_.path() / "site", db_ = site_ / "data/ostrakan.db";
+  std::ostringstream out_, err_;
+};
+
+TEST_F(Commands, InitPrintsAGeneratedPasswordOnceAndOverwritesNothing) {
+  ASSERT_EQ(Run(RunInit, {dir_.path() / "b", from_, "admin", std::nullopt}), 0) << err_.str();
+  const std::string password = Printed();
+  EXPECT_EQ(password.find_first_not_of("abcdefghijkmnpqrstuvwxyzABCDEFGHJKLMNPQRSTUVWXYZ23456789"),
+            std::string::npos);
+  EXPECT_EQ(SqlValue(dir_.path() / "b/data/ostrakan.db", "select password from admin"),
+            Digest(password));
+
+  EXPECT_EQ(Run(RunInit, {site_, from_, "admin", "x1234567"}), 1);
+  EXPECT_NE(err_.str().find("not empty"), std::string::npos) << err_.str();
+  EXPECT_EQ(Value("select password from admin"), Digest("secret123"));
+  EXPECT_EQ(Run(RunInit, {dir_.path() / "c", from_, "admin", "with blank"}), 1);
+  EXPECT_NE(err_.str().find("sign-in page removes them"), std::string::npos) << err_.str();
+  EXPECT_FALSE(fs::exists(dir_.path() / "c")) << "nothing half made is left behind";
+}
+
+TEST_F(Commands, ServeNamesWhatMakesASiteUnusable) {
+  EXPECT_EQ(CheckSite(site_), "");
+  EXPECT_NE(CheckSite(dir_.path() / "none").find("does not exist"), std::string::npos);
+  // Readable by everyone, writable by its owner only.
+  fs::permissions(db_, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  std::string problem = CheckAsOtherUser(site_);
+  EXPECT_NE(problem.find("the database " + db_.string() + " is not writable"), std::string::npos)
+      << problem;
+  EXPECT_NE(problem.find("write permission"), std::string::npos) << problem;
+  // The file may be writable while the folder, where SQLite makes its journals, is not.
+  fs::permissions(db_, fs::perms::all);
+  fs::permissions(db_.parent_path(), fs::perms::owner_all | fs::perms::group_read |
+                                         fs::perms::group_exec | fs::perms::others_read |
+                                         fs::perms::others_exec);
+  EXPECT_NE(CheckAsOtherUser(site_).find("database folder"), std::string::npos);
+  fs::permissions(db_.parent_path(), fs::perms::all);
+  std::ofstream(db_.string() + "-wal") << "";
+  fs::permissions(db_.string() + "-wal", fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_NE(CheckAsOtherUser(site_).find("ostrakan.db-wal is not writable"), std::string::npos);
+  fs::remove(db_.string() + "-wal");
+
+  fs::rename(db_, db_.string() + ".away");
+  EXPECT_EQ(CheckSite(site_), "the database " + db_.string() + " (DB in Setup.asp) does not exist");
+  std::ofstream(db_) << "this is not a database, just text that is long enough to be read";
+  EXPECT_NE(CheckSite(site_).find("is not usable"), std::string::npos);
+  std::ofstream(site_ / "Setup.asp") << "DB=\"data/ostrakan.db\"\r\nB=oops oops\r\n";
+  EXPECT_NE(CheckSite(site_).find("Setup.asp, line 2"), std::string::npos) << CheckSite(site_);
+  fs::remove(site_ / "Setup.asp");
+  EXPECT_NE(CheckSite(site_).find("has no Setup.asp"), std::string::npos);
+}
+
+TEST_F(Commands, PasswdLetsTheAdministratorBackInAndRefusesWhatSignInCouldNotType) {
+  Sql(db_, "update admin set username=''");  // the account page stored an empty name
+  ASSERT_EQ(Run(RunPasswd, {site_, "admin", "fresh123"}), 0) << err_.str();
+  EXPECT_EQ(out_.str(), "Added the administrator admin\n");
+  EXPECT_EQ(Value("select password from admin where username='admin'"), Digest("fresh123"));
+
+  ASSERT_EQ(Run(RunPasswd, {site_, "admin", std::nullopt, true}), 0) << err_.str();
+  const std::string text = out_.str(), generated = Printed();
+  EXPECT_EQ(Value("select group_concat(password) from admin where username='admin'"),
+            Digest(generated));
+  EXPECT_TRUE(
+      text.ends_with("{\"admin\":\"admin\",\"added\":false,\"password\":\"" + generated + "\"}\n"));
+
+  EXPECT_EQ(Run(RunPasswd, {site_, "", "fresh123"}), 1);
+  EXPECT_EQ(err_.str(), "ostrakan passwd: the administrator name is empty.\n");
+  EXPECT_EQ(Run(RunPasswd, {site_, "admin", "it's"}), 1);
+  EXPECT_NE(err_.str().find("the password may not contain"), std::string::npos);
+  EXPECT_EQ(Run(RunPasswd, {dir_.path() / "nothing", "admin", "fresh123"}), 1);
+  EXPECT_NE(err_.str().find("not a site folder"), std::string::npos);
+  EXPECT_EQ(Value("select group_concat(password) from admin where username='admin'"),
+            Digest(generated));
+}
+
+TEST_F(Commands, GenerateWritesTheChosenCategoriesOrSaysWhyNot) {
+  Sql(db_,
+      "delete from sort; insert into sort (id, sort, sort_id, alphabetical_id) values "
+      "(101, '音乐', 0, 0), (102, '摇滚', 101, 18), (103, '民谣', 101, 13), (104, '体育', 0, 0)");
+  auto generate = [&](std::vector<std::string> categories) {
+    int status = Run(RunGenerate, {site_, std::move(categories), true});
+    const std::string text = out_.str();
+    return std::to_string(status) + " " + text.substr(text.rfind('\n', text.size() - 2) + 1);
+  };
+  EXPECT_EQ(generate({}), "0 {\"files\":4,\"failed\":0}\n") << err_.str();
+  EXPECT_TRUE(fs::exists(site_ / "sort_list_104.html") && fs::exists(site_ / "list/list_103.html"));
+  EXPECT_EQ(generate({"101"}), "0 {\"files\":3,\"failed\":0}\n");  // with its sub-categories
+  EXPECT_EQ(generate({"103", "555"}), "1 {\"files\":1,\"failed\":1}\n");
+  EXPECT_NE(err_.str().find("there is no category 555"), std::string::npos) << err_.str();
+  EXPECT_EQ(generate({"1 or 1=1"}), "1 ");
+  EXPECT_EQ(err_.str(), "ostrakan generate: \"1 or 1=1\" is not a category number.\n");
+}
+
+}  // namespace
+}  // namespace ostrakan::engine
