@@ -20,10 +20,8 @@ Variant SiteSetup::Get(std::u16string_view name) const {
   return {};
 }
 
-std::vector<Variant> SiteSetup::Settings() const {
-  std::vector<Variant> out;
-  for (const std::u16string& name : SitePage::SettingNames()) out.push_back(Get(name));
-  return out;
+SiteSetup::SiteSetup(std::vector<Assignment> values) : values_(std::move(values)) {
+  for (const std::u16string& name : SitePage::SettingNames()) settings_.push_back(Get(name));
 }
 
 std::vector<std::u16string> SiteSetup::MissingSettings() const {

@@ -23,14 +23,14 @@ struct SiteSetupError : std::runtime_error {
 class SiteSetup {
  public:
   SiteSetup() = default;
-  explicit SiteSetup(std::vector<Assignment> values) : values_(std::move(values)) {}
+  explicit SiteSetup(std::vector<Assignment> values);
   // Reads Setup.asp from bytes in the ANSI code page; throws SiteSetupError.
   static SiteSetup FromBytes(std::string_view bytes);
 
   // The value of a setting (the last assignment wins), Empty when Setup.asp does not set it.
   Variant Get(std::u16string_view name) const;
-  // The 13 settings in the order InitFunction1 receives them.
-  std::vector<Variant> Settings() const;
+  // The 13 settings in the order InitFunction1 receives them (looked up once, not per page).
+  const std::vector<Variant>& Settings() const { return settings_; }
   // The names of the 13 settings that Setup.asp does not set.
   std::vector<std::u16string> MissingSettings() const;
   // The name of the Session item that marks a signed-in administrator.
@@ -40,6 +40,7 @@ class SiteSetup {
 
  private:
   std::vector<Assignment> values_;
+  std::vector<Variant> settings_;
 };
 
 SiteSetup LoadSiteSetup(const std::filesystem::path& siteRoot);

@@ -28,8 +28,9 @@ function freePort() {
 }
 
 // A new site made by `ostrakan init` (administrator admin, password secret123), served until
-// stop(). `prepare(siteDir)`, when given, runs between making the site and serving it.
-async function startSite({ prepare } = {}) {
+// stop(). `prepare(siteDir)`, when given, runs between making the site and serving it. The
+// benchmarks in bench/ use it too.
+export async function startSite({ prepare } = {}) {
   const dir = mkdtempSync(join(tmpdir(), 'ostrakan-browser-'));
   const site = join(dir, 'site');
   execFileSync(binary, ['init', site, '--password', 'secret123']);
@@ -73,6 +74,22 @@ export function readVerifyCode(bmp, site) {
   return code;
 }
 
+// Signs in over plain HTTP (load the picture, read its code, post the form); the session
+// cookie as "NAME=value".
+export async function signInOverHttp(site) {
+  const picture = await fetch(`${site.base}/admin/inc/code.asp`);
+  const cookie = picture.headers.get('set-cookie').split(';')[0];
+  const code = readVerifyCode(Buffer.from(await picture.arrayBuffer()), site);
+  const login = await fetch(`${site.base}/admin/login.asp`, {
+    method: 'POST',
+    headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
+    body: `username=admin&password=secret123&verifyid=${code}`,
+  });
+  const signedIn = login.headers.get('set-cookie')?.split(';')[0];
+  if (!signedIn) throw new Error('sign-in failed');
+  return signedIn;
+}
+
 // A browser whose context is signed in (over plain HTTP: load the picture, read its code, post
 // the form) unless `signedIn` is false, with every dialog of every page accepted and recorded.
 async function openBrowser(site, { signedIn = true } = {}) {
@@ -83,17 +100,7 @@ async function openBrowser(site, { signedIn = true } = {}) {
   });
   const context = await browser.newContext();
   if (signedIn) {
-    const picture = await fetch(`${site.base}/admin/inc/code.asp`);
-    let cookie = picture.headers.get('set-cookie').split(';')[0];
-    const code = readVerifyCode(Buffer.from(await picture.arrayBuffer()), site);
-    const login = await fetch(`${site.base}/admin/login.asp`, {
-      method: 'POST',
-      headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
-      body: `username=admin&password=secret123&verifyid=${code}`,
-    });
-    cookie = login.headers.get('set-cookie')?.split(';')[0];
-    if (!cookie) throw new Error('sign-in failed');
-    const [name, value] = cookie.split('=');
+    const [name, value] = (await signInOverHttp(site)).split('=');
     await context.addCookies([{ name, value, url: site.base }]);
   }
   const dialogs = [];
