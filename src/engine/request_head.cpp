@@ -16,17 +16,6 @@ bool IEquals(std::string_view a, std::string_view b) {
   return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
-bool IsTokenChar(unsigned char c) {
-  return c > ' ' && c < 127 && !std::strchr("()<>@,;:\\\"/[]?={}", c);
-}
-
-bool IsToken(std::string_view s) {
-  if (s.empty()) return false;
-  for (unsigned char c : s)
-    if (!IsTokenChar(c)) return false;
-  return true;
-}
-
 std::string_view TrimBlanks(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
   while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
@@ -124,6 +113,13 @@ std::string ReadFraming(RequestHead& head) {
 }
 
 }  // namespace
+
+bool IsToken(std::string_view s) {
+  if (s.empty()) return false;
+  for (unsigned char c : s)
+    if (c <= ' ' || c >= 127 || std::strchr("()<>@,;:\\\"/[]?={}", c)) return false;
+  return true;
+}
 
 size_t FindHeadEnd(std::string_view buffer) {
   // Empty lines before the request line are skipped, not taken as the end of a head.

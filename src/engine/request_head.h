@@ -32,6 +32,9 @@ struct HeadError {
   std::string why;
 };
 
+// Whether `s` is an HTTP token (a method or a header name): visible ASCII without separators.
+bool IsToken(std::string_view s);
+
 // Where the head in `buffer` ends (just past the empty line that closes it), or npos while it
 // is incomplete. Leading empty lines are part of what is skipped.
 size_t FindHeadEnd(std::string_view buffer);

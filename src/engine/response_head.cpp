@@ -5,17 +5,11 @@
 #include <cstring>
 #include <ctime>
 
+#include "engine/request_head.h"
 #include "frame/response.h"
 
 namespace ostrakan::engine {
 namespace {
-
-bool IsHeaderName(const std::string& name) {
-  if (name.empty()) return false;
-  for (unsigned char c : name)
-    if (c <= ' ' || c >= 127 || std::strchr("()<>@,;:\\\"/[]?={}", c)) return false;
-  return true;
-}
 
 // The server frames the answer itself; a page's own framing headers would contradict it.
 bool IsFramingHeader(const std::string& name) {
@@ -106,7 +100,7 @@ std::string ResponseHead(const HttpResponse& r, size_t contentLength, bool keepA
   out += StatusText(r.status);
   out += "\r\n";
   for (const auto& [name, value] : r.headers) {
-    if (!IsHeaderName(name) || IsFramingHeader(name)) continue;
+    if (!IsToken(name) || IsFramingHeader(name)) continue;
     out += name;
     out += ": ";
     AppendOneLine(out, value);
