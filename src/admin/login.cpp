@@ -36,8 +36,7 @@ void Login::InitFunction3() {
     filtration(verifyid);
     // A verify code is good for one attempt only, right or wrong: otherwise one solved
     // picture would allow any number of password guesses.
-    const Variant expectedCode = session.Get(u"verifyid");
-    session.Remove(u"verifyid");
+    const Variant expectedCode = session.Take(u"verifyid");
 
     auto refuse = [&](std::u16string_view script) {
       CloseAndRelease(rs);

@@ -18,6 +18,15 @@ void ItemStore::Remove(std::u16string_view name) {
   items_.erase(AsciiLower(name));
 }
 
+Variant ItemStore::Take(std::u16string_view name) {
+  MutexLock lock(mutex_);
+  auto it = items_.find(AsciiLower(name));
+  if (it == items_.end()) return Variant();
+  Variant value = std::move(it->second);
+  items_.erase(it);
+  return value;
+}
+
 void ItemStore::Clear() {
   MutexLock lock(mutex_);
   items_.clear();

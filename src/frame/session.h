@@ -18,6 +18,9 @@ class ItemStore : public Object {
   Variant Get(std::u16string_view name) const EXCLUDES(mutex_);  // Empty when never set
   void Set(std::u16string_view name, Variant value) EXCLUDES(mutex_);
   void Remove(std::u16string_view name) EXCLUDES(mutex_);
+  // Get and Remove in one step: of several threads taking the same item, one gets its value
+  // and the others Empty (a one-time value, such as the sign-in verify code, is used once).
+  Variant Take(std::u16string_view name) EXCLUDES(mutex_);
   void Clear() EXCLUDES(mutex_);
   bool empty() const EXCLUDES(mutex_);  // no item has been stored (or all were removed)
 

@@ -60,6 +60,24 @@ TEST_F(SiteTest, AVerifyCodeCountsForOneAttemptRightOrWrong) {
       std::u16string::npos);
 }
 
+// Two browsers' posts of one solved picture, sent at once: the code is taken from the session
+// in one step, so only one of them can sign in with it.
+TEST_F(SiteTest, ParallelPostsOfOneVerifyCodeSignInOnlyOnce) {
+  for (int round = 0; round < 5; ++round) {
+    Picture p = Solve(client());
+    auto post = [&] {
+      return Text(
+          client().Post("/admin/login.asp", SignInForm("admin", "secret123", p.code), {p.cookie}));
+    };
+    std::future<std::u16string> first = std::async(std::launch::async, post);
+    std::future<std::u16string> second = std::async(std::launch::async, post);
+    int signedIn = 0;
+    for (const std::u16string& page : {first.get(), second.get()})
+      signedIn += page.find(u"location.replace('main.asp')") != std::u16string::npos;
+    EXPECT_EQ(signedIn, 1) << "round " << round;
+  }
+}
+
 TEST_F(SiteTest, TheSixthFailureFromOneAddressWaitsWhileOthersSignIn) {
   HttpClient attacker = client();
   attacker.From("127.0.0.2");
