@@ -1,6 +1,11 @@
 // The file-system seam: the real one writes whole files through a renamed temporary file; the
 // memory double fails where the disk would.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <fstream>
+#include <thread>
 
 #include "platform/fs/file_system.h"
 #include "support/page_harness.h"
@@ -24,6 +29,37 @@ TEST(RealFileSystem, WritesReplacesAndReadsWholeFilesWithoutLeavingTemporaries) 
   EXPECT_TRUE(files.Exists(file));
   EXPECT_TRUE(files.Read(dir.path() / "none", bytes).has_value());
   EXPECT_EQ(bytes, std::string(100000, 'n'));  // a failed read leaves the buffer alone
+}
+
+// The process's umask as the kernel reports it, read without changing it.
+std::string UmaskNow() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);)
+    if (line.rfind("Umask:", 0) == 0) return line;
+  return "";
+}
+
+// A written page gets the mode any new file of the process gets (0666 less the umask), and
+// the umask that every other thread's files depend on stays as it is while pages are written.
+TEST(RealFileSystem, WrittenFilesFollowTheUmaskWhichNoWriteChanges) {
+  testing::TempDir dir;
+  const mode_t previous = ::umask(027);
+  const std::string expected = UmaskNow();
+  ASSERT_NE(expected, "");
+  std::atomic<bool> writing{true};
+  std::atomic<int> changes{0};
+  std::thread watcher([&] {
+    while (writing)
+      if (UmaskNow() != expected) ++changes;
+  });
+  for (int i = 0; i < 300; ++i)
+    ASSERT_FALSE(FileSystem::Real().WriteAtomic(dir.path() / "page.html", "p").has_value());
+  writing = false;
+  watcher.join();
+  ::umask(previous);
+  EXPECT_EQ(changes, 0);
+  EXPECT_EQ(std::filesystem::status(dir.path() / "page.html").permissions(),
+            std::filesystem::perms(0640));
 }
 
 TEST(MemoryFileSystem, FailsWhereTheDiskWould) {

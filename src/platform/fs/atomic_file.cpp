@@ -1,11 +1,10 @@
 #include "platform/fs/atomic_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <sys/random.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 namespace ostrakan::fs {
@@ -16,16 +15,33 @@ std::string Failure(const char* what, const std::filesystem::path& path, int err
   return std::string(what) + " " + path.string() + ": " + std::strerror(err);
 }
 
+// Creates ".<name>.<random>" in folder, open for writing, with mode 0666 less the umask as
+// the kernel applies it (so a served page is readable like any other file, and the
+// process-wide umask is never touched). Returns the descriptor, or -1 with errno set.
+int CreateTemporary(const std::filesystem::path& folder, const std::string& name,
+                    std::string& temp) {
+  static constexpr char kDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    unsigned char random[8];
+    if (::getrandom(random, sizeof random, 0) != static_cast<ssize_t>(sizeof random)) return -1;
+    std::string suffix;
+    for (unsigned char r : random) suffix += kDigits[r % 36];
+    temp = (folder / ("." + name + "." + suffix)).string();
+    const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd >= 0 || errno != EEXIST) return fd;
+  }
+  return -1;
+}
+
 }  // namespace
 
 std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
                                            std::string_view bytes) {
   const std::filesystem::path folder =
       path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
-  std::string pattern = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
-  const int fd = ::mkstemp(pattern.data());
+  std::string temp;
+  const int fd = CreateTemporary(folder, path.filename().string(), temp);
   if (fd < 0) return Failure("cannot create a temporary file beside", path, errno);
-  const std::string temp = pattern;
   auto fail = [&](const char* what) {
     const int err = errno;
     ::close(fd);
@@ -41,10 +57,6 @@ std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
     }
     done += static_cast<size_t>(n);
   }
-  // mkstemp makes the file 0600; a served page must be readable like any other file.
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  if (::fchmod(fd, 0666 & ~mask) != 0) return fail("cannot set the mode of");
   if (::fsync(fd) != 0) return fail("cannot flush");
   if (::close(fd) != 0) {
     const int err = errno;
@@ -56,6 +68,14 @@ std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
     ::unlink(temp.c_str());
     return Failure("cannot replace", path, err);
   }
+  // The rename lives in the folder: until the folder is on disk, a crash may bring back the
+  // old file (or none).
+  const int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (dir < 0) return Failure("cannot open the folder of", path, errno);
+  const int synced = ::fsync(dir);
+  const int err = errno;
+  ::close(dir);
+  if (synced != 0) return Failure("cannot flush the folder of", path, err);
   return std::nullopt;
 }
 

@@ -1,9 +1,10 @@
 // Writing a whole file so that no reader ever sees half of it.
 //
-// The bytes go to a temporary file in the target's own folder (same file system), are flushed,
-// and the temporary file is renamed over the target in one step. A reader (the static-file
-// handler, a browser) sees either the old file or the new one. On failure the target is left as
-// it was and the temporary file is removed.
+// The bytes go to a temporary file in the target's own folder (same file system), created
+// with mode 0666 less the umask, are flushed, and the temporary file is renamed over the
+// target in one step; the folder is then flushed too, so the new file survives a crash. A reader
+// (the static-file handler, a browser) sees either the old file or the new one. On failure the
+// target is left as it was and the temporary file is removed.
 #pragma once
 
 #include <filesystem>
