@@ -9,6 +9,7 @@
 #include "engine/file_cache.h"
 #include "engine/site_setup.h"
 #include "frame/filtration.h"
+#include "platform/ado/database_file.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -59,13 +60,10 @@ void Exec(sqlite3* db, const std::string& sql) {
 void CreateDatabase(const fs::path& file, const std::string& schema, const std::string& admin,
                     const std::string& password) {
   fs::create_directories(file.parent_path());
-  sqlite3* db = nullptr;
-  int rc = sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-  struct Closer {
-    sqlite3* db;
-    ~Closer() { sqlite3_close(db); }
-  } closer{db};
-  if (rc != SQLITE_OK) throw InitError("cannot create the database " + file.string());
+  ado::OpenedDatabase opened = ado::OpenDatabase(file, /*create=*/true);
+  if (!opened.db)
+    throw InitError("cannot create the database " + file.string() + ": " + opened.problem);
+  sqlite3* db = opened.db.get();
   Exec(db, schema);
   sqlite3_stmt* insert = nullptr;
   if (sqlite3_prepare_v2(db, "insert into admin (username, password) values (?, ?)", -1, &insert,
@@ -74,7 +72,7 @@ void CreateDatabase(const fs::path& file, const std::string& schema, const std::
   std::string digest = ToUtf8(Md5(FromUtf8(password)));
   sqlite3_bind_text(insert, 1, admin.c_str(), -1, SQLITE_TRANSIENT);
   sqlite3_bind_text(insert, 2, digest.c_str(), -1, SQLITE_TRANSIENT);
-  rc = sqlite3_step(insert);
+  const int rc = sqlite3_step(insert);
   sqlite3_finalize(insert);
   if (rc != SQLITE_DONE)
     throw InitError(std::string("cannot add the administrator: ") + sqlite3_errmsg(db));

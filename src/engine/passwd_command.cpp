@@ -9,6 +9,7 @@
 #include "core/variant.h"
 #include "engine/commands.h"
 #include "engine/site_setup.h"
+#include "platform/ado/database_file.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -21,14 +22,11 @@ struct PasswdError : std::runtime_error {
 
 class Database {
  public:
-  explicit Database(const fs::path& file) {
-    if (sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK)
-      throw PasswdError("cannot open the database " + file.string() + ": " + Error());
-    sqlite3_busy_timeout(db_, 5000);
+  explicit Database(const fs::path& file)
+      : opened_(ado::OpenDatabase(file)), db_(opened_.db.get()) {
+    if (!db_)
+      throw PasswdError("cannot open the database " + file.string() + ": " + opened_.problem);
   }
-  ~Database() { sqlite3_close(db_); }
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
 
   void Exec(const char* sql) {
     if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) throw PasswdError(Error());
@@ -48,7 +46,8 @@ class Database {
   std::string Error() const { return db_ ? sqlite3_errmsg(db_) : "out of memory"; }
 
  private:
-  sqlite3* db_ = nullptr;
+  ado::OpenedDatabase opened_;
+  sqlite3* db_;
 };
 
 // Sets the digest for every account of that name, or adds the account; true when added.

@@ -9,6 +9,7 @@
 #include "engine/http_server.h"
 #include "engine/site_setup.h"
 #include "frame/error_log.h"
+#include "platform/ado/database_file.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -17,17 +18,12 @@ namespace fs = std::filesystem;
 
 // "" when the file is an SQLite database with the admin table, else why not.
 std::string CheckDatabase(const fs::path& file) {
-  sqlite3* db = nullptr;
-  int rc = sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
-  std::string problem;
-  if (rc != SQLITE_OK) {
-    problem = db ? sqlite3_errmsg(db) : "out of memory";
-  } else if (sqlite3_exec(db, "select count(*) from admin", nullptr, nullptr, nullptr) !=
-             SQLITE_OK) {
-    problem = sqlite3_errmsg(db);
-  }
-  sqlite3_close(db);
-  return problem;
+  ado::OpenedDatabase opened = ado::OpenDatabase(file);
+  if (!opened.db) return opened.problem;
+  if (sqlite3_exec(opened.db.get(), "select count(*) from admin", nullptr, nullptr, nullptr) !=
+      SQLITE_OK)
+    return sqlite3_errmsg(opened.db.get());
+  return "";
 }
 
 // The host part of the address as a browser would use it.

@@ -10,6 +10,7 @@
 
 #include "access/md5.h"
 #include "engine/generate_command.h"
+#include "support/database_holder.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::engine {
@@ -143,6 +144,27 @@ TEST_F(Commands, GenerateWritesTheChosenCategoriesOrSaysWhyNot) {
   EXPECT_NE(err_.str().find("there is no category 555"), std::string::npos) << err_.str();
   EXPECT_EQ(generate({"1 or 1=1"}), "1 ");
   EXPECT_EQ(err_.str(), "ostrakan generate: \"1 or 1=1\" is not a category number.\n");
+}
+
+// A command started while another process writes waits for the writer (as the pages do, up
+// to 5 seconds) instead of failing at once with "database is locked": serve's start-up check,
+// generate (whose check runs first) and passwd, each started while the database is held.
+TEST_F(Commands, CommandsWaitForAWriterInsteadOfFailing) {
+  Sql(db_, "insert into sort (id, sort, sort_id, alphabetical_id) values (101, '音乐', 0, 0)");
+  auto whileHeld = [&](auto run) {
+    testing::DatabaseHolder writer(db_, std::chrono::milliseconds(800));
+    EXPECT_TRUE(writer.held() && testing::DatabaseHolder::LocksOutAReaderThatDoesNotWait(db_));
+    return run();
+  };
+  EXPECT_EQ(whileHeld([&] { return CheckSite(site_); }), "");
+  EXPECT_EQ(whileHeld([&] { return Run(RunGenerate, {site_, {"101"}, true}); }), 0) << err_.str();
+  EXPECT_TRUE(fs::exists(site_ / "sort_list_101.html"));
+  EXPECT_EQ(whileHeld([&] {
+              return Run(RunPasswd, {site_, "admin", "fresh123"});
+            }),
+            0)
+      << err_.str();
+  EXPECT_EQ(Value("select password from admin"), Digest("fresh123"));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "engine/commands.h"
 #include "engine/gather_command.h"
+#include "support/database_holder.h"
 #include "support/id_rule_fixture.h"
 #include "support/list_rule_fixture.h"
 #include "support/remote_site.h"
@@ -82,6 +83,17 @@ TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
   remote.Set("/r/2.html", {200, FixtureResultPage(2, 4)});
   ASSERT_EQ(Run({"list", listRule, "--pages", "2-3", "--json"}), 0);
   EXPECT_NE(said.find("\"inserted\":4,\"updated\":4"), npos) << said;
+  EXPECT_EQ(Value("select count(*) from db where source = 'Fixture'"), "12");
+}
+
+// Runs started while another process holds the database wait for it (up to 5 seconds, as the
+// pages do) instead of exiting with "database is locked": a cron job beside a busy site.
+TEST_F(GatherCommand, RunsStartedWhileTheDatabaseIsHeldWaitForIt) {
+  for (const std::string pages : {"1-1", "2-3"}) {
+    testing::DatabaseHolder writer(db, std::chrono::milliseconds(800));
+    ASSERT_TRUE(writer.held() && testing::DatabaseHolder::LocksOutAReaderThatDoesNotWait(db));
+    EXPECT_EQ(Run({"list", listRule, "--pages", pages}), 0) << said;
+  }
   EXPECT_EQ(Value("select count(*) from db where source = 'Fixture'"), "12");
 }
 

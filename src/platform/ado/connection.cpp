@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "platform/ado/database_file.h"
 #include "platform/ado/recordset.h"
 #include "platform/ado/sqlite_call.h"
 
@@ -39,11 +40,6 @@ std::optional<std::u16string> DatabasePathOf(std::u16string_view connectionStrin
   return std::nullopt;
 }
 
-void Connection::Closer::operator()(sqlite3* db) const {
-  // Statements of record sets still open keep the database until they are finalized.
-  sqlite3_close_v2(db);
-}
-
 void Connection::Open(std::u16string_view connectionString) {
   if (db_) throw ScriptError(3705, u"Operation is not allowed when the object is open.");
   ConnectionString = std::u16string(connectionString);
@@ -53,20 +49,11 @@ void Connection::Open(std::u16string_view connectionString) {
   // SQLite would open a directory read-only and fail later; the file must exist as a file.
   if (path.empty() || !std::filesystem::is_regular_file(file, ec)) throw FileNotFound(path);
 
-  sqlite3* db = nullptr;
-  if (sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
-    sqlite3_close_v2(db);
-    throw FileNotFound(path);
-  }
-  sqlite3_busy_timeout(db, 5000);
-  // WAL lets readers run beside one writer; NORMAL sync is safe in WAL mode.
-  if (sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL", nullptr, nullptr,
-                   nullptr) != SQLITE_OK) {
-    ScriptError error = SqliteError(db);
-    sqlite3_close_v2(db);
-    throw error;
-  }
-  db_.reset(db);
+  OpenedDatabase opened = OpenDatabase(file);
+  if (!opened.opened) throw FileNotFound(path);
+  if (!opened.db)
+    throw DatabaseError(kProviderError, FromUtf8(opened.problem), opened.code, opened.systemErrno);
+  db_ = std::move(opened.db);
 }
 
 std::shared_ptr<Recordset> Connection::Execute(std::u16string_view sql, const Params& params) {

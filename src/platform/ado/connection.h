@@ -1,8 +1,8 @@
 // ADO Connection over SQLite.
 //
 // Open reads the file path after "DBQ=" (up to the next ';') of the Access connection string
-// that the components build, and opens that SQLite file for reading and writing; it never
-// creates a file. Each connection uses WAL journaling, a 5-second busy time-out, and wraps a
+// that the components build, and opens that SQLite file with OpenDatabase; it never creates
+// a file. Each connection uses WAL journaling, a 5-second busy time-out, and wraps a
 // write in BEGIN IMMEDIATE when no transaction is open, so that pages run side by side.
 // One Execute runs exactly one statement; text after it is an error. Text that a caller did
 // not write itself goes into the statement as a bound value (Params), never into its text.
@@ -14,6 +14,7 @@
 #include <string>
 
 #include "core/variant.h"
+#include "platform/ado/database_file.h"
 #include "platform/ado/statement.h"
 
 struct sqlite3;
@@ -41,10 +42,7 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   sqlite3* handle() const;  // raises error 3704 when closed
 
  private:
-  struct Closer {
-    void operator()(sqlite3* db) const;
-  };
-  std::unique_ptr<sqlite3, Closer> db_;
+  DatabaseHandle db_;  // statements of record sets still open keep it until they finish
   long recordsAffected_ = 0;
 };
 

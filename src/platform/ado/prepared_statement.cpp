@@ -24,7 +24,7 @@ std::optional<Variant> PreparedStatement::FirstValue(const Params& params) {
   sqlite3_stmt* stmt = stmt_.get();
   const int rc = sqlite3_step(stmt);
   if (rc != SQLITE_ROW && rc != SQLITE_DONE) {
-    ScriptError error = SqliteError(db_);
+    DatabaseError error = SqliteError(db_);
     sqlite3_reset(stmt);
     throw error;
   }

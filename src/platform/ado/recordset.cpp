@@ -148,7 +148,7 @@ void Recordset::StepStatement() {
     sqlite3_reset(stmt);  // ends the read at once; the statement can run again
     return;
   }
-  ScriptError error = SqliteError(sqlite3_db_handle(stmt));
+  DatabaseError error = SqliteError(sqlite3_db_handle(stmt));
   sqlite3_reset(stmt);
   throw error;
 }

@@ -36,8 +36,10 @@ void RefuseQuote(std::u16string_view text) {
   if (text.find(u'\'') != std::u16string_view::npos) throw QuoteBreaksStatement();
 }
 
-ScriptError SqliteError(sqlite3* db) {
-  return ScriptError(kProviderError, FromUtf8(db ? sqlite3_errmsg(db) : "out of memory"));
+DatabaseError SqliteError(sqlite3* db) {
+  if (!db) return DatabaseError(kProviderError, u"out of memory", SQLITE_NOMEM, 0);
+  return DatabaseError(kProviderError, FromUtf8(sqlite3_errmsg(db)), sqlite3_extended_errcode(db),
+                       sqlite3_system_errno(db));
 }
 
 StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
@@ -92,7 +94,7 @@ long RunWrite(sqlite3* db, sqlite3_stmt* stmt) {
     rc = SQLITE_ERROR;
   }
   if (rc != SQLITE_DONE) {
-    ScriptError error = SqliteError(db);
+    DatabaseError error = SqliteError(db);
     sqlite3_reset(stmt);
     if (wrap && !sqlite3_get_autocommit(db)) {
       sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);

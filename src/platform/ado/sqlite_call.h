@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "core/variant.h"
+#include "platform/ado/database_error.h"
 #include "platform/ado/statement.h"
 
 namespace ostrakan::ado {
@@ -17,8 +18,8 @@ namespace ostrakan::ado {
 // The number that the host's data access layer raises for a provider error (0x80004005).
 constexpr int32_t kProviderError = -2147467259;
 
-// The connection's last SQLite error as a ScriptError.
-ScriptError SqliteError(sqlite3* db);
+// The connection's last SQLite error, with its result code.
+DatabaseError SqliteError(sqlite3* db);
 
 // Prepares the one statement in sql; text after it (other than blanks and ';') is an error,
 // and so is a text without any statement or with a NUL character. Its marks are left unbound.
