@@ -6,6 +6,8 @@
 #include <variant>
 
 #include "frame/error_log.h"
+#include "frame/request_context.h"
+#include "platform/ado/database_error.h"
 
 namespace ostrakan {
 
@@ -108,16 +110,22 @@ bool IsProgrammingError(const std::exception& e) {
 
 Variant Component::GuardValue(std::u16string_view method, const std::function<Variant()>& body) {
   std::u16string description;
+  std::optional<std::u16string> storageFailure;
   try {
     return body();
   } catch (const ScriptError& e) {
     if (e.number == kResponseEndedError) throw;
     description = e.description;
+    storageFailure = ado::StorageFailureSentence(e);
   } catch (const std::exception& e) {
     if (kStrict && IsProgrammingError(e)) throw;
     description = FromUtf8(e.what());
   }
   LogError(method, description);
+  // A store that the disk refused is the administrator's to fix, so the page says why instead
+  // of ending empty.
+  if (storageFailure && CurrentContext().response)
+    CurrentContext().response->Write(Variant(*storageFailure));
   return {};
 }
 

@@ -1,6 +1,7 @@
 #include "frame/page_blocks.h"
 
 #include "platform/ado/connection.h"
+#include "platform/ado/database_error.h"
 #include "platform/ado/recordset.h"
 #include "platform/clock.h"
 
@@ -35,7 +36,9 @@ void OpenConnection(const Component& page, std::u16string_view method, const Var
   } catch (const ScriptError& e) {
     page.LogError(method, e.description);
     conn = Variant::Nothing();
-    WriteAndEnd(u"数据库连接出错，请检查Setup.asp文件中的数据库参数设置。");
+    const std::optional<std::u16string> storageFailure = ado::StorageFailureSentence(e);
+    WriteAndEnd(storageFailure ? *storageFailure
+                               : u"数据库连接出错，请检查Setup.asp文件中的数据库参数设置。");
   }
 }
 

@@ -1,0 +1,104 @@
+// A store that the disk refuses, over the real server: the site's data folder is put on a small
+// file system of its own (tmpfs), which the test fills or makes read-only. The page says why in
+// one sentence; the error goes to the log, or to standard error when the log cannot be
+// written either. Mounting needs root (CAP_SYS_ADMIN); elsewhere these tests are skipped.
+#include <sqlite3.h>
+#include <sys/mount.h>
+
+#include <cstring>
+#include <fstream>
+
+#include "http/site_fixture.h"
+
+namespace ostrakan::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char16_t kFull[] = u"服务器的磁盘已满，数据无法保存，请腾出空间后再试。";
+constexpr char16_t kReadOnly[] =
+    u"数据库文件或其所在文件夹不可写，数据无法保存，请检查它们的权限。";
+constexpr char kForm[] = "title=t&url=disk.test/1&source=s&source_url=s.test";
+
+class StorageFailure : public SiteTest {
+ protected:
+  void SetUp() override {
+    SiteTest::SetUp();
+    const fs::path saved = dir_.path() / "data.saved";
+    fs::rename(data(), saved);
+    fs::create_directory(data());
+    if (::mount("tmpfs", data().c_str(), "tmpfs", 0, "size=2m") != 0)
+      GTEST_SKIP() << "cannot mount a tmpfs here (needs root): " << std::strerror(errno);
+    mounted_ = true;
+    fs::copy(saved, data(), fs::copy_options::recursive);
+    cookie_ = SignIn();
+  }
+  void TearDown() override {
+    server_.reset();  // no page holds a file of the mount any more
+    if (mounted_) ::umount2(data().c_str(), MNT_DETACH);
+  }
+  fs::path data() const { return root() / "data"; }
+
+  // Takes every free byte of the data folder's file system.
+  void FillTheDisk() const {
+    std::ofstream filler(data() / "filler", std::ios::binary);
+    const std::string block(4096, 'f');
+    while (filler.write(block.data(), block.size())) {
+    }
+  }
+  // Posts a new record; returns the page and what the server wrote on standard error meanwhile.
+  std::pair<std::u16string, std::string> PostRecord() {
+    ::testing::internal::CaptureStderr();
+    std::u16string page = Text(client().Post("/admin/db_add_ok.asp", kForm, {cookie_}));
+    return {page, ::testing::internal::GetCapturedStderr()};
+  }
+
+  bool mounted_ = false;
+  std::string cookie_;
+};
+
+// Two moments a disk can fill up: before the page opens the database (SQLite cannot make its
+// shared-memory file) and while it stores (the write-ahead log cannot grow; another connection
+// keeps the database open, so its files are there already).
+TEST_F(StorageFailure, AFullDiskIsNamedOnThePageAndTheErrorGoesToStandardError) {
+  for (bool heldOpen : {false, true}) {
+    SCOPED_TRACE(heldOpen ? "full while storing" : "full before opening");
+    sqlite3* other = nullptr;
+    if (heldOpen) {
+      sqlite3_open_v2(database().c_str(), &other, SQLITE_OPEN_READWRITE, nullptr);
+      sqlite3_exec(other, "select count(*) from db", nullptr, nullptr, nullptr);
+    }
+    FillTheDisk();
+    auto [page, stderrText] = PostRecord();
+    EXPECT_NE(page.find(kFull), std::u16string::npos) << ToUtf8(page);
+    EXPECT_EQ(page.find(u"添加成功"), std::u16string::npos);
+    // The log is on the full disk too, so the line comes out on standard error.
+    const char* line = heldOpen ? "db_add_ok, InitFunction3: database or disk is full"
+                                : "db_add_ok, InitFunction2: ";
+    EXPECT_NE(stderrText.find(line), std::string::npos) << stderrText;
+    fs::remove(data() / "filler");
+    sqlite3_close(other);
+    EXPECT_EQ(Value("select count(*) from db"), "0");
+  }
+  // With room again the same post is stored.
+  EXPECT_NE(PostRecord().first.find(u"添加成功"), std::u16string::npos);
+  EXPECT_EQ(Value("select url from db"), "disk.test/1");
+}
+
+TEST_F(StorageFailure, AReadOnlyDatabaseIsNamedOnThePageNotBlamedOnSetup) {
+  ASSERT_EQ(::mount(nullptr, data().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0)
+      << std::strerror(errno);
+  auto [page, stderrText] = PostRecord();
+  EXPECT_NE(page.find(kReadOnly), std::u16string::npos) << ToUtf8(page);
+  EXPECT_EQ(page.find(u"Setup.asp"), std::u16string::npos);
+  EXPECT_NE(stderrText.find("db_add_ok, "), std::string::npos) << stderrText;
+  // A page that only reads cannot open the database either (SQLite needs to write its
+  // shared-memory file beside it): it names the same cause.
+  EXPECT_NE(Text(client().Get("/admin/db_list.asp", {cookie_})).find(kReadOnly),
+            std::u16string::npos);
+  ASSERT_EQ(::mount(nullptr, data().c_str(), nullptr, MS_REMOUNT, nullptr), 0);
+  EXPECT_EQ(Value("select count(*) from db"), "0");
+}
+
+}  // namespace
+}  // namespace ostrakan::testing
