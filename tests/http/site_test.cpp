@@ -112,6 +112,31 @@ TEST_F(SiteTest, GbkTextCrossesTheWireBothWays) {
   EXPECT_EQ(found.body.find(">Other</a>"), std::string::npos);
 }
 
+// A record holding characters that GBK lacks (an emoji, a CJK character of extension B, one
+// of the BMP's newer ones, Hangul), as gathering from a UTF-8 site stores them: the edit page
+// writes them as GB18030 sequences, which a browser reads under the gb2312 label, and saving
+// the form (sent in GB18030) stores them unchanged, every time.
+TEST_F(SiteTest, CharactersOutsideGbkSurviveSavingARecord) {
+  const std::string cookie = SignIn();
+  const std::u16string title = u"片名😀𠀀龦가";
+  Sql(database(), "insert into db (title, content, url, source, source_url) values ('" +
+                      ToUtf8(title) + "', '内容🎬', 'v.test/1', '来源𠀀', 's.test')");
+  const std::string id = Value("select id from db");
+  for (int save = 0; save < 2; ++save) {
+    HttpReply edit = client().Get("/admin/db_edit.asp?id=" + id, {cookie});
+    EXPECT_NE(edit.body.find(text::Encode(title, 936)), std::string::npos);
+    EXPECT_NE(text::DecodeCharset(edit.body, u"gb2312").find(title), std::u16string::npos);
+    const HttpReply saved = client().Post(
+        "/admin/db_edit_ok.asp",
+        "id=" + id + "&title=" + GbkEscape(title) + "&content=" + GbkEscape(u"内容🎬") +
+            "&url=v.test/1&source=" + GbkEscape(u"来源𠀀") + "&source_url=s.test",
+        {cookie});
+    EXPECT_NE(Text(saved).find(u"修改成功"), std::u16string::npos) << ToUtf8(Text(saved));
+    EXPECT_EQ(Value("select title || '|' || content || '|' || source from db"),
+              ToUtf8(title) + "|内容🎬|来源𠀀");
+  }
+}
+
 TEST_F(SiteTest, AVanishedDatabaseIsReportedAndNothingIsCreated) {
   std::string cookie = SignIn();
   std::filesystem::path moved = database().string() + ".away";

@@ -1,6 +1,9 @@
 #include "platform/text/codepage.h"
 
 #include <gtest/gtest.h>
+#include <unicode/ucnv.h>
+
+#include <memory>
 
 #include "core/script_error.h"
 #include "core/variant.h"
@@ -11,13 +14,18 @@ namespace {
 // 中文测试 in GBK.
 const std::string kGbkChinese = "\xD6\xD0\xCE\xC4\xB2\xE2\xCA\xD4";
 
-TEST(CodePage, AnsiCodePageRoundTripsChineseAndReplacesWhatGbkLacks) {
+TEST(CodePage, AnsiCodePageRoundTripsChineseAndWritesWhatGbkLacksAsGb18030) {
   EXPECT_EQ(Encode(u"中文测试 ABC", kAnsiCodePage), kGbkChinese + " ABC");
   EXPECT_EQ(Decode(kGbkChinese + " ABC", kAnsiCodePage), u"中文测试 ABC");
-  // GBK has the euro sign (0x80), pinyin letters and the full-width quotes; it lacks Hangul
-  // and characters outside the BMP, each of which becomes one "?".
+  // GBK has the euro sign (0x80), pinyin letters and the full-width quotes; Hangul, an emoji
+  // and a CJK character of extension B are written as GB18030 sequences; a lone surrogate,
+  // which no encoding holds, as "?".
   EXPECT_EQ(Encode(u"€é“”", kAnsiCodePage), "\x80\xA8\xA6\xA1\xB0\xA1\xB1");
-  EXPECT_EQ(Encode(u"a가b😀c" + std::u16string(1, char16_t(0xD800)), kAnsiCodePage), "a?b?c?");
+  EXPECT_EQ(Encode(u"a가b😀c𠀀" + std::u16string(1, char16_t(0xD800)), kAnsiCodePage),
+            "a\x82\x37\xCF\x35"
+            "b\x94\x39\xFC\x36"
+            "c\x95\x32\x82\x36?");
+  EXPECT_EQ(Decode(Encode(u"가😀𠀀龦", kAnsiCodePage), kAnsiCodePage), u"가😀𠀀龦");
   EXPECT_EQ(Decode("\x80", kAnsiCodePage), u"€");
   // Asc gives the code as a signed 16-bit number, "?" for what GBK lacks.
   EXPECT_EQ(AnsiCode(u'A'), 65);
@@ -27,6 +35,37 @@ TEST(CodePage, AnsiCodePageRoundTripsChineseAndReplacesWhatGbkLacks) {
   const std::u16string text = u"中文 € 😀 가";
   EXPECT_EQ(Decode(Encode(text, kUtf8CodePage), kUtf8CodePage), text);
   EXPECT_THROW(Encode(u"x", 12345), ScriptError);
+}
+
+// Over the whole BMP: a character that windows-936 holds keeps exactly its windows-936 bytes
+// (pages and files written before stay byte for byte the same), and every other character
+// comes back from the bytes written for it.
+TEST(CodePage, EveryGbkCharacterKeepsItsBytesAndEveryOtherOneRoundTrips) {
+  UErrorCode err = U_ZERO_ERROR;
+  std::unique_ptr<UConverter, decltype(&ucnv_close)> gbk(ucnv_open("windows-936-2000", &err),
+                                                         &ucnv_close);
+  ASSERT_TRUE(U_SUCCESS(err));
+  ucnv_setFromUCallBack(gbk.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &err);
+  int kept = 0, roundTripped = 0;
+  for (char32_t c = 1; c <= 0xFFFF; ++c) {
+    if (c >= 0xD800 && c <= 0xDFFF) continue;
+    const char16_t unit = static_cast<char16_t>(c);
+    char plain[8];
+    err = U_ZERO_ERROR;
+    const int32_t n = ucnv_fromUChars(gbk.get(), plain, sizeof plain, &unit, 1, &err);
+    const std::string ours = Encode(std::u16string_view(&unit, 1), kAnsiCodePage);
+    if (U_SUCCESS(err) && n > 0) {  // (ICU drops an unmappable default-ignorable silently)
+      kept += ours == std::string(plain, n);
+      EXPECT_EQ(ours, std::string(plain, n)) << std::hex << static_cast<int>(c);
+    } else {
+      roundTripped += Decode(ours, kAnsiCodePage) == std::u16string(1, unit);
+      EXPECT_EQ(Decode(ours, kAnsiCodePage), std::u16string(1, unit))
+          << std::hex << static_cast<int>(c);
+    }
+    if (::testing::Test::HasFailure()) break;
+  }
+  EXPECT_GT(kept, 21000);  // GBK's characters
+  EXPECT_GT(roundTripped, 30000);
 }
 
 TEST(CodePage, InvalidBytesBecomeReplacementWithoutSwallowingWhatFollows) {
@@ -63,7 +102,7 @@ TEST(CodePage, LabelsAreReadAsBrowsersReadThem) {
   EXPECT_EQ(DecodeCharset("\x87\x40", u"big5"), u"\u43F0");  // big5 reads as Big5-HKSCS
   EXPECT_THROW(DecodeCharset("x", u"klingon"), ScriptError);
   // Encoding: GBK labels as windows-936, gb18030 as itself.
-  EXPECT_EQ(EncodeCharset(u"中文测试가", u"gb2312"), kGbkChinese + "?");
+  EXPECT_EQ(EncodeCharset(u"中文测试가", u"gb2312"), kGbkChinese + "\x82\x37\xCF\x35");
   EXPECT_EQ(EncodeCharset(u"가", u"gb18030"), "\x82\x37\xCF\x35");
   EXPECT_EQ(EncodeCharset(u"中A", u"utf-16be"), std::string("\x4E\x2D\0A", 4));
   EXPECT_EQ(DecodeCharset(EncodeCharset(u"日本語", u"shift_jis"), u"sjis"), u"日本語");

@@ -103,7 +103,7 @@ TEST(Stream, TextIsReadAndWrittenInTheCharset) {
   EXPECT_EQ(s.ReadText(), u"中A");
   Stream g = Holding("", 2, u"gb2312");
   g.WriteText(u"中가");
-  EXPECT_EQ(g.data(), B("\xD6\xD0?"));
+  EXPECT_EQ(g.data(), B("\xD6\xD0\x82\x37\xCF\x35"));  // 가 as its GB18030 sequence
 }
 
 }  // namespace

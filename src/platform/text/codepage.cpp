@@ -19,6 +19,7 @@ enum Flags : unsigned {
   kUnicode = 1,          // UTF-8/UTF-16: encoding never needs "?"
   kAsciiCompatible = 2,  // an ASCII byte after a bad lead byte stands for itself
   kEuroAt80 = 4,         // a lone 0x80 is the euro sign, as browsers read it
+  kGb18030Beyond = 8,    // what the encoder cannot hold is written as GB18030 bytes
 };
 
 // One encoding: the ICU converter that decodes it and the one that encodes it.
@@ -31,8 +32,10 @@ struct Encoding {
 constexpr Encoding kUtf8{"UTF-8", "UTF-8", kUnicode | kAsciiCompatible};
 constexpr Encoding kUtf16Le{"UTF-16LE", "UTF-16LE", kUnicode};
 constexpr Encoding kUtf16Be{"UTF-16BE", "UTF-16BE", kUnicode};
-// GBK labels decode as GB18030 (a superset) but encode as windows-936, the host's ANSI page.
-constexpr Encoding kGbk{"gb18030", "windows-936-2000", kAsciiCompatible | kEuroAt80};
+// GBK labels decode as GB18030 (a superset) but encode as windows-936, the host's ANSI page;
+// a character outside it is written as its GB18030 sequence, which the decoder reads back.
+constexpr Encoding kGbk{"gb18030", "windows-936-2000",
+                        kAsciiCompatible | kEuroAt80 | kGb18030Beyond};
 constexpr Encoding kGb18030{"gb18030", "gb18030", kAsciiCompatible | kEuroAt80};
 constexpr Encoding kBig5{"ibm-1375_P100-2008", "ibm-1375_P100-2008", kAsciiCompatible};
 constexpr Encoding kBig5Windows{"windows-950-2000", "windows-950-2000", kAsciiCompatible};
@@ -258,6 +261,28 @@ struct ConverterClose {
   void operator()(UConverter* c) const { ucnv_close(c); }
 };
 
+// Encoding errors of a windows-936 converter: a character that GBK has no bytes for is written
+// as its GB18030 sequence (four bytes for most), so that a page or file labelled gb2312, which
+// browsers and our decoder read as GB18030, keeps it. A lone surrogate becomes "?".
+void WriteGb18030(const void*, UConverterFromUnicodeArgs* args, const UChar* units, int32_t length,
+                  UChar32, UConverterCallbackReason reason, UErrorCode* err) {
+  if (reason > UCNV_IRREGULAR) return;  // reset, close, clone: nothing to write
+  thread_local std::unique_ptr<UConverter, ConverterClose> gb18030 = [] {
+    UErrorCode e = U_ZERO_ERROR;
+    return std::unique_ptr<UConverter, ConverterClose>(ucnv_open("gb18030", &e));
+  }();
+  char bytes[16];
+  int32_t n = 0;
+  if (reason == UCNV_UNASSIGNED && gb18030) {
+    UErrorCode e = U_ZERO_ERROR;
+    n = ucnv_fromUChars(gb18030.get(), bytes, sizeof bytes, units, length, &e);
+    if (U_FAILURE(e)) n = 0;
+  }
+  if (n == 0) bytes[n++] = '?';
+  *err = U_ZERO_ERROR;
+  ucnv_cbFromUWriteBytes(args, bytes, n, 0, err);
+}
+
 // Opening a converter costs far more than a conversion; each thread keeps its own.
 UConverter* Converter(const char* name, unsigned flags) {
   thread_local std::unordered_map<std::string, std::unique_ptr<UConverter, ConverterClose>> cache;
@@ -270,6 +295,8 @@ UConverter* Converter(const char* name, unsigned flags) {
                         reinterpret_cast<const void*>(static_cast<uintptr_t>(flags)), nullptr,
                         nullptr, &err);
     if (!(flags & kUnicode)) ucnv_setSubstChars(cnv.get(), "?", 1, &err);
+    if (flags & kGb18030Beyond)
+      ucnv_setFromUCallBack(cnv.get(), WriteGb18030, nullptr, nullptr, nullptr, &err);
     if (U_FAILURE(err)) throw InvalidCall();
     slot = std::move(cnv);
   }

@@ -1,7 +1,9 @@
 // Code pages and charset labels, on ICU's converters.
 //
 // - 936 is the host's ANSI code page (GBK); 65001 is UTF-8. Encoding for 936 uses
-//   windows-936; a character it cannot hold becomes "?".
+//   windows-936 (every GBK character keeps its bytes); a character it cannot hold is written
+//   as its GB18030 four-byte sequence, since gb2312-labelled text is read as GB18030 (by
+//   browsers and by Decode), so nothing is lost on a round trip. A lone surrogate becomes "?".
 // - Decoding reads labels as browsers do (WHATWG Encoding Standard): "gb2312", "gbk" and
 //   their aliases decode as GB18030, "big5" as Big5-HKSCS, "iso-8859-1" as windows-1252,
 //   "utf-8" as UTF-8. An invalid byte becomes U+FFFD and never swallows the bytes after it.
