@@ -38,11 +38,12 @@ Usage:
       server. --behind-proxy: requests come through a proxy on this machine (nginx,
       see deploy/), which names the client in X-Real-IP.
 
-  ostrakan passwd --site DIR --admin NAME [--password PASSWORD] [--json]
-      Set the password of the administrator NAME of the site in DIR, adding the account
-      if there is none of that name (use it when nobody can sign in any more). The same
-      rules as init apply to NAME and PASSWORD; without --password a random one is made
-      and printed once. --json ends the output with a one-line JSON summary.
+  ostrakan passwd --site DIR --admin NAME [--password PASSWORD] [--add] [--json]
+      Set the password of the administrator NAME of the site in DIR. A NAME that no
+      account has is refused, and the existing administrators are listed; with --add
+      the account NAME is added instead (use it when nobody can sign in any more). The
+      same rules as init apply to NAME and PASSWORD; without --password a random one is
+      made and printed once. --json ends the output with a one-line JSON summary.
 
   ostrakan generate --site DIR [--category ID ...] [--json]
       Rebuild the front end's category pages of the site in DIR from its templates: with
@@ -194,6 +195,8 @@ int Passwd(const std::vector<std::string>& args) {
   for (size_t i = 1; i < args.size(); ++i) {
     if (args[i] == "--json")
       o.json = true;
+    else if (args[i] == "--add")
+      o.add = true;
     else
       rest.push_back(args[i]);
   }

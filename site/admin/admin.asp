@@ -8,6 +8,9 @@ function checkAdmin(form) {
   if (form.username.value == '') { alert('管理帐号不能空！'); form.username.focus(); return false; }
   if (form.password.value == '') { alert('管理密码不能空！'); form.password.focus(); return false; }
   if (form.password.value != form.password2.value) { alert('两次输入的密码不一致！'); form.password2.focus(); return false; }
+  var removedAtSignIn = /[\x00-\x20#%'"()*+;<>\[\]]/;
+  if (removedAtSignIn.test(form.username.value)) { alert('管理帐号不能含有空格、引号、括号及 # % * + ; < > [ ] 等符号，请重新输入！'); form.username.focus(); return false; }
+  if (removedAtSignIn.test(form.password.value)) { alert('管理密码不能含有空格、引号、括号及 # % * + ; < > [ ] 等符号，请重新输入！'); form.password.focus(); return false; }
   return true;
 }
 </script>
@@ -22,6 +25,6 @@ function checkAdmin(form) {
   <tr><th></th><td><input type="submit" value="修 改" class="button"></td></tr>
 </table>
 </form>
-<p class="hint">帐号和密码中的空格、引号、括号及 # % * + ; &lt; &gt; [ ] 等符号会被去掉。</p>
+<p class="hint">帐号和密码不能含有空格、引号、括号及 # % * + ; &lt; &gt; [ ] 等符号（登录时无法输入），含有这些符号时不会保存。</p>
 </body>
 </html>

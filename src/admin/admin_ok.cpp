@@ -1,6 +1,8 @@
 #include "admin/admin_ok.h"
 
+#include "access/sign_in_text.h"
 #include "frame/data_access.h"
+#include "frame/page_blocks.h"
 
 namespace ostrakan::admin {
 
@@ -12,15 +14,29 @@ AdminOk::AdminOk() : WithMd5(u"\\admin\\admin_ok") {
   UseFiltration(FilterKind::Strict);
 }
 
+void AdminOk::RefuseUntypable(const Variant& text, std::u16string_view what) {
+  const SignInTextFault fault = SignInTextFaultOf(TextOf(text));
+  if (fault == SignInTextFault::kNone) return;
+  CloseAndRelease(conn);
+  WriteAndEnd(u"<Script>window.alert('" + std::u16string(what) +
+              (fault == SignInTextFault::kEmpty
+                   ? u"不能空！"
+                   : u"不能含有空格、引号、括号及 # % * + ; < > [ ] 等符号，请重新输入！") +
+              u"');history.go(-1);</Script>");
+}
+
 void AdminOk::InitFunction4() {
   Guard(u"InitFunction4", [&] {
     Request& request = CurrentRequest();
+    Variant newName = request.Form(u"username");
     password = request.Form(u"password");
+    // What sign-in would change could never be typed back: refused before anything is stored.
+    RefuseUntypable(newName, u"管理帐号");
+    RefuseUntypable(password, u"管理密码");
     filtration(password);
     ado::Recordset& records =
         OpenRequiredRow(rs, u"select * from admin where username=?", conn, 3,
                         {Variant(TextOf(CurrentSession().Get(TextOf(Admin_Session))))});
-    Variant newName = request.Form(u"username");
     records.SetField(u"username", filtration(newName));
     records.SetField(u"password", MD5(password));
     records.Update();

@@ -1,4 +1,5 @@
-// admin_ok.asp (Ostrakan.Class13): stores the signed-in administrator's new name and password.
+// admin_ok.asp (Ostrakan.Class13): stores the signed-in administrator's new name and password,
+// refusing (before storing anything) a name or password that could not be typed at sign-in.
 #pragma once
 
 #include "admin/md5_members.h"
@@ -12,6 +13,10 @@ class AdminOk : public WithMd5<DatabasePage> {
   Variant rs, password;
   void InitFunction3() {}
   void InitFunction4();
+
+ private:
+  // Ends the page with an alert when `text` is empty or holds what sign-in removes.
+  void RefuseUntypable(const Variant& text, std::u16string_view what);
 };
 
 }  // namespace ostrakan::admin

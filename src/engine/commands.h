@@ -42,10 +42,12 @@ struct PasswdOptions {
   std::string admin;
   std::optional<std::string> password;  // generated (and printed once) when absent
   bool json = false;                    // end with a one-line JSON summary
+  bool add = false;                     // add `admin` when the site has no account of that name
 };
 
-// Sets the password of the administrator `admin` of a site, adding the account when there is
-// none of that name (so a site whose accounts were all renamed away can be entered again).
+// Sets the password of the administrator `admin` of a site. A name that no account has is
+// refused, naming the accounts there are, unless `add` is set: then the account is added (so a
+// site whose accounts were all renamed away can be entered again).
 // The same rules and MD5 digest as init. Returns the exit status.
 int RunPasswd(const PasswdOptions& options, std::ostream& out, std::ostream& err);
 

@@ -4,11 +4,11 @@
 #include <ostream>
 
 #include "access/md5.h"
+#include "access/sign_in_text.h"
 #include "core/variant.h"
 #include "engine/commands.h"
 #include "engine/file_cache.h"
 #include "engine/site_setup.h"
-#include "frame/filtration.h"
 #include "platform/ado/database_file.h"
 
 namespace ostrakan::engine {
@@ -97,9 +97,9 @@ void Init(const InitOptions& o, const std::string& password) {
 
 // A name or password that the sign-in filter would change could never be typed to sign in.
 std::string SignInTextProblem(const std::string& what, const std::string& value) {
-  std::u16string text = FromUtf8(value);
-  if (text.empty()) return "the " + what + " is empty";
-  if (Filter(FilterKind::Strict, text) != text)
+  const SignInTextFault fault = SignInTextFaultOf(FromUtf8(value));
+  if (fault == SignInTextFault::kEmpty) return "the " + what + " is empty";
+  if (fault == SignInTextFault::kRemovedAtSignIn)
     return "the " + what +
            " may not contain blanks, control characters or any of # % ' \" ( ) * + ; < > [ ]: "
            "the sign-in page removes them";

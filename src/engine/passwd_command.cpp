@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ostream>
 #include <stdexcept>
+#include <vector>
 
 #include "access/md5.h"
 #include "core/variant.h"
@@ -44,19 +45,47 @@ class Database {
   }
   void Rollback() { sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr); }
   std::string Error() const { return db_ ? sqlite3_errmsg(db_) : "out of memory"; }
+  sqlite3* handle() const { return db_; }
 
  private:
   ado::OpenedDatabase opened_;
   sqlite3* db_;
 };
 
-// Sets the digest for every account of that name, or adds the account; true when added.
-bool StorePassword(const fs::path& file, const std::string& admin, const std::string& digest) {
+// The names of the site's administrators, in the order they were added.
+std::vector<std::string> AdministratorNames(sqlite3* db) {
+  std::vector<std::string> names;
+  sqlite3_stmt* st = nullptr;
+  if (sqlite3_prepare_v2(db, "select username from admin order by id", -1, &st, nullptr) !=
+      SQLITE_OK)
+    throw PasswdError(sqlite3_errmsg(db));
+  while (sqlite3_step(st) == SQLITE_ROW) {
+    const unsigned char* name = sqlite3_column_text(st, 0);
+    names.emplace_back(name ? reinterpret_cast<const char*>(name) : "");
+  }
+  sqlite3_finalize(st);
+  return names;
+}
+
+// "there is no administrator X; the administrators are "a", "b" ..." for a mistyped name.
+std::string UnknownAdministrator(const std::string& admin, const std::vector<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names) list += (list.empty() ? "\"" : ", \"") + name + "\"";
+  return "there is no administrator \"" + admin + "\" (" +
+         (names.empty() ? std::string("the site has none") : "the administrators are " + list) +
+         "); to add one, run the command again with --add";
+}
+
+// Sets the digest for every account of that name; adds the account when there is none and
+// `add` allows it, else refuses. True when added.
+bool StorePassword(const fs::path& file, const std::string& admin, const std::string& digest,
+                   bool add) {
   Database db(file);
   db.Exec("BEGIN IMMEDIATE");
   try {
     bool added = false;
     if (db.Run("update admin set password=?1 where username=?2", digest, admin) == 0) {
+      if (!add) throw PasswdError(UnknownAdministrator(admin, AdministratorNames(db.handle())));
       db.Run("insert into admin (username, password) values (?2, ?1)", digest, admin);
       added = true;
     }
@@ -102,7 +131,7 @@ int RunPasswd(const PasswdOptions& o, std::ostream& out, std::ostream& err) {
     fs::path db = LoadSiteSetup(o.site).DatabasePath(o.site);
     if (!fs::is_regular_file(db))
       throw PasswdError("the database " + db.string() + " does not exist");
-    added = StorePassword(db, o.admin, ToUtf8(Md5(FromUtf8(password))));
+    added = StorePassword(db, o.admin, ToUtf8(Md5(FromUtf8(password))), o.add);
   } catch (const std::exception& e) {
     err << "ostrakan passwd: " << e.what() << "\n";
     return 1;

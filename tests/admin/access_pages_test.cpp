@@ -73,17 +73,32 @@ TEST_F(AccessPages, SignInKeepsThePreviousVisitAndRecordsThisOne) {
   EXPECT_EQ(Desktop(), u"admin");
 }
 
-TEST_F(AccessPages, AccountChangeStoresTheFilteredNameAndTheDigest) {
+// The account page refuses, before storing anything, a name or password that sign-in would
+// change (it used to drop the symbols silently, while `passwd` refused them) and stores the
+// rest with the password's digest.
+TEST_F(AccessPages, AccountChangeRefusesWhatSignInCannotTakeAndStoresTheRest) {
   SignIn(u"admin", u"secret", u"1234");
-  EXPECT_EQ(ChangeAccount(u"新 管理员'", u"new pass;"),
+  const std::string before = Value("select username || ' ' || password from admin");
+  for (auto [name, password] : {std::pair{u"新管理员", u"new pass"},
+                                {u"新管理员", u"new;pass"},
+                                {u"新 管理员'", u"newpass"},
+                                {u"", u"newpass"},
+                                {u"新管理员", u""}}) {
+    const std::u16string page = ChangeAccount(name, password);
+    EXPECT_TRUE(page.starts_with(u"<Script>window.alert('管理")) << ToUtf8(page);
+    EXPECT_NE(page.find(*password && *name ? u"不能含有空格" : u"不能空！"), std::u16string::npos)
+        << ToUtf8(page);
+  }
+  EXPECT_EQ(Value("select username || ' ' || password from admin"), before);
+
+  EXPECT_EQ(ChangeAccount(u"新管理员", u"newpass"),
             u"<Script>window.alert('修改成功！');location.replace('admin.asp');</Script>");
   EXPECT_EQ(Value("select username || ' ' || password from admin"),
             "新管理员 " + ToUtf8(Md5(u"newpass")));
   // The Session still names the old account, which is no longer there.
-  EXPECT_EQ(ChangeAccount(u"other", u""), kMissing);
-  // Sign-in filters the typed password the same way, so the typed form still works.
+  EXPECT_EQ(ChangeAccount(u"other", u"pass2"), kMissing);
   session = std::make_shared<Session>();
-  EXPECT_EQ(SignIn(u"新管理员", u"new pass;", u"1234"),
+  EXPECT_EQ(SignIn(u"新管理员", u"newpass", u"1234"),
             u"<Script>location.replace('main.asp');</Script>");
 }
 

@@ -105,9 +105,17 @@ TEST_F(Commands, ServeNamesWhatMakesASiteUnusable) {
   EXPECT_NE(CheckSite(site_).find("has no Setup.asp"), std::string::npos);
 }
 
-TEST_F(Commands, PasswdLetsTheAdministratorBackInAndRefusesWhatSignInCouldNotType) {
+TEST_F(Commands, PasswdLetsTheAdministratorBackInAndRefusesUnknownNamesAndUntypableText) {
   Sql(db_, "update admin set username=''");  // the account page stored an empty name
-  ASSERT_EQ(Run(RunPasswd, {site_, "admin", "fresh123"}), 0) << err_.str();
+  Sql(db_, "insert into admin (username, password) values ('webmaster', 'x')");
+  // A name that no account has is refused, naming the accounts there are: a typing mistake
+  // must not add a second administrator. --add adds it.
+  EXPECT_EQ(Run(RunPasswd, {site_, "admin", "fresh123"}), 1);
+  EXPECT_EQ(err_.str(),
+            "ostrakan passwd: there is no administrator \"admin\" (the administrators are \"\", "
+            "\"webmaster\"); to add one, run the command again with --add\n");
+  EXPECT_EQ(Value("select count(*) from admin"), "2");
+  ASSERT_EQ(Run(RunPasswd, {site_, "admin", "fresh123", false, true}), 0) << err_.str();
   EXPECT_EQ(out_.str(), "Added the administrator admin\n");
   EXPECT_EQ(Value("select password from admin where username='admin'"), Digest("fresh123"));
 
