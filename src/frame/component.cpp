@@ -122,9 +122,9 @@ Variant Component::GuardValue(std::u16string_view method, const std::function<Va
     description = FromUtf8(e.what());
   }
   LogError(method, description);
-  // A store that the disk refused is the administrator's to fix, so the page says why instead
-  // of ending empty.
-  if (storageFailure && CurrentContext().response)
+  // A store that the disk refused is the administrator's to fix, so an administration page
+  // says why instead of ending empty (public pages keep the server's state to themselves).
+  if (storageFailure && context_.starts_with(u"\\admin\\") && CurrentContext().response)
     CurrentContext().response->Write(Variant(*storageFailure));
   return {};
 }
