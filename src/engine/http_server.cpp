@@ -1,5 +1,7 @@
 #include "engine/http_server.h"
 
+#include <malloc.h>
+
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <cstdio>
@@ -31,6 +33,9 @@ HttpResponse Busy() {
   r.headers.emplace_back("Retry-After", "5");
   return r;
 }
+
+// How many open connections must have been seen before their leaving returns memory.
+constexpr size_t kTrimAfter = 200;
 
 // How long a stopping server waits for its answers under way to leave.
 constexpr auto kStopGrace = std::chrono::seconds(3);
@@ -105,16 +110,30 @@ void HttpServer::Accepted(boost::asio::ip::tcp::socket socket) {
       [this](HttpRequest request, Connection::Reply reply) {
         Handle(std::move(request), std::move(reply));
       },
-      [this](Connection* gone) {
-        std::lock_guard lock(connectionsMutex_);
-        connections_.erase(gone);
-      });
+      [this](Connection* gone) { Forget(gone); });
   {
     std::lock_guard lock(connectionsMutex_);
     connections_.emplace(c.get(), c);
+    peakConnections_ = std::max(peakConnections_, connections_.size());
   }
   c->Start();
   if (stopping_) c->Stop();  // accepted as the server began to stop
+}
+
+void HttpServer::Forget(Connection* gone) {
+  bool trim = false;
+  {
+    std::lock_guard lock(connectionsMutex_);
+    connections_.erase(gone);
+    // Many connections have come and gone (a crowd of idle clients left): the allocator keeps
+    // what they used unless asked to give it back.
+    if (connections_.size() < peakConnections_ / 4 && peakConnections_ >= kTrimAfter) {
+      // Trimmed again as the crowd thins further, down to a few hundred.
+      peakConnections_ = connections_.size();
+      trim = true;
+    }
+  }
+  if (trim) boost::asio::post(io_, [] { malloc_trim(0); });
 }
 
 void HttpServer::Handle(HttpRequest request, Connection::Reply reply) {

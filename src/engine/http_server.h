@@ -58,6 +58,7 @@ class HttpServer {
 
  private:
   void Accepted(boost::asio::ip::tcp::socket socket);
+  void Forget(Connection* gone);
   void Handle(HttpRequest request, Connection::Reply reply);
   void RunPage(HttpRequest request, ResolvedPath page, Connection::Reply reply);
 
@@ -68,6 +69,7 @@ class HttpServer {
   // handlers still hold leave it as io_ goes.
   std::mutex connectionsMutex_;
   std::unordered_map<Connection*, std::weak_ptr<Connection>> connections_;
+  size_t peakConnections_ = 0;  // since memory was last given back
   boost::asio::io_context io_;
   boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work_;
   std::unique_ptr<Listener> listener_;
