@@ -1,7 +1,12 @@
 #include "engine/tcp_connection.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
+#include <cerrno>
 
 #include "engine/response_head.h"
 
@@ -41,7 +46,13 @@ Connection::Connection(asio::ip::tcp::socket socket, const ConnectionOptions& op
       gone_(std::move(gone)) {}
 
 Connection::~Connection() {
+  CloseFile();
   if (gone_) gone_(this);
+}
+
+void Connection::CloseFile() {
+  if (file_ >= 0) ::close(file_);
+  file_ = -1;
 }
 
 void Connection::Start() {
@@ -176,9 +187,10 @@ void Connection::Respond(HttpResponse r) {
   size_t length = r.body.size();
   fileLeft_ = 0;
   if (r.file) {
-    file_.open(*r.file, std::ios::binary | std::ios::ate);
-    length = file_ ? static_cast<size_t>(file_.tellg()) : 0;
-    file_.seekg(0);
+    CloseFile();
+    file_ = ::open(r.file->c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat st;
+    length = file_ >= 0 && ::fstat(file_, &st) == 0 ? static_cast<size_t>(st.st_size) : 0;
   }
   out_ = ResponseHead(r, length, keepAlive_);
   if (headOnly_ || IsBodyless(r.status)) return SendOut();
@@ -194,11 +206,13 @@ void Connection::SendFilePiece() {
   size_t start = out_.size();
   size_t n = std::min(fileLeft_, kFilePiece);
   out_.resize(start + n);
-  file_.read(out_.data() + start, static_cast<std::streamsize>(n));
-  size_t got = static_cast<size_t>(file_.gcount());
-  if (got == 0 && n > 0) return Close();  // the file shrank: the client must see it end short
-  out_.resize(start + got);
-  fileLeft_ -= got;
+  ssize_t got = 0;
+  do {
+    got = ::read(file_, out_.data() + start, n);
+  } while (got < 0 && errno == EINTR);
+  if (got <= 0 && n > 0) return Close();  // the file shrank: the client must see it end short
+  out_.resize(start + static_cast<size_t>(got));
+  fileLeft_ -= static_cast<size_t>(got);
   SendOut();
 }
 
@@ -215,8 +229,7 @@ void Connection::SendOut() {
 }
 
 void Connection::AnswerDone() {
-  file_.close();
-  file_.clear();
+  CloseFile();
   out_.shrink_to_fit();
   if (refusing_) return Linger();
   if (!keepAlive_ || stopping_) {
@@ -251,6 +264,7 @@ void Connection::Close() {
   if (phase_ == Phase::Closed) return;
   phase_ = Phase::Closed;
   Disarm();
+  CloseFile();
   error_code ignored;
   socket_.close(ignored);
 }

@@ -13,7 +13,6 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -63,6 +62,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void Refuse(HeadError error);  // a copy: the reader that holds it goes
   void Linger();
   void Close();
+  void CloseFile();
   void Arm(std::chrono::milliseconds after);
   void Disarm();
   void OnTimeout();
@@ -88,7 +88,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   bool keepAlive_ = true;
   bool headOnly_ = false;
   std::string out_;
-  std::ifstream file_;
+  int file_ = -1;  // a file body's descriptor while it is sent
   size_t fileLeft_ = 0;
 };
 
