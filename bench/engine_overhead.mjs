@@ -1,10 +1,13 @@
-// The engine's overhead over civetweb alone, measured side by side in one run: wrk against a
-// bare civetweb "hello" server (bench/hello/hello_civetweb.cpp), then against the engine for a
-// static file (admin/css/style.css) and a signed-in page (desktop.asp). Prints requests per
-// second and each as a ratio of civetweb's.
+// The engine's overhead over a bare server, measured side by side in one run: wrk against the
+// yardstick, a bare Boost.Beast server on the engine's I/O model answering a 32-byte page
+// (bench/hello/hello_beast.cpp), then against the engine for a static file
+// (admin/css/style.css) and a signed-in page (desktop.asp). Prints requests per second and each
+// as a ratio of the yardstick's. When the build has hello_civetweb (civetweb installed), it is
+// measured too, for comparison with earlier figures.
 // Usage: node bench/engine_overhead.mjs build/release [seconds] [connections]
-//   (the folder holds the Release build of the targets ostrakan and hello_civetweb)
+//   (the folder holds the Release build of the targets ostrakan and hello_beast)
 import { execFileSync, spawn } from 'node:child_process';
+import { existsSync } from 'node:fs';
 import { join, dirname, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
@@ -25,31 +28,32 @@ function wrk(url, extra = []) {
   };
 }
 
-async function startHello() {
+async function startHello(program) {
   const port = 20000 + Math.floor(Math.random() * 20000);
-  const child = spawn(join(build, 'hello_civetweb'), [String(port)], { stdio: ['ignore', 'pipe', 'inherit'] });
+  const child = spawn(join(build, program), [String(port)], { stdio: ['ignore', 'pipe', 'inherit'] });
   await new Promise((ok, fail) => {
     child.stdout.once('data', ok);
-    child.once('exit', () => fail(new Error('hello_civetweb did not start')));
+    child.once('exit', () => fail(new Error(`${program} did not start`)));
   });
   return { base: `http://127.0.0.1:${port}`, stop: () => child.kill('SIGTERM') };
 }
 
-const hello = await startHello();
+const hello = await startHello('hello_beast');
+const civetweb = existsSync(join(build, 'hello_civetweb')) ? await startHello('hello_civetweb') : null;
 const site = await startSite();
 try {
   const cookie = await signInOverHttp(site);
   console.log(`wrk -t2 -c${connections} -d${seconds}s on loopback, ${new Date().toISOString()}`);
   const base = wrk(`${hello.base}/`);
-  const rows = [
-    ['civetweb hello', base],
-    ['admin/css/style.css', wrk(`${site.base}/admin/css/style.css`)],
-    ['admin/desktop.asp', wrk(`${site.base}/admin/desktop.asp`, ['-H', `Cookie: ${cookie}`])],
-  ];
+  const rows = [['beast hello (yardstick)', base]];
+  if (civetweb) rows.push(['civetweb hello', wrk(`${civetweb.base}/`)]);
+  rows.push(['admin/css/style.css', wrk(`${site.base}/admin/css/style.css`)]);
+  rows.push(['admin/desktop.asp', wrk(`${site.base}/admin/desktop.asp`, ['-H', `Cookie: ${cookie}`])]);
   for (const [name, r] of rows)
-    console.log(`${name.padEnd(22)} ${r.rps.toFixed(0).padStart(8)} req/s  ${(r.rps / base.rps).toFixed(2)}x` +
+    console.log(`${name.padEnd(24)} ${r.rps.toFixed(0).padStart(8)} req/s  ${(r.rps / base.rps).toFixed(2)}x` +
       `  p99 ${r.p99}  non-2xx ${r.errors}`);
 } finally {
   hello.stop();
+  civetweb?.stop();
   await site.stop();
 }

@@ -33,7 +33,9 @@ Usage:
       writable (with its folder and journal files); any problem is reported and the exit
       status is 1. --listen defaults to 127.0.0.1:8080 (a bare PORT means 127.0.0.1:PORT;
       port 0 picks a free one); --threads (default 64) is the number of pages run at
-      once; up to 1200 connections, idle or slow ones included, are served at once.
+      once (the sign-in pages, the desktop and goto.asp have threads of their own); a page
+      that cannot start within 3 seconds is answered with 503. Idle and slow connections
+      cost no thread.
       Errors of the pages are logged in DIR/data/PagebindLog.Log. SIGINT or SIGTERM (Ctrl-C, or kill PID) stops the
       server. --behind-proxy: requests come through a proxy on this machine (nginx,
       see deploy/), which names the client in X-Real-IP.

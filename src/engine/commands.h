@@ -30,8 +30,6 @@ struct ServeOptions {
   std::string listen = "127.0.0.1:8080";
   int threads = 64;
   bool behindProxy = false;  // trust X-Real-IP from loopback (nginx in front)
-  // Open connections served at once (idle and slow ones included); see ServerOptions.
-  int connectionThreads = 1200;
 };
 
 // Checks the site, listens, and serves until SIGINT or SIGTERM. Returns the exit status.

@@ -1,56 +1,19 @@
 #include "engine/http_server.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <fstream>
-#include <memory>
-#include <stdexcept>
-#include <thread>
-#include <variant>
+#include <malloc.h>
 
-#include "engine/chunked_body.h"
-#include "engine/request_head.h"
-#include "engine/response_head.h"
+#include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <cstdio>
+#include <stdexcept>
+
+#include "engine/client_address.h"
+#include "engine/page_lanes.h"
+#include "platform/http/fetch_stop.h"
 #include "platform/object_factory.h"
 
 namespace ostrakan::engine {
 namespace {
-
-using Clock = TcpConnection::Clock;
-
-constexpr size_t kMaxHeadBytes = 16384;
-constexpr size_t kFilePiece = 65536;
-
-bool IsLoopback(const std::string& address) {
-  return address.starts_with("127.") || address == "::1" || address == "::ffff:127.0.0.1";
-}
-
-HttpResponse BadRequest(const HeadError& e) {
-  return HttpResponse::Plain(e.status, std::to_string(e.status) + " " + StatusText(e.status) +
-                                           "\nThe request has " + e.why + ".");
-}
-
-}  // namespace
-
-HttpServer::HttpServer(ServerOptions options)
-    : options_(std::move(options)), pageSlots_(std::max(1, options_.threads)) {
-  std::error_code ec;
-  if (!std::filesystem::is_directory(options_.siteRoot, ec))
-    throw std::runtime_error("the site folder " + options_.siteRoot.string() + " does not exist");
-  const ObjectFactory& factory = options_.factory ? *options_.factory : ObjectFactory::Default();
-  engine_ = std::make_unique<PageEngine>(options_.siteRoot, options_.createComponent, factory,
-                                         options_.sessionCapacity);
-  ListenerOptions listen;
-  listen.address = options_.listen;
-  listen.maxConnections = options_.connectionThreads;
-  listener_ = std::make_unique<Listener>(listen, [this](TcpConnection& c) { Serve(c); });
-}
-
-HttpServer::~HttpServer() = default;
-
-int HttpServer::port() const {
-  return listener_->port();
-}
 
 // Guards a piece of the engine: what escapes it is a 500, reported on standard error.
 template <class F>
@@ -64,8 +27,121 @@ HttpResponse Guarded(const HttpRequest& request, F&& work) {
   return HttpResponse::Plain(500, "500 Internal Server Error");
 }
 
-HttpResponse HttpServer::Answer(const HttpRequest& request) {
-  // Files, redirects and refusals need no page slot.
+HttpResponse Busy() {
+  HttpResponse r = HttpResponse::Plain(
+      503, "503 Service Unavailable\nEvery page thread is busy; try again in a few seconds.");
+  r.headers.emplace_back("Retry-After", "5");
+  return r;
+}
+
+// How many open connections must have been seen before their leaving returns memory.
+constexpr size_t kTrimAfter = 200;
+
+// How long a stopping server waits for its answers under way to leave.
+constexpr auto kStopGrace = std::chrono::seconds(3);
+
+int DefaultIoThreads() {
+  unsigned cores = std::thread::hardware_concurrency();
+  return static_cast<int>(std::clamp(cores, 1u, 16u));
+}
+
+}  // namespace
+
+HttpServer::HttpServer(ServerOptions options)
+    : options_(std::move(options)), work_(boost::asio::make_work_guard(io_)) {
+  std::error_code ec;
+  if (!std::filesystem::is_directory(options_.siteRoot, ec))
+    throw std::runtime_error("the site folder " + options_.siteRoot.string() + " does not exist");
+  const ObjectFactory& factory = options_.factory ? *options_.factory : ObjectFactory::Default();
+  engine_ = std::make_unique<PageEngine>(options_.siteRoot, options_.createComponent, factory,
+                                         options_.sessionCapacity);
+  listener_ = std::make_unique<Listener>(
+      io_, options_.listen, [this](boost::asio::ip::tcp::socket s) { Accepted(std::move(s)); });
+  PagePoolOptions pool;
+  pool.threads = std::max(1, options_.threads);
+  pool.quickThreads = std::max(0, options_.quickThreads);
+  pool.maxWait = std::chrono::milliseconds(options_.pageWaitMs);
+  pages_ = std::make_unique<PagePool>(pool);
+  int ioThreads = options_.ioThreads > 0 ? options_.ioThreads : DefaultIoThreads();
+  for (int i = 0; i < ioThreads; ++i) ioThreads_.emplace_back([this] { io_.run(); });
+  listener_->Start();
+}
+
+HttpServer::~HttpServer() {
+  const auto giveUp = std::chrono::steady_clock::now() + kStopGrace;
+  stopping_ = true;
+  listener_->Stop();
+  std::vector<std::shared_ptr<Connection>> open;
+  {
+    std::lock_guard lock(connectionsMutex_);
+    for (auto& [raw, weak] : connections_)
+      if (std::shared_ptr<Connection> c = weak.lock()) open.push_back(std::move(c));
+  }
+  // Outside the lock: the last reference to a connection may go here, and it leaves the map.
+  for (const auto& c : open) c->Stop();
+  open.clear();
+  // Pages under way finish (a remote fetch gives up at the stop signal) and queued ones are
+  // answered with 503; the I/O threads write those answers and close the connections.
+  pages_->Stop();
+  work_.reset();
+  while (std::chrono::steady_clock::now() < giveUp) {
+    {
+      std::lock_guard lock(connectionsMutex_);
+      if (connections_.empty()) break;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  // What is left (a client that does not read its answer, a sign-in pause) is dropped.
+  io_.stop();
+  for (std::thread& t : ioThreads_) t.join();
+}
+
+int HttpServer::port() const {
+  return listener_->port();
+}
+
+void HttpServer::Accepted(boost::asio::ip::tcp::socket socket) {
+  ConnectionOptions o;
+  o.maxBodyBytes = options_.maxBodyBytes;
+  o.requestTimeout = std::chrono::milliseconds(options_.requestTimeoutMs);
+  o.keepAliveTimeout = std::chrono::milliseconds(options_.keepAliveTimeoutMs);
+  auto c = std::make_shared<Connection>(
+      std::move(socket), o,
+      [this](HttpRequest request, Connection::Reply reply) {
+        Handle(std::move(request), std::move(reply));
+      },
+      [this](Connection* gone) { Forget(gone); });
+  {
+    std::lock_guard lock(connectionsMutex_);
+    connections_.emplace(c.get(), c);
+    peakConnections_ = std::max(peakConnections_, connections_.size());
+  }
+  c->Start();
+  if (stopping_) c->Stop();  // accepted as the server began to stop
+}
+
+void HttpServer::Forget(Connection* gone) {
+  bool trim = false;
+  {
+    std::lock_guard lock(connectionsMutex_);
+    connections_.erase(gone);
+    // Many connections have come and gone (a crowd of idle clients left): the allocator keeps
+    // what they used unless asked to give it back.
+    if (connections_.size() < peakConnections_ / 4 && peakConnections_ >= kTrimAfter) {
+      // Trimmed again as the crowd thins further, down to a few hundred.
+      peakConnections_ = connections_.size();
+      trim = true;
+    }
+  }
+  if (trim) boost::asio::post(io_, [] { malloc_trim(0); });
+}
+
+void HttpServer::Handle(HttpRequest request, Connection::Reply reply) {
+  request.serverPort = port();
+  request.remoteAddr =
+      ClientAddress(request.remoteAddr, request.Header("X-Real-IP"), options_.behindProxy);
+  // Files, redirects and refusals are answered here, on the I/O thread: they need no page
+  // thread and never wait behind one.
   ResolvedPath page;
   bool isPage = false;
   HttpResponse answer = Guarded(request, [&] {
@@ -73,167 +149,36 @@ HttpResponse HttpServer::Answer(const HttpRequest& request) {
     isPage = !quick;
     return quick ? std::move(*quick) : HttpResponse{};
   });
-  if (!isPage) return answer;
+  if (!isPage) return reply(std::move(answer));
 
-  SignInThrottle::Ticket ticket = engine_->AdmitSignIn(request);
-  if (ticket.refused()) {
+  auto ticket = std::make_shared<SignInThrottle::Ticket>(engine_->AdmitSignIn(request));
+  if (ticket->refused()) {
     HttpResponse r = HttpResponse::Plain(429,
-                                         "429 Too Many Requests\nToo many sign-in attempts "
+                                         "429 Too Many Requests\nToo many failed sign-ins "
                                          "from this address; try again in a minute.");
     r.headers.emplace_back("Retry-After", "30");
-    return r;
+    return reply(std::move(r));
   }
-  // The pause is served before the page takes a slot or checks anything.
-  if (ticket.pause().count() > 0) std::this_thread::sleep_for(ticket.pause());
-  pageSlots_.acquire();
-  answer = Guarded(request, [&] { return engine_->ServePage(request, page); });
-  pageSlots_.release();
-  return answer;
+  if (ticket->pause().count() == 0) return RunPage(std::move(request), std::move(page), reply);
+  // The pause is served on a timer before the page takes a thread or checks anything.
+  auto timer = std::make_shared<boost::asio::steady_timer>(io_, ticket->pause());
+  timer->async_wait([this, timer, ticket, request = std::move(request), page = std::move(page),
+                     reply](const boost::system::error_code&) mutable {
+    RunPage(std::move(request), std::move(page), std::move(reply));
+  });
 }
 
-// Why reading a request stopped short: the connection ends, after `refusal` when there is
-// one, quietly (the client closed it, stayed idle too long, the server stops) when not.
-struct HttpServer::Stop {
-  std::optional<HttpResponse> refusal;
-};
-
-// Waits for a whole head at the start of c.buffer() and returns its length. The first byte
-// may take the idle time-out; from then on the head must arrive within the request time-out.
-std::variant<size_t, HttpServer::Stop> HttpServer::ReadHead(TcpConnection& c, bool first) {
-  std::string& in = c.buffer();
-  auto started = [&] { return in.find_first_not_of("\r\n") != std::string::npos; };
-  const std::chrono::milliseconds request(options_.requestTimeoutMs);
-  const std::chrono::milliseconds idle(first ? options_.requestTimeoutMs
-                                             : options_.keepAliveTimeoutMs);
-  bool waitingForFirstByte = !started();
-  Clock::time_point deadline = Clock::now() + (waitingForFirstByte ? idle : request);
-  size_t end;
-  while ((end = FindHeadEnd(in)) == std::string::npos && in.size() <= kMaxHeadBytes) {
-    TcpConnection::Read read = c.ReadMore(deadline);
-    if (read == TcpConnection::Read::TimedOut && !waitingForFirstByte)
-      return Stop{HttpResponse::Plain(408,
-                                      "408 Request Timeout\nThe request did not arrive "
-                                      "in time.")};
-    if (read != TcpConnection::Read::Data) return Stop{};
-    if (waitingForFirstByte && started()) {
-      waitingForFirstByte = false;
-      deadline = Clock::now() + request;
-    }
-  }
-  if (end == std::string::npos || end > kMaxHeadBytes)
-    return Stop{
-        BadRequest({431, "a head larger than " + std::to_string(kMaxHeadBytes) + " bytes"})};
-  return end;
-}
-
-// Reads the body that `head` announces, from c.buffer() and then the connection.
-std::optional<HttpServer::Stop> HttpServer::ReadBody(TcpConnection& c, RequestHead& head) {
-  std::string& in = c.buffer();
-  const Stop tooLong{
-      HttpResponse::Plain(413, "413 Payload Too Large\nThe request body is larger than " +
-                                   std::to_string(options_.maxBodyBytes) + " bytes.")};
-  if (head.framing == BodyFraming::Length && head.contentLength > options_.maxBodyBytes)
-    return tooLong;
-  const Clock::time_point deadline =
-      Clock::now() + std::chrono::milliseconds(options_.requestTimeoutMs);
-  // A client that asked for it waits for this before it sends the body.
-  if (head.expectContinue && head.framing != BodyFraming::None && in.empty() &&
-      !c.WriteAll("HTTP/1.1 100 Continue\r\n\r\n", deadline))
-    return Stop{};
-  std::string& body = head.request.body;
-  if (head.framing == BodyFraming::Length) {
-    while (in.size() < head.contentLength)
-      if (c.ReadMore(deadline) != TcpConnection::Read::Data) return Stop{};
-    body.assign(in, 0, head.contentLength);
-    in.erase(0, head.contentLength);
-  } else if (head.framing == BodyFraming::Chunked) {
-    ChunkedDecoder decoder(options_.maxBodyBytes);
-    size_t used = 0;
-    ChunkedDecoder::State state;
-    while ((state = decoder.Feed(in, used, body)) == ChunkedDecoder::State::More) {
-      in.erase(0, used);
-      used = 0;
-      if (c.ReadMore(deadline) != TcpConnection::Read::Data) return Stop{};
-    }
-    in.erase(0, used);
-    if (state == ChunkedDecoder::State::TooLong) return tooLong;
-    if (state == ChunkedDecoder::State::Malformed)
-      return Stop{BadRequest({400, "a body whose chunks are malformed"})};
-  }
-  return std::nullopt;
-}
-
-std::variant<RequestHead, HttpServer::Stop> HttpServer::ReadRequest(TcpConnection& c, bool first) {
-  auto head = ReadHead(c, first);
-  if (auto* stop = std::get_if<Stop>(&head)) return std::move(*stop);
-  const size_t headEnd = std::get<size_t>(head);
-  auto parsed = ParseRequestHead(std::string_view(c.buffer()).substr(0, headEnd));
-  c.buffer().erase(0, headEnd);
-  if (auto* error = std::get_if<HeadError>(&parsed)) return Stop{BadRequest(*error)};
-  RequestHead& request = std::get<RequestHead>(parsed);
-  if (auto stop = ReadBody(c, request)) return std::move(*stop);
-  HttpRequest& r = request.request;
-  r.remoteAddr = c.peer();
-  r.serverPort = port();
-  if (options_.behindProxy && IsLoopback(r.remoteAddr)) {
-    std::string client = r.Header("X-Real-IP");
-    if (!client.empty() && client.size() < 64) r.remoteAddr = client;
-  }
-  return std::move(request);
-}
-
-// Sends `r`; a file body leaves in pieces. False when the connection cannot go on.
-bool HttpServer::Send(TcpConnection& c, const HttpResponse& r, bool headOnly, bool keepAlive) {
-  const Clock::time_point deadline =
-      Clock::now() + std::chrono::milliseconds(options_.requestTimeoutMs);
-  std::ifstream file;
-  size_t length = r.body.size();
-  if (r.file) {
-    file.open(*r.file, std::ios::binary | std::ios::ate);
-    length = file ? static_cast<size_t>(file.tellg()) : 0;
-    file.seekg(0);
-  }
-  // The head leaves with the start of the body in one write: with TCP_NODELAY every write is
-  // a packet and a system call of its own.
-  std::string out = ResponseHead(r, length, keepAlive);
-  if (headOnly || IsBodyless(r.status)) return c.WriteAll(out, deadline) && keepAlive;
-  if (!r.file) {
-    out += r.body;
-    return c.WriteAll(out, deadline) && keepAlive;
-  }
-  auto piece = std::make_unique_for_overwrite<char[]>(kFilePiece);
-  for (size_t left = length; left > 0;) {
-    file.read(piece.get(), static_cast<std::streamsize>(std::min(left, kFilePiece)));
-    size_t n = static_cast<size_t>(file.gcount());
-    if (n == 0) return false;  // the file shrank: the client must see the answer end short
-    out.append(piece.get(), n);
-    if (!c.WriteAll(out, deadline)) return false;
-    out.clear();
-    left -= n;
-  }
-  return keepAlive;
-}
-
-void HttpServer::Serve(TcpConnection& c) {
-  for (bool first = true;; first = false) {
-    auto next = ReadRequest(c, first);
-    if (auto* stop = std::get_if<Stop>(&next)) {
-      if (stop->refusal) {
-        Send(c, *stop->refusal, false, false);
-        c.CloseGracefully();
-      }
-      return;
-    }
-    const RequestHead& head = std::get<RequestHead>(next);
-    HttpResponse response;
-    if (head.asterisk) {
-      response.status = 200;  // OPTIONS *: what the server as a whole accepts
-      response.headers = {{"Allow", "GET, HEAD, POST"}};
-    } else {
-      response = Answer(head.request);
-    }
-    if (!Send(c, response, head.request.method == "HEAD", head.keepAlive)) return;
-  }
+void HttpServer::RunPage(HttpRequest request, ResolvedPath page, Connection::Reply reply) {
+  PagePool::Lane lane =
+      IsQuickPage(page.virtualPath) ? PagePool::Lane::Quick : PagePool::Lane::Other;
+  auto shared = std::make_shared<HttpRequest>(std::move(request));
+  pages_->Submit(
+      lane,
+      [this, shared, page, reply] {
+        http::WatchStopSignal(&stopping_);
+        reply(Guarded(*shared, [&] { return engine_->ServePage(*shared, page); }));
+      },
+      [reply] { reply(Busy()); });
 }
 
 }  // namespace ostrakan::engine

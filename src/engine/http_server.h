@@ -1,37 +1,44 @@
-// The HTTP/1.1 server: a Listener's connection threads read requests (RequestHead,
-// ChunkedDecoder), hand each to a PageEngine and write the answers, keeping connections alive
-// between requests. Ambiguous or malformed requests get 400, bodies beyond the limit 413, heads
-// that do not arrive in time 408, before the engine sees them; each of those closes the
-// connection. Pages run on the connection's thread, at most `threads` at once.
+// The HTTP/1.1 server: a few I/O threads (Boost.Asio) serve every connection asynchronously
+// (Connection, on Boost.Beast's parser), so idle and slow clients cost a socket each, not a
+// thread. Requests that need no page (static files, redirects, refusals) are answered on the
+// I/O threads; pages run on a PagePool, quick pages (page_lanes.h) in a lane of their own, and
+// a page that cannot start within a few seconds is answered with 503 and Retry-After.
+// Ambiguous or malformed requests get 400, bodies beyond the limit 413, heads that do not
+// arrive in time 408, before the engine sees them; each of those closes the connection.
 #pragma once
 
+#include <atomic>
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_context.hpp>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
-
-#include <semaphore>
-#include <variant>
+#include <thread>
+#include <unordered_map>
+#include <vector>
 
 #include "engine/listener.h"
 #include "engine/page_engine.h"
-#include "engine/request_head.h"
+#include "engine/page_pool.h"
+#include "engine/tcp_connection.h"
 
 namespace ostrakan::engine {
 
 struct ServerOptions {
   std::filesystem::path siteRoot;
   std::string listen = "127.0.0.1:8080";  // "127.0.0.1:0" picks a free port
-  int threads = 64;                       // pages at once; they may block on remote fetches
-  // Every open connection has a thread of its own, so this many connections can be open
-  // (idle, slow or waiting for a page) before new ones wait in the backlog. Threads start as
-  // connections come and cost address space more than memory: `serve` asks for 1200.
-  int connectionThreads = 128;
+  int threads = 64;       // page threads; pages may block on remote fetches for minutes
+  int quickThreads = 4;   // page threads of their own for the quick pages
+  int ioThreads = 0;      // 0: one per core
+  int pageWaitMs = 3000;  // a page that cannot start within this gets 503
   size_t maxBodyBytes = 8u << 20;
   int requestTimeoutMs = 10000;   // reading a request's head and body, writing an answer
   int keepAliveTimeoutMs = 5000;  // an idle connection between requests
   size_t sessionCapacity = SessionStore::kDefaultCapacity;
-  // Behind a proxy on this machine (deploy/): a request from a loopback address that carries
-  // X-Real-IP is taken to come from that address (REMOTE_ADDR, the sign-in throttle).
+  // Behind a proxy on this machine (deploy/): a request from a loopback address whose
+  // X-Real-IP holds an IP address is taken to come from that address (REMOTE_ADDR, the
+  // sign-in throttle).
   bool behindProxy = false;
   ComponentCreator createComponent = DefaultComponentCreator();
   const ObjectFactory* factory = nullptr;  // nullptr: ObjectFactory::Default()
@@ -41,25 +48,33 @@ class HttpServer {
  public:
   // Starts listening; throws std::runtime_error when the site root or the address is unusable.
   explicit HttpServer(ServerOptions options);
-  ~HttpServer();  // stops: waits for the requests under way
+  // Stops: no new connections, idle ones closed at once, pages waiting on a remote fetch
+  // cancelled, the answers under way finished.
+  ~HttpServer();
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
 
   int port() const;
 
  private:
-  struct Stop;
-  void Serve(TcpConnection& c);
-  std::variant<RequestHead, Stop> ReadRequest(TcpConnection& c, bool first);
-  std::variant<size_t, Stop> ReadHead(TcpConnection& c, bool first);
-  std::optional<Stop> ReadBody(TcpConnection& c, RequestHead& head);
-  bool Send(TcpConnection& c, const HttpResponse& r, bool headOnly, bool keepAlive);
-  HttpResponse Answer(const HttpRequest& request);
+  void Accepted(boost::asio::ip::tcp::socket socket);
+  void Forget(Connection* gone);
+  void Handle(HttpRequest request, Connection::Reply reply);
+  void RunPage(HttpRequest request, ResolvedPath page, Connection::Reply reply);
 
   ServerOptions options_;
-  std::counting_semaphore<> pageSlots_;
+  std::atomic<bool> stopping_{false};  // also the stop signal of the pages' fetches
   std::unique_ptr<PageEngine> engine_;
-  std::unique_ptr<Listener> listener_;  // last: stops first, before what it serves goes
+  // Every open connection, to stop them. Declared before io_: connections that io_'s
+  // handlers still hold leave it as io_ goes.
+  std::mutex connectionsMutex_;
+  std::unordered_map<Connection*, std::weak_ptr<Connection>> connections_;
+  size_t peakConnections_ = 0;  // since memory was last given back
+  boost::asio::io_context io_;
+  boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work_;
+  std::unique_ptr<Listener> listener_;
+  std::unique_ptr<PagePool> pages_;
+  std::vector<std::thread> ioThreads_;
 };
 
 }  // namespace ostrakan::engine

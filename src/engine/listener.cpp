@@ -1,11 +1,12 @@
 #include "engine/listener.h"
 
+#include <boost/asio/post.hpp>
+#include <boost/asio/strand.hpp>
+
 #include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -16,7 +17,7 @@
 namespace ostrakan::engine {
 namespace {
 
-constexpr int kBacklog = 1024;
+constexpr int kBacklog = 4096;  // the kernel caps it at net.core.somaxconn
 
 // Host and port of "host:port", "[v6]:port" or "port".
 std::pair<std::string, std::string> SplitAddress(const std::string& address) {
@@ -44,7 +45,7 @@ int Bind(const std::string& address) {
   std::string problem = "no usable address";
   int fd = -1;
   for (addrinfo* a = found; a && fd < 0; a = a->ai_next) {
-    fd = ::socket(a->ai_family, a->ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, a->ai_protocol);
+    fd = ::socket(a->ai_family, a->ai_socktype | SOCK_CLOEXEC, a->ai_protocol);
     int on = 1;
     if (fd >= 0) ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (fd < 0 || ::bind(fd, a->ai_addr, a->ai_addrlen) != 0 || ::listen(fd, kBacklog) != 0) {
@@ -58,123 +59,64 @@ int Bind(const std::string& address) {
   return fd;
 }
 
-int BoundPort(int fd) {
+}  // namespace
+
+Listener::Listener(boost::asio::io_context& io, const std::string& address, Accepted accepted)
+    : io_(io),
+      acceptor_(boost::asio::make_strand(io)),
+      pause_(acceptor_.get_executor()),
+      accepted_(std::move(accepted)) {
+  int fd;
+  try {
+    fd = Bind(address);
+  } catch (const std::exception& e) {
+    throw std::runtime_error("cannot listen on " + address + ": " + e.what());
+  }
   sockaddr_storage a{};
   socklen_t size = sizeof a;
   ::getsockname(fd, reinterpret_cast<sockaddr*>(&a), &size);
-  if (a.ss_family == AF_INET6) return ntohs(reinterpret_cast<sockaddr_in6*>(&a)->sin6_port);
-  return ntohs(reinterpret_cast<sockaddr_in*>(&a)->sin_port);
+  bool v6 = a.ss_family == AF_INET6;
+  port_ = v6 ? ntohs(reinterpret_cast<sockaddr_in6*>(&a)->sin6_port)
+             : ntohs(reinterpret_cast<sockaddr_in*>(&a)->sin_port);
+  acceptor_.assign(v6 ? boost::asio::ip::tcp::v6() : boost::asio::ip::tcp::v4(), fd);
 }
 
-std::string PeerName(const sockaddr_storage& a) {
-  char text[INET6_ADDRSTRLEN] = "";
-  if (a.ss_family == AF_INET6)
-    ::inet_ntop(AF_INET6, &reinterpret_cast<const sockaddr_in6*>(&a)->sin6_addr, text, sizeof text);
-  else
-    ::inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(&a)->sin_addr, text, sizeof text);
-  return text;
+void Listener::Start() {
+  boost::asio::post(acceptor_.get_executor(), [this] { Accept(); });
 }
 
-}  // namespace
-
-Listener::Listener(const ListenerOptions& options, Serve serve)
-    : serve_(std::move(serve)),
-      maxConnections_(std::max(1, options.maxConnections)),
-      stackBytes_(options.threadStackBytes) {
-  try {
-    listenFd_ = Bind(options.address);
-  } catch (const std::exception& e) {
-    throw std::runtime_error("cannot listen on " + options.address + ": " + e.what());
-  }
-  port_ = BoundPort(listenFd_);
-  stopFd_ = ::eventfd(0, EFD_CLOEXEC);
-  acceptor_ = std::thread([this] { AcceptLoop(); });
+void Listener::Stop() {
+  boost::asio::post(acceptor_.get_executor(), [this] {
+    boost::system::error_code ignored;
+    acceptor_.close(ignored);
+    pause_.cancel();
+  });
 }
 
-Listener::~Listener() {
-  {
-    std::lock_guard lock(mutex_);
-    stopping_ = true;
-  }
-  uint64_t one = 1;
-  [[maybe_unused]] ssize_t n = ::write(stopFd_, &one, sizeof one);
-  work_.notify_all();
-  room_.notify_all();
-  acceptor_.join();
-  std::vector<pthread_t> threads;
-  {
-    std::lock_guard lock(mutex_);
-    threads.swap(threads_);
-    for (const Pending& p : pending_) ::close(p.fd);
-    pending_.clear();
-  }
-  for (pthread_t t : threads) pthread_join(t, nullptr);
-  ::close(listenFd_);
-  ::close(stopFd_);
-}
-
-void Listener::AcceptLoop() {
-  while (true) {
-    {
-      std::unique_lock lock(mutex_);
-      room_.wait(lock, [&] { return stopping_ || open_ < maxConnections_; });
-      if (stopping_) return;
-    }
-    pollfd p[2] = {{listenFd_, POLLIN, 0}, {stopFd_, POLLIN, 0}};
-    if (::poll(p, 2, -1) < 0 || p[1].revents) continue;  // the loop's head sees the stop
-    sockaddr_storage peer{};
-    socklen_t size = sizeof peer;
-    int fd = ::accept4(listenFd_, reinterpret_cast<sockaddr*>(&peer), &size,
-                       SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (fd < 0) {
-      // Out of descriptors: give the open connections a moment to end rather than spin.
-      if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-      continue;
-    }
-    int on = 1;
-    // Without this the answer waits for the client's delayed ACK when it leaves in two writes.
-    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    std::lock_guard lock(mutex_);
-    pending_.push_back({fd, PeerName(peer)});
-    ++open_;
-    if (idle_ < static_cast<int>(pending_.size())) {
-      pthread_attr_t attr;
-      pthread_attr_init(&attr);
-      pthread_attr_setstacksize(&attr, stackBytes_);
-      pthread_t thread;
-      auto start = [](void* self) -> void* {
-        static_cast<Listener*>(self)->Work();
-        return nullptr;
-      };
-      if (pthread_create(&thread, &attr, start, this) == 0) {
-        threads_.push_back(thread);
-        ++idle_;
-      }
-      pthread_attr_destroy(&attr);
-    }
-    work_.notify_one();
-  }
-}
-
-void Listener::Work() {
-  std::unique_lock lock(mutex_);
-  while (true) {
-    work_.wait(lock, [&] { return stopping_ || !pending_.empty(); });
-    if (stopping_) return;
-    Pending next = std::move(pending_.front());
-    pending_.pop_front();
-    --idle_;
-    lock.unlock();
-    {
-      TcpConnection connection(next.fd, stopFd_, std::move(next.peer));
-      serve_(connection);
-    }
-    lock.lock();
-    ++idle_;
-    --open_;
-    room_.notify_one();
-  }
+void Listener::Accept() {
+  acceptor_.async_accept(boost::asio::make_strand(io_),
+                         [this](boost::system::error_code ec, boost::asio::ip::tcp::socket socket) {
+                           if (!acceptor_.is_open()) return;
+                           if (ec == boost::asio::error::no_descriptors ||
+                               ec == boost::asio::error::no_buffer_space ||
+                               ec == boost::asio::error::no_memory) {
+                             // Out of descriptors: give open connections a moment to end rather
+                             // than spin.
+                             pause_.expires_after(std::chrono::milliseconds(20));
+                             pause_.async_wait([this](boost::system::error_code e) {
+                               if (!e && acceptor_.is_open()) Accept();
+                             });
+                             return;
+                           }
+                           if (!ec) {
+                             boost::system::error_code ignored;
+                             // Without this an answer written in two pieces waits for the client's
+                             // delayed ACK.
+                             socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
+                             accepted_(std::move(socket));
+                           }
+                           Accept();
+                         });
 }
 
 }  // namespace ostrakan::engine

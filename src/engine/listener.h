@@ -1,67 +1,38 @@
-// A listening TCP socket whose connections are each served on a thread of their own. The
-// threads come from a pool that grows, as connections arrive, up to `maxConnections`; beyond
-// that new connections wait in the kernel's backlog until a thread is free. Each thread has a
-// full-size stack, so pages run on it directly.
+// A listening TCP socket on Boost.Asio: every accepted connection is handed on with its own
+// strand, so the I/O threads that run the io_context serve all connections between them.
 #pragma once
 
-#include <pthread.h>
-
-#include <condition_variable>
-#include <deque>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <functional>
-#include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
-
-#include "engine/tcp_connection.h"
 
 namespace ostrakan::engine {
 
-struct ListenerOptions {
-  std::string address;  // "127.0.0.1:8080", "[::1]:8080", "8080" (every address); port 0: any
-  int maxConnections = 128;
-  size_t threadStackBytes = 8u << 20;
-};
-
 class Listener {
  public:
-  using Serve = std::function<void(TcpConnection&)>;
+  using Accepted = std::function<void(boost::asio::ip::tcp::socket)>;
 
-  // Binds and listens; throws std::runtime_error with the reason when it cannot.
-  Listener(const ListenerOptions& options, Serve serve);
-  // Stops: no new connections, idle and slow ones closed at once, those being answered
-  // finish their answer first.
-  ~Listener();
+  // Binds and listens on "127.0.0.1:8080", "[::1]:8080" or "8080" (every address); port 0
+  // picks a free one. Throws std::runtime_error with the reason when it cannot.
+  Listener(boost::asio::io_context& io, const std::string& address, Accepted accepted);
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
 
+  void Start();
+  // Stops accepting (thread-safe); connections already accepted are not touched.
+  void Stop();
   int port() const { return port_; }
 
  private:
-  struct Pending {
-    int fd;
-    std::string peer;
-  };
-  void AcceptLoop();
-  void Work();
+  void Accept();
 
-  Serve serve_;
-  const int maxConnections_;
-  const size_t stackBytes_;
-  int listenFd_ = -1;
-  int stopFd_ = -1;  // an eventfd, readable once the listener stops
+  boost::asio::io_context& io_;
+  boost::asio::ip::tcp::acceptor acceptor_;
+  boost::asio::steady_timer pause_;  // out of descriptors: a short pause before the next accept
+  Accepted accepted_;
   int port_ = 0;
-
-  std::mutex mutex_;
-  std::condition_variable work_;  // a connection is pending, or stopping
-  std::condition_variable room_;  // a connection ended
-  std::deque<Pending> pending_;
-  int open_ = 0;  // connections accepted and not yet closed
-  int idle_ = 0;  // threads waiting for a connection
-  bool stopping_ = false;
-  std::vector<pthread_t> threads_;
-  std::thread acceptor_;
 };
 
 }  // namespace ostrakan::engine

@@ -54,6 +54,16 @@ bool IsSignInPage(std::string_view path) {
   return name == "login.asp";
 }
 
+bool IsVerifyPicture(std::string_view path) {
+  return path.size() >= 9 && IEquals(FromUtf8(path.substr(path.size() - 9)), u"/code.asp");
+}
+
+// A post of the sign-in form: only these count towards the throttle (a view of the page
+// costs nothing, so reloads behind a shared address cannot lock anybody out).
+bool IsSignInAttempt(const HttpRequest& request) {
+  return request.method == "POST" && IsSignInPage(request.path);
+}
+
 // Reports a failed page in the error log and on the standard error stream.
 void Report(const std::string& text) {
   LogComponentError(FromUtf8(text));
@@ -115,7 +125,7 @@ HttpResponse PageEngine::ServePage(const HttpRequest& request, const ResolvedPat
 }
 
 SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {
-  if (!IsSignInPage(request.path)) return {};
+  if (!IsSignInAttempt(request)) return {};
   return signIns_.Admit(request.remoteAddr);
 }
 
@@ -191,22 +201,29 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
 
   // The session's fate, whether or not the page ran to its end.
   const bool signedIn = !adminItem.empty() && IsSet(session->Get(adminItem));
-  if (IsSignInPage(virtualPath)) signIns_.Record(http.remoteAddr, !signedIn);
+  if (IsSignInAttempt(http)) signIns_.Record(http.remoteAddr, !signedIn);
+  std::string storedId = sessionId;
   if (session->abandoned()) {
     if (stored) sessions_.Drop(sessionId);
+    storedId.clear();
   } else if (!stored) {
     if (!session->empty()) {
-      if (std::optional<std::string> id = sessions_.Add(session, signedIn))
+      if (std::optional<std::string> id = sessions_.Add(session, signedIn)) {
         out.headers.emplace_back("Set-Cookie", SessionCookie(*id));
+        storedId = *id;
+      }
     }
   } else if (!signedInBefore && signedIn) {
     if (std::optional<std::string> moved = sessions_.Rotate(sessionId)) {
       sessions_.SetSignedIn(*moved, true);
       out.headers.emplace_back("Set-Cookie", SessionCookie(*moved));
+      storedId = *moved;
     }
   } else if (signedInBefore != signedIn) {
     sessions_.SetSignedIn(sessionId, signedIn);
   }
+  if (!storedId.empty() && IsVerifyPicture(virtualPath) && IsSet(session->Get(u"verifyid")))
+    sessions_.CodeDrawn(storedId);
   return out;
 }
 

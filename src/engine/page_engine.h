@@ -9,9 +9,11 @@
 // known before sign-in is worth nothing after it. Session.Abandon drops the session after the
 // page. An Application lock that the page still holds when it ends is released.
 //
-// Action pages (see cross_site.h) refuse requests that another site sent. Attempts at the
-// sign-in page pass through a SignInThrottle: the server asks AdmitSignIn before it runs the
-// page, and serves the pause on its own thread.
+// Action pages (see cross_site.h) refuse requests that another site sent. Posts to the
+// sign-in page pass through a SignInThrottle (views of it do not): the server asks AdmitSignIn
+// before it runs the page and serves the pause on a timer, and a post that does not sign in
+// counts as a failure. A session that draws a verify code (admin/inc/code.asp) is kept from
+// eviction while the code is fresh (SessionStore::CodeDrawn).
 #pragma once
 
 #include <filesystem>
@@ -49,8 +51,8 @@ class PageEngine {
   // Runs the page that AnswerWithoutPage left; needs a thread with a full-size stack.
   HttpResponse ServePage(const HttpRequest& request, const ResolvedPath& page);
 
-  // For a request to the sign-in page, the throttle's ticket for its address (an empty
-  // ticket for any other request).
+  // For a post to the sign-in page, the throttle's ticket for its address (an empty ticket
+  // for any other request).
   SignInThrottle::Ticket AdmitSignIn(const HttpRequest& request);
 
  private:

@@ -22,15 +22,6 @@ std::string_view TrimBlanks(std::string_view s) {
   return s;
 }
 
-// The next line of `rest` without its line end; `rest` moves past it.
-std::string_view NextLine(std::string_view& rest) {
-  size_t end = rest.find('\n');
-  std::string_view line = rest.substr(0, end);
-  rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-  return line;
-}
-
 // Whether the comma-separated list `value` holds `token` (case-insensitive).
 bool ListHas(std::string_view value, std::string_view token) {
   while (!value.empty()) {
@@ -41,6 +32,9 @@ bool ListHas(std::string_view value, std::string_view token) {
   }
   return false;
 }
+
+// ReadFraming's answer for a coding other than chunked, which is 501 rather than 400.
+constexpr char kUnknownCoding[] = "a transfer coding other than chunked";
 
 HeadError Bad(std::string why) {
   return HeadError{400, std::move(why)};
@@ -81,12 +75,13 @@ std::string ReadTarget(std::string_view target, RequestHead& head) {
 // chunked, two Host headers.
 std::string ReadFraming(RequestHead& head) {
   int hosts = 0, transferEncodings = 0;
+  bool unknownCoding = false;
   std::string_view length;
   for (const auto& [name, value] : head.request.headers) {
     if (IEquals(name, "Host") && ++hosts > 1) return "two Host headers";
     if (IEquals(name, "Transfer-Encoding")) {
       if (++transferEncodings > 1) return "two Transfer-Encoding headers";
-      if (!IEquals(value, "chunked")) return "an unknown Transfer-Encoding";
+      if (!IEquals(value, "chunked")) unknownCoding = true;
     } else if (IEquals(name, "Content-Length")) {
       if (value.empty() || value.find_first_not_of("0123456789") != std::string::npos)
         return "a Content-Length that is not a number";
@@ -100,8 +95,10 @@ std::string ReadFraming(RequestHead& head) {
     }
   }
   if (!length.empty() && transferEncodings > 0) return "both Content-Length and Transfer-Encoding";
+  if (hosts == 0 && head.minorVersion == 1) return "no Host header";
   if (transferEncodings > 0) {
     if (head.minorVersion == 0) return "Transfer-Encoding in an HTTP/1.0 request";
+    if (unknownCoding) return kUnknownCoding;
     head.framing = BodyFraming::Chunked;
   } else if (!length.empty()) {
     auto [end, ec] =
@@ -121,63 +118,33 @@ bool IsToken(std::string_view s) {
   return true;
 }
 
-size_t FindHeadEnd(std::string_view buffer) {
-  // Empty lines before the request line are skipped, not taken as the end of a head.
-  size_t start = buffer.find_first_not_of("\r\n");
-  if (start == std::string_view::npos) return start;
-  for (size_t at = buffer.find('\n', start); at != std::string_view::npos;
-       at = buffer.find('\n', at + 1)) {
-    size_t next = at + 1;
-    if (next < buffer.size() && buffer[next] == '\n') return next + 1;
-    if (next + 1 < buffer.size() && buffer[next] == '\r' && buffer[next + 1] == '\n')
-      return next + 2;
-  }
-  return std::string_view::npos;
-}
-
-std::variant<RequestHead, HeadError> ParseRequestHead(std::string_view rest) {
+std::variant<RequestHead, HeadError> CheckRequestHead(const ParsedHead& parsed) {
   RequestHead head;
   HttpRequest& r = head.request;
-  std::string_view line;
-  while (!rest.empty() && (line = NextLine(rest)).empty()) {
-  }
-  // The request line: method, target and version, separated by single spaces.
-  size_t sp1 = line.find(' ');
-  size_t sp2 = sp1 == std::string_view::npos ? sp1 : line.find(' ', sp1 + 1);
-  if (sp2 == std::string_view::npos || line.find(' ', sp2 + 1) != std::string_view::npos)
-    return Bad("a request line that is not \"METHOD target HTTP/1.1\"");
-  std::string_view method = line.substr(0, sp1);
-  std::string_view target = line.substr(sp1 + 1, sp2 - sp1 - 1);
-  std::string_view version = line.substr(sp2 + 1);
-  if (!IsToken(method)) return Bad("a method that is not a word");
-  if (version == "HTTP/1.1" || version == "HTTP/1.0") {
-    head.minorVersion = version.back() - '0';
-  } else if (version.size() == 8 && version.starts_with("HTTP/") && version[6] == '.') {
+  if (parsed.version != 10 && parsed.version != 11)
     return HeadError{505, "an HTTP version other than 1.0 and 1.1"};
-  } else {
-    return Bad("a request line that is not \"METHOD target HTTP/1.1\"");
-  }
+  head.minorVersion = parsed.version % 10;
   head.keepAlive = head.minorVersion >= 1;
-  if (target.empty()) return Bad("an empty request target");
-  for (unsigned char c : target)
+  if (!IsToken(parsed.method)) return Bad("a method that is not a word");
+  if (parsed.target.empty()) return Bad("an empty request target");
+  if (parsed.target.size() > kMaxTargetBytes)
+    return HeadError{414, "a target longer than " + std::to_string(kMaxTargetBytes) + " bytes"};
+  for (unsigned char c : parsed.target)
     if (c <= ' ' || c == 127) return Bad("a control character in the request target");
-  r.method = method;
-
-  while (!rest.empty()) {
-    line = NextLine(rest);
-    if (line.empty()) break;
-    if (line.front() == ' ' || line.front() == '\t') return Bad("a folded header line");
-    size_t colon = line.find(':');
-    if (colon == std::string_view::npos || !IsToken(line.substr(0, colon)))
-      return Bad("a header line without a name");
-    std::string_view value = TrimBlanks(line.substr(colon + 1));
-    for (unsigned char c : value)
+  if (parsed.fields.size() > kMaxHeaders) return HeadError{431, "too many header lines"};
+  r.method = parsed.method;
+  for (const auto& [name, value] : parsed.fields) {
+    if (!IsToken(name)) return Bad("a header line without a name");
+    std::string_view trimmed = TrimBlanks(value);
+    for (unsigned char c : trimmed)
       if ((c < ' ' && c != '\t') || c == 127) return Bad("a control character in a header");
-    if (r.headers.size() == kMaxHeaders) return HeadError{431, "too many header lines"};
-    r.headers.emplace_back(line.substr(0, colon), value);
+    r.headers.emplace_back(name, trimmed);
   }
-  if (std::string why = ReadFraming(head); !why.empty()) return Bad(why);
-  if (std::string why = ReadTarget(target, head); !why.empty()) return Bad(why);
+  if (std::string why = ReadFraming(head); !why.empty()) {
+    if (why == kUnknownCoding) return HeadError{501, why};
+    return Bad(why);
+  }
+  if (std::string why = ReadTarget(parsed.target, head); !why.empty()) return Bad(why);
   return head;
 }
 

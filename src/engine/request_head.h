@@ -1,12 +1,14 @@
-// The head of an HTTP/1.x request (request line and header fields), read from the bytes a
-// client sent. Strict where leniency would let two readers of the same bytes (a proxy in front,
-// this server) see different requests: such heads are refused with 400, never guessed at.
+// The head of an HTTP/1.x request as the engine reads it, checked above the HTTP parser
+// (request_reader.h) for what the parser lets through: heads that two readers of the same
+// bytes (a proxy in front, this server) could read differently are refused, never guessed at.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "engine/http_exchange.h"
 
@@ -25,24 +27,33 @@ struct RequestHead {
   bool asterisk = false;        // the target is "*" (only with OPTIONS)
 };
 
-// A head that cannot be answered as a request: the status to answer with (400, 431, 501,
-// 505) and why, as a sentence fragment ("two Host headers").
+// A request that cannot be answered as one: the status to answer with (400, 408, 413, 414,
+// 431, 501, 505) and why, as a sentence fragment ("two Host headers").
 struct HeadError {
   int status;
   std::string why;
 };
 
+// What the HTTP parser read: the request line's parts and the fields in their order.
+struct ParsedHead {
+  std::string_view method;
+  std::string_view target;
+  int version = 11;  // 10 for HTTP/1.0, 11 for HTTP/1.1
+  std::vector<std::pair<std::string, std::string>> fields;
+};
+
+inline constexpr size_t kMaxTargetBytes = 8192;
+
 // Whether `s` is an HTTP token (a method or a header name): visible ASCII without separators.
 bool IsToken(std::string_view s);
 
-// Where the head in `buffer` ends (just past the empty line that closes it), or npos while it
-// is incomplete. Leading empty lines are part of what is skipped.
-size_t FindHeadEnd(std::string_view buffer);
-
-// Reads a whole head (what FindHeadEnd delimits). The path of the target is percent-decoded
-// ('+' stays); the query string is kept as sent. An absolute-form target
+// Checks a parsed head and reads it as a request. Refused: a missing Host in HTTP/1.1 or two
+// of them, Content-Length twice with different values or not a number or beside
+// Transfer-Encoding, a transfer coding other than chunked (501), Transfer-Encoding in HTTP/1.0,
+// a target longer than kMaxTargetBytes (414), too many fields (431). The path of the target is
+// percent-decoded ('+' stays); the query string is kept as sent. An absolute-form target
 // ("http://host:port/path?q") is read as its path and query, and its authority replaces the
 // Host header, as HTTP/1.1 requires of an origin server.
-std::variant<RequestHead, HeadError> ParseRequestHead(std::string_view head);
+std::variant<RequestHead, HeadError> CheckRequestHead(const ParsedHead& parsed);
 
 }  // namespace ostrakan::engine

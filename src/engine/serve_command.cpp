@@ -1,6 +1,7 @@
 #include <pwd.h>
 #include <signal.h>
 #include <sqlite3.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <ostream>
@@ -101,12 +102,17 @@ int RunServe(const ServeOptions& o, std::ostream& out, std::ostream& err) {
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
   signal(SIGPIPE, SIG_IGN);
 
+  // Every open connection holds a descriptor: allow as many as the system lets this process.
+  if (rlimit files; ::getrlimit(RLIMIT_NOFILE, &files) == 0 && files.rlim_cur < files.rlim_max) {
+    files.rlim_cur = files.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &files);
+  }
+
   ServerOptions options;
   options.siteRoot = o.site;
   options.listen = o.listen;
   options.threads = o.threads;
   options.behindProxy = o.behindProxy;
-  options.connectionThreads = o.connectionThreads;
   std::unique_ptr<HttpServer> server;
   try {
     server = std::make_unique<HttpServer>(options);

@@ -56,11 +56,14 @@ bool SessionStore::MakeRoom(Time now) {
   std::erase_if(sessions_, [&](const auto& kv) { return Expired(kv.second, now); });
   lastSweep_ = now;
   if (sessions_.size() < capacity_) return true;
-  // Drop a tenth of the capacity at once, the anonymous sessions idle longest, so that this
-  // scan runs once per many new sessions.
-  std::vector<std::pair<Time, std::string>> anonymous;
-  for (const auto& [id, entry] : sessions_)
-    if (!entry.signedIn) anonymous.emplace_back(entry.lastUsed, id);
+  // Drop a tenth of the capacity at once, the anonymous sessions idle longest (those with a
+  // fresh verify code after all others), so that this scan runs once per many new sessions.
+  std::vector<std::pair<std::pair<bool, Time>, std::string>> anonymous;
+  for (const auto& [id, entry] : sessions_) {
+    if (entry.signedIn) continue;
+    bool freshCode = entry.codeDrawn && now - *entry.codeDrawn <= kFreshCode;
+    anonymous.push_back({{freshCode, entry.lastUsed}, id});
+  }
   if (anonymous.empty()) return false;
   size_t drop = std::min(anonymous.size(), std::max<size_t>(1, capacity_ / 10));
   std::nth_element(anonymous.begin(), anonymous.begin() + static_cast<ptrdiff_t>(drop - 1),
@@ -89,7 +92,7 @@ std::optional<std::string> SessionStore::Add(std::shared_ptr<Session> session, b
   MutexLock lock(mutex_);
   SweepIfDue(now);
   if (!MakeRoom(now) && !signedIn) return std::nullopt;
-  sessions_[id] = Entry{std::move(session), now, signedIn};
+  sessions_[id] = Entry{std::move(session), now, signedIn, std::nullopt};
   return id;
 }
 
@@ -109,6 +112,12 @@ std::optional<std::string> SessionStore::Rotate(const std::string& id) {
   entry.lastUsed = now;
   sessions_[fresh] = std::move(entry);
   return fresh;
+}
+
+void SessionStore::CodeDrawn(const std::string& id) {
+  auto now = clock_();
+  MutexLock lock(mutex_);
+  if (auto it = sessions_.find(id); it != sessions_.end()) it->second.codeDrawn = now;
 }
 
 void SessionStore::Drop(const std::string& id) {

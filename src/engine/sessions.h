@@ -7,7 +7,8 @@
 // is gone: Find no longer returns it, and a periodic sweep frees it.
 //
 // The store holds at most `capacity` sessions. To make room it drops expired sessions, then
-// the anonymous ones idle the longest; a signed-in session is never dropped to make room for
+// the anonymous ones idle the longest, those that drew a verify code within kFreshCode last
+// (someone is about to sign in with it); a signed-in session is never dropped to make room for
 // an anonymous one. When every stored session is signed in, a new anonymous session is not
 // stored at all.
 #pragma once
@@ -36,6 +37,7 @@ class SessionStore {
  public:
   using Clock = std::function<std::chrono::steady_clock::time_point()>;
   static constexpr size_t kDefaultCapacity = 50000;
+  static constexpr auto kFreshCode = std::chrono::minutes(5);
   explicit SessionStore(Clock clock = std::chrono::steady_clock::now,
                         size_t capacity = kDefaultCapacity);
 
@@ -48,6 +50,8 @@ class SessionStore {
   // Moves the session under a new id (the old one stops working) and returns the new id;
   // nullopt when the old id is not live.
   std::optional<std::string> Rotate(const std::string& id) EXCLUDES(mutex_);
+  // Records that the session has just drawn a verify code.
+  void CodeDrawn(const std::string& id) EXCLUDES(mutex_);
   void Drop(const std::string& id) EXCLUDES(mutex_);
   size_t size() const EXCLUDES(mutex_);
 
@@ -56,6 +60,7 @@ class SessionStore {
     std::shared_ptr<Session> session;
     std::chrono::steady_clock::time_point lastUsed;
     bool signedIn = false;
+    std::optional<std::chrono::steady_clock::time_point> codeDrawn;
   };
   using Time = std::chrono::steady_clock::time_point;
   static bool Expired(const Entry& e, Time now);

@@ -3,7 +3,7 @@
 // After kFreeFailures failures within kWindow, every further attempt from that address starts
 // only a pause after the previous one: 1 s, then twice as long for each further failure, at
 // most kMaxPause. The pause is served by the caller before the page runs (so the password is
-// not even checked early), on the server's connection thread, never on a page thread. At most
+// not even checked early), on a timer, never on a page thread. At most
 // kMaxWaitingPerAddress attempts of one address, and kMaxWaiting in all, may be waiting; any
 // more are refused at once, so pauses cannot tie up the server's threads. A successful
 // sign-in forgets the address's failures.

@@ -1,89 +1,272 @@
 #include "engine/tcp_connection.h"
 
-#include <poll.h>
-#include <sys/socket.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <boost/asio/post.hpp>
+#include <boost/asio/write.hpp>
 #include <cerrno>
+
+#include "engine/response_head.h"
 
 namespace ostrakan::engine {
 namespace {
 
-constexpr size_t kReadPiece = 16384;
-constexpr auto kLinger = std::chrono::seconds(2);
+namespace asio = boost::asio;
+using boost::system::error_code;
 
-int MillisecondsUntil(TcpConnection::Clock::time_point deadline) {
-  auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - TcpConnection::Clock::now());
-  return left.count() <= 0 ? 0 : static_cast<int>(std::min<long long>(left.count(), 1 << 30));
+constexpr size_t kReadPiece = 16384;
+constexpr size_t kFilePiece = 65536;
+constexpr std::chrono::milliseconds kLinger{2000};
+constexpr std::chrono::milliseconds kLastWrite{1000};  // for an answer while the server stops
+
+std::string PeerAddress(const asio::ip::tcp::socket& socket) {
+  error_code ec;
+  asio::ip::address a = socket.remote_endpoint(ec).address();
+  if (ec) return "";
+  if (a.is_v6() && a.to_v6().is_v4_mapped())
+    return asio::ip::make_address_v4(asio::ip::v4_mapped, a.to_v6()).to_string();
+  return a.to_string();
+}
+
+HttpResponse Refusal(const HeadError& e) {
+  return HttpResponse::Plain(e.status, std::to_string(e.status) + " " + StatusText(e.status) +
+                                           "\nThe request has " + e.why + ".");
 }
 
 }  // namespace
 
-TcpConnection::TcpConnection(int fd, int stopFd, std::string peer)
-    : fd_(fd), stopFd_(stopFd), peer_(std::move(peer)) {}
+Connection::Connection(asio::ip::tcp::socket socket, const ConnectionOptions& options,
+                       Handler handler, Gone gone)
+    : socket_(std::move(socket)),
+      timer_(socket_.get_executor()),
+      options_(options),
+      handler_(std::move(handler)),
+      gone_(std::move(gone)) {}
 
-TcpConnection::~TcpConnection() {
-  ::close(fd_);
+Connection::~Connection() {
+  CloseFile();
+  if (gone_) gone_(this);
 }
 
-bool TcpConnection::Wait(short events, Clock::time_point deadline, Read& why) {
-  while (true) {
-    pollfd p[2] = {{fd_, events, 0}, {stopFd_, POLLIN, 0}};
-    int n = ::poll(p, 2, MillisecondsUntil(deadline));
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) {
-      why = Read::Closed;
-      return false;
+void Connection::CloseFile() {
+  if (file_ >= 0) ::close(file_);
+  file_ = -1;
+}
+
+void Connection::Start() {
+  peer_ = PeerAddress(socket_);
+  error_code ignored;
+  socket_.non_blocking(true, ignored);
+  asio::post(socket_.get_executor(), [self = shared_from_this()] { self->ReadRequest(); });
+}
+
+void Connection::Stop() {
+  asio::post(socket_.get_executor(), [self = shared_from_this()] {
+    self->stopping_ = true;
+    if (self->phase_ == Phase::Request || self->phase_ == Phase::Linger) {
+      self->Close();
+    } else if (self->phase_ == Phase::Answer) {
+      self->keepAlive_ = false;
+      if (self->writing_) self->Arm(kLastWrite);
     }
-    if (p[1].revents) {
-      why = Read::Stopped;
-      return false;
-    }
-    if (n == 0) {
-      why = Read::TimedOut;
-      return false;
-    }
-    return true;  // ready, or an error that the next call reports
+  });
+}
+
+void Connection::Arm(std::chrono::milliseconds after) {
+  unsigned round = ++timerRound_;
+  timer_.expires_after(after);
+  timer_.async_wait([self = shared_from_this(), round](const error_code& ec) {
+    if (!ec && round == self->timerRound_) self->OnTimeout();
+  });
+}
+
+void Connection::Disarm() {
+  ++timerRound_;
+  timer_.cancel();
+}
+
+void Connection::OnTimeout() {
+  if (phase_ == Phase::Request && waitingFor_ != Wait::FirstByte) {
+    error_code ignored;
+    socket_.cancel(ignored);  // the wait for bytes ends without effect
+    Refuse({408, "not arrived in time"});
+  } else {
+    Close();
   }
 }
 
-TcpConnection::Read TcpConnection::ReadMore(Clock::time_point deadline) {
-  char piece[kReadPiece];  // connection threads have full-size stacks
-  Read result = Read::Closed;
-  while (true) {
-    ssize_t n = ::recv(fd_, piece, sizeof piece, 0);
-    if (n > 0) {
-      buffer_.append(piece, static_cast<size_t>(n));
-      return Read::Data;
+void Connection::ReadRequest() {
+  phase_ = Phase::Request;
+  if (stopping_) return Close();
+  if (!reader_) {
+    reader_.emplace(options_.maxBodyBytes);
+    waitingFor_ = Wait::FirstByte;
+    Arm(first_ ? options_.requestTimeout : options_.keepAliveTimeout);
+  }
+  RequestReader::State state = reader_->Read(in_);
+  if (waitingFor_ == Wait::FirstByte && reader_->started()) {
+    waitingFor_ = Wait::Head;
+    Arm(options_.requestTimeout);
+  }
+  switch (state) {
+    case RequestReader::State::Refused:
+      return Refuse(reader_->refusal());
+    case RequestReader::State::Done: {
+      RequestHead head = reader_->TakeRequest();
+      reader_.reset();
+      return OnRequest(std::move(head));
     }
-    if (n < 0 && errno == EINTR) continue;
-    bool wouldBlock = n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
-    if (!wouldBlock || !Wait(POLLIN, deadline, result)) return result;
+    case RequestReader::State::HeadDone:
+      if (waitingFor_ != Wait::Body) {
+        waitingFor_ = Wait::Body;
+        Arm(options_.requestTimeout);
+        // A client that asked for it waits for this before it sends the body.
+        const RequestHead& head = reader_->head();
+        if (head.expectContinue && head.framing != BodyFraming::None && in_.empty()) {
+          static const std::string kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
+          asio::async_write(socket_, asio::buffer(kContinue),
+                            [self = shared_from_this()](const error_code& ec, size_t) {
+                              if (ec) return self->Close();
+                              if (self->phase_ == Phase::Request) self->WaitForBytes();
+                            });
+          return;
+        }
+      }
+      return WaitForBytes();
+    case RequestReader::State::Head:
+      return WaitForBytes();
   }
 }
 
-bool TcpConnection::WriteAll(std::string_view bytes, Clock::time_point deadline) {
-  Read why;
-  while (!bytes.empty()) {
-    ssize_t n = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (n > 0) {
-      bytes.remove_prefix(static_cast<size_t>(n));
-    } else if (n < 0 && errno == EINTR) {
-      continue;
-    } else if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
-      if (!Wait(POLLOUT, deadline, why)) return false;
-    } else {
-      return false;
-    }
-  }
-  return true;
+void Connection::WaitForBytes() {
+  socket_.async_wait(asio::ip::tcp::socket::wait_read,
+                     [self = shared_from_this()](const error_code& ec) { self->OnReadable(ec); });
 }
 
-void TcpConnection::CloseGracefully() {
-  ::shutdown(fd_, SHUT_WR);
-  const Clock::time_point deadline = Clock::now() + kLinger;
-  buffer_.clear();
-  while (ReadMore(deadline) == Read::Data) buffer_.clear();
+void Connection::OnReadable(const error_code& ec) {
+  // Whoever cancelled the wait (a time-out, the server stopping) has dealt with the connection.
+  if (ec == asio::error::operation_aborted || phase_ == Phase::Closed) return;
+  if (ec) return Close();
+  // The bytes go through a buffer of the thread, so a connection that waits holds none.
+  thread_local char piece[kReadPiece];
+  error_code readError;
+  size_t n = socket_.read_some(asio::buffer(piece), readError);
+  if (readError == asio::error::would_block || readError == asio::error::try_again)
+    return WaitForBytes();
+  if (readError) return Close();  // the client closed the connection, or it broke
+  if (phase_ == Phase::Linger) return WaitForBytes();  // dropped unread
+  in_.append(piece, n);
+  ReadRequest();
+}
+
+void Connection::OnRequest(RequestHead head) {
+  phase_ = Phase::Answer;
+  Disarm();  // a page may take its time; the answer's writing has a time-out of its own
+  first_ = false;
+  keepAlive_ = head.keepAlive;
+  headOnly_ = head.request.method == "HEAD";
+  if (head.asterisk) {
+    HttpResponse r;  // OPTIONS *: what the server as a whole accepts
+    r.headers = {{"Allow", "GET, HEAD, POST"}};
+    return Respond(std::move(r));
+  }
+  head.request.remoteAddr = peer_;
+  auto self = shared_from_this();
+  handler_(std::move(head.request), [self](HttpResponse r) {
+    asio::post(self->socket_.get_executor(),
+               [self, r = std::move(r)]() mutable { self->Respond(std::move(r)); });
+  });
+}
+
+void Connection::Respond(HttpResponse r) {
+  if (phase_ != Phase::Answer) return;
+  if (stopping_) keepAlive_ = false;
+  Arm(stopping_ ? kLastWrite : options_.requestTimeout);
+  size_t length = r.body.size();
+  fileLeft_ = 0;
+  if (r.file) {
+    CloseFile();
+    file_ = ::open(r.file->c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat st;
+    length = file_ >= 0 && ::fstat(file_, &st) == 0 ? static_cast<size_t>(st.st_size) : 0;
+  }
+  out_ = ResponseHead(r, length, keepAlive_);
+  if (headOnly_ || IsBodyless(r.status)) return SendOut();
+  if (!r.file) {
+    out_ += r.body;
+    return SendOut();
+  }
+  fileLeft_ = length;
+  SendFilePiece();  // the head leaves with the file's first piece
+}
+
+void Connection::SendFilePiece() {
+  size_t start = out_.size();
+  size_t n = std::min(fileLeft_, kFilePiece);
+  out_.resize(start + n);
+  ssize_t got = 0;
+  do {
+    got = ::read(file_, out_.data() + start, n);
+  } while (got < 0 && errno == EINTR);
+  if (got <= 0 && n > 0) return Close();  // the file shrank: the client must see it end short
+  out_.resize(start + static_cast<size_t>(got));
+  fileLeft_ -= static_cast<size_t>(got);
+  SendOut();
+}
+
+void Connection::SendOut() {
+  writing_ = true;
+  asio::async_write(socket_, asio::buffer(out_),
+                    [self = shared_from_this()](const error_code& ec, size_t) {
+                      self->writing_ = false;
+                      if (ec || self->phase_ != Phase::Answer) return self->Close();
+                      self->out_.clear();
+                      if (self->fileLeft_ > 0) return self->SendFilePiece();
+                      self->AnswerDone();
+                    });
+}
+
+void Connection::AnswerDone() {
+  CloseFile();
+  out_.shrink_to_fit();
+  if (refusing_) return Linger();
+  if (!keepAlive_ || stopping_) {
+    error_code ignored;
+    socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+    return Close();
+  }
+  ReadRequest();  // a pipelined request may be waiting in in_ already
+}
+
+void Connection::Refuse(HeadError error) {
+  phase_ = Phase::Answer;
+  reader_.reset();
+  refusing_ = true;
+  keepAlive_ = false;
+  headOnly_ = false;
+  Respond(Refusal(error));
+}
+
+void Connection::Linger() {
+  phase_ = Phase::Linger;
+  if (stopping_) return Close();
+  error_code ignored;
+  socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+  in_.clear();
+  in_.shrink_to_fit();
+  Arm(kLinger);
+  WaitForBytes();
+}
+
+void Connection::Close() {
+  if (phase_ == Phase::Closed) return;
+  phase_ = Phase::Closed;
+  Disarm();
+  CloseFile();
+  error_code ignored;
+  socket_.close(ignored);
 }
 
 }  // namespace ostrakan::engine

@@ -1,47 +1,95 @@
-// One accepted TCP connection: reads and writes with deadlines, giving up at once when the
-// server stops. The socket is non-blocking; waits happen in poll(), beside the server's stop
-// signal, so a stopping server never waits for an idle or slow client.
+// One HTTP/1.1 connection, served asynchronously on its strand: it reads requests
+// (RequestReader), hands each to the server's handler, writes the answers in order and keeps
+// the connection for the next request. While it waits for a request it holds no buffer and
+// no thread. Refused requests get their answer and a lingering close: the sending side is
+// shut and what the client still sends is read and dropped for a short while, so the answer
+// is not destroyed by a reset.
+//
+// Time-outs: the first byte of a request may take `keepAliveTimeout` (`requestTimeout` for a
+// connection's first request); from then on the head and the body must arrive within
+// `requestTimeout` (408 when the head did not), and an answer must leave within it.
 #pragma once
 
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
+
+#include "engine/http_exchange.h"
+#include "engine/request_reader.h"
 
 namespace ostrakan::engine {
 
-class TcpConnection {
+struct ConnectionOptions {
+  size_t maxBodyBytes = 8u << 20;
+  std::chrono::milliseconds requestTimeout{10000};
+  std::chrono::milliseconds keepAliveTimeout{5000};
+};
+
+class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  using Clock = std::chrono::steady_clock;
-  enum class Read { Data, Closed, TimedOut, Stopped };
+  // Called once with the answer, from any thread.
+  using Reply = std::function<void(HttpResponse)>;
+  // Answers a request (remoteAddr is the peer's address), now or later through `reply`.
+  using Handler = std::function<void(HttpRequest request, Reply reply)>;
 
-  // Takes ownership of `fd`; `stopFd` becomes readable when the server stops.
-  TcpConnection(int fd, int stopFd, std::string peer);
-  ~TcpConnection();  // closes the socket
-  TcpConnection(const TcpConnection&) = delete;
-  TcpConnection& operator=(const TcpConnection&) = delete;
+  // Told when the connection is gone (from its destructor).
+  using Gone = std::function<void(Connection*)>;
 
-  // Bytes received and not yet consumed by the reader.
-  std::string& buffer() { return buffer_; }
-  // The client's address ("127.0.0.1", "::1").
-  const std::string& peer() const { return peer_; }
+  Connection(boost::asio::ip::tcp::socket socket, const ConnectionOptions& options, Handler handler,
+             Gone gone);
+  ~Connection();
 
-  // Appends what arrives to buffer(), waiting until `deadline` for at least one byte.
-  Read ReadMore(Clock::time_point deadline);
-  // Sends all of `bytes` before `deadline`; false when that failed and the connection is lost.
-  bool WriteAll(std::string_view bytes, Clock::time_point deadline);
-  // Closes the sending side and reads what the client still sends until it closes too (or a
-  // short while passes), so that an answer sent before unread request bytes is not destroyed
-  // by a reset.
-  void CloseGracefully();
+  void Start();
+  // The server stops (thread-safe): a connection waiting for a request closes at once, one
+  // being answered closes after its answer.
+  void Stop();
 
  private:
-  // Waits for `events` on the socket; false on time-out, stop or error.
-  bool Wait(short events, Clock::time_point deadline, Read& why);
+  enum class Phase { Request, Answer, Linger, Closed };
+  enum class Wait { FirstByte, Head, Body };
+  void ReadRequest();
+  void WaitForBytes();
+  void OnReadable(const boost::system::error_code& ec);
+  void OnRequest(RequestHead head);
+  void Respond(HttpResponse response);
+  void SendOut();
+  void SendFilePiece();
+  void AnswerDone();
+  void Refuse(HeadError error);  // a copy: the reader that holds it goes
+  void Linger();
+  void Close();
+  void CloseFile();
+  void Arm(std::chrono::milliseconds after);
+  void Disarm();
+  void OnTimeout();
 
-  int fd_;
-  int stopFd_;
+  boost::asio::ip::tcp::socket socket_;
+  boost::asio::steady_timer timer_;
+  ConnectionOptions options_;
+  Handler handler_;
+  Gone gone_;
   std::string peer_;
-  std::string buffer_;
+
+  Phase phase_ = Phase::Request;
+  unsigned timerRound_ = 0;  // a timer that fires for an earlier round is stale
+  bool first_ = true;        // no request has been read yet
+  bool stopping_ = false;
+  Wait waitingFor_ = Wait::FirstByte;
+  bool refusing_ = false;  // the answer is a refusal: a lingering close follows
+  bool writing_ = false;
+  std::string in_;  // received and not yet read
+  std::optional<RequestReader> reader_;
+
+  // The answer under way.
+  bool keepAlive_ = true;
+  bool headOnly_ = false;
+  std::string out_;
+  int file_ = -1;  // a file body's descriptor while it is sent
+  size_t fileLeft_ = 0;
 };
 
 }  // namespace ostrakan::engine

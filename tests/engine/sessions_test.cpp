@@ -87,5 +87,18 @@ TEST_F(SessionStoreTest, AFullStoreDropsTheAnonymousSessionIdleLongestAndNeverAS
   EXPECT_EQ(store_.size(), 10u);
 }
 
+// A visitor who has drawn a verify code is about to sign in with it: a flood of anonymous
+// sessions does not push that session out while the code is fresh.
+TEST_F(SessionStoreTest, ASessionWithAFreshVerifyCodeIsDroppedLast) {
+  std::string waiting = Add();
+  store_.CodeDrawn(waiting);
+  for (int i = 0; i < 100; ++i) Add();  // a second each: the code stays fresh
+  EXPECT_NE(store_.Find(waiting), nullptr);
+  now_ += SessionStore::kFreshCode + std::chrono::minutes(1);
+  store_.Find(waiting);  // still in use, but its code is stale
+  for (int i = 0; i < 100; ++i) Add();
+  EXPECT_EQ(store_.Find(waiting), nullptr);
+}
+
 }  // namespace
 }  // namespace ostrakan::engine

@@ -11,6 +11,7 @@
 #include "frame/error_log.h"
 #include "frame/site_page.h"
 #include "http/http_client.h"
+#include "platform/http/fetcher.h"
 #include "platform/text/codepage.h"
 #include "support/page_harness.h"
 
@@ -65,6 +66,13 @@ class TestPage : public SitePage {
       a.Unlock();
       CurrentResponse().Write(u"visit " + CStr(n));
     });
+    // Fetches Request("url") with the default fetcher, as a gathering page does.
+    Block(u"Fetch", [] {
+      http::FetchResult r =
+          http::DefaultFetcher()->Get(ToUtf8(TextOf(CurrentRequest().Item(u"url"))));
+      CurrentResponse().Write(r.completed ? u"fetched " + FromUtf8(std::to_string(r.status))
+                                          : u"not fetched: " + FromUtf8(r.error));
+    });
     Block(u"Crash", [] { throw std::runtime_error("boom: escaped the component"); });
     Block(u"GuardedCrash", [this] {
       Guard(u"GuardedCrash", [] { throw std::runtime_error("kept inside the component"); });
@@ -98,7 +106,8 @@ class EngineTest : public ::testing::Test {
               u"id=[<%= Request(\"id\") %>] m=[<%= Request.ServerVariables(\"REQUEST_METHOD\") %>] "
               u"url=[<%= Request.ServerVariables(\"URL\") %>] "
               u"ua=[<%= Request.ServerVariables(\"HTTP_USER_AGENT\") %>] "
-              u"x=[<%= Request.ServerVariables(\"HTTP_X_TEST\") %>]");
+              u"x=[<%= Request.ServerVariables(\"HTTP_X_TEST\") %>] "
+              u"ip=[<%= Request.ServerVariables(\"REMOTE_ADDR\") %>]");
     const char16_t* head = u"<%@ Component=\"Test.Page\" %><% InitFunction1 %>";
     WriteAnsi(root_ / "admin/session.asp", head + std::u16string(u"<% Count %>"));
     WriteAnsi(root_ / "admin/signin.asp", head + std::u16string(u"<% SignIn %>in"));
@@ -106,6 +115,8 @@ class EngineTest : public ::testing::Test {
     WriteAnsi(root_ / "admin/end.asp", head + std::u16string(u"before <% Stop %> after"));
     WriteAnsi(root_ / "admin/redirect.asp", head + std::u16string(u"<% Redirect %>"));
     WriteAnsi(root_ / "admin/header.asp", head + std::u16string(u"<% Header %>body"));
+    WriteAnsi(root_ / "admin/fetch.asp", head + std::u16string(u"<% Fetch %>"));
+    WriteAnsi(root_ / "admin/login.asp", head + std::u16string(u"sign in"));
     WriteAnsi(root_ / "admin/deep.asp", head + std::u16string(u"<% DeepStack %>"));
     WriteAnsi(root_ / "admin/crash.asp", head + std::u16string(u"\n\n<% Crash %>"));
     WriteAnsi(root_ / "admin/guarded.asp", head + std::u16string(u"a<% GuardedCrash %>b"));

@@ -9,13 +9,13 @@ namespace {
 class MalformedRequests : public EngineTest {
  protected:
   // Sends `request` followed by a well-formed request that must not be answered.
-  void ExpectRefusedAndClosed(const std::string& request) {
+  void ExpectRefusedAndClosed(const std::string& request, int status = 400) {
     RawConnection c(server_->port());
     ASSERT_TRUE(c.connected());
     c.Send(request + "GET /admin/css/a.css HTTP/1.1\r\nHost: a\r\n\r\n");
     bool closed = false;
     std::string answer = c.ReadAll(closed);
-    EXPECT_TRUE(answer.starts_with("HTTP/1.1 400 ")) << answer;
+    EXPECT_TRUE(answer.starts_with("HTTP/1.1 " + std::to_string(status) + " ")) << answer;
     EXPECT_TRUE(closed) << answer;
     EXPECT_EQ(answer.find("body{}"), std::string::npos) << "the smuggled request was answered";
   }
@@ -31,6 +31,20 @@ TEST_F(MalformedRequests, AmbiguousLengthsAndBrokenChunksAreRefused) {
   ExpectRefusedAndClosed(post +
                          "Transfer-Encoding: chunked\r\n\r\nFFFFFFFFFFFFFFFF\r\nf=a\r\n0\r\n\r\n");
   ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost: a\r\nHost: b\r\n\r\n");
+  // A coding this server cannot undo: the body's end is unknown.
+  ExpectRefusedAndClosed(post + "Transfer-Encoding: gzip\r\n\r\nf=a", 501);
+}
+
+// Only CRLF ends a line: a proxy that took a bare LF differently would see other requests.
+TEST_F(MalformedRequests, BareLineFeedsAreRefusedInHeadsAndChunks) {
+  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\nHost: a\n\n");
+  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost: a\nX-Test: b\r\n\r\n");
+  ExpectRefusedAndClosed(
+      "POST /echo.asp HTTP/1.1\r\nHost: a\r\nTransfer-Encoding: chunked\r\n\r\n"
+      "3\r\nf=a\r\n0\n\n");
+  ExpectRefusedAndClosed(
+      "POST /echo.asp HTTP/1.1\r\nHost: a\r\nTransfer-Encoding: chunked\r\n\r\n"
+      "3\r\nf=a\r\n0\r\nGET /x HTTP/1.1\r\n\r\n");
 }
 
 TEST_F(MalformedRequests, SameLengthTwiceAndGoodChunksStillWork) {
@@ -57,6 +71,8 @@ TEST_F(MalformedRequests, BrokenHeadsAreRefusedWithTheirOwnStatus) {
   ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost a\r\n\r\n");
   ExpectRefusedAndClosed("GET * HTTP/1.1\r\nHost: a\r\n\r\n");
   ExpectRefusedAndClosed("GET ftp://a/echo.asp HTTP/1.1\r\nHost: a\r\n\r\n");
+  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nX-Test: a\r\n\r\n");  // no Host
+  ExpectRefusedAndClosed("GET /" + std::string(9000, 'a') + " HTTP/1.1\r\nHost: a\r\n\r\n", 414);
 
   RawConnection c(server_->port());
   c.Send("GET / HTTP/2.0\r\nHost: a\r\n\r\n");
@@ -75,7 +91,7 @@ TEST_F(MalformedRequests, AbsoluteFormAndAsteriskRequestsAreAnswered) {
   c.Send(
       "GET http://elsewhere.example:81/echo.asp?q=1 HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n"
       "OPTIONS * HTTP/1.1\r\nHost: a\r\n\r\n"
-      "GET HTTP://a/admin/css/a.css HTTP/1.1\r\nConnection: close\r\n\r\n");
+      "GET HTTP://a/admin/css/a.css HTTP/1.1\r\nHost: b\r\nConnection: close\r\n\r\n");
   bool closed = false;
   std::string answer = c.ReadAll(closed);
   EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 ")) << answer;

@@ -84,6 +84,14 @@ TEST_F(Requests, ServesStaticFilesWithTypesAndRevalidation) {
   EXPECT_EQ(client().Get("/admin/css/a%20b.css").body, "p{}");
   EXPECT_EQ(client().Send("PUT", "/admin/css/a.css").status, 405);
   EXPECT_EQ(client().Send("DELETE", "/echo.asp").status, 405);
+
+  // A file larger than one piece of the server's reads arrives whole and in order.
+  std::string big;
+  for (int i = 0; big.size() < 300000; ++i) big += std::to_string(i) + "\n";
+  std::ofstream(root_ / "admin/css/big.css", std::ios::binary) << big;
+  r = client().Get("/admin/css/big.css");
+  EXPECT_EQ(r.body.size(), big.size());
+  EXPECT_TRUE(r.body == big);
 }
 
 TEST_F(Requests, NeverServesSettingsDataDatabasesOrAnythingOutsideTheRoot) {

@@ -2,6 +2,7 @@
 
 #include <mutex>
 
+#include "platform/http/fetch_stop.h"
 #include "platform/http/fetcher.h"
 #include "platform/text/codepage.h"
 
@@ -29,6 +30,12 @@ size_t Receive(char* data, size_t size, size_t count, void* user) {
   return n;
 }
 
+// libcurl calls this about once a second while a transfer runs, even when nothing arrives:
+// a non-zero answer aborts the transfer.
+int WatchStop(void*, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+  return StopSignalled() ? 1 : 0;
+}
+
 class CurlFetcher : public Fetcher {
  public:
   explicit CurlFetcher(FetchLimits limits) : limits_(limits) {
@@ -38,6 +45,10 @@ class CurlFetcher : public Fetcher {
 
   FetchResult Get(const std::string& address) override {
     FetchResult result;
+    if (StopSignalled()) {
+      result.error = "the server is stopping";
+      return result;
+    }
     CURL* curl = curl_easy_init();
     if (!curl) {
       result.error = "cannot start a transfer";
@@ -61,14 +72,17 @@ class CurlFetcher : public Fetcher {
     curl_easy_setopt(curl, CURLOPT_NOPROXY, "127.0.0.1,localhost,::1");
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, Receive);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &sink);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, WatchStop);
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
     CURLcode code = curl_easy_perform(curl);
     if (code == CURLE_OK) {
       curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &result.status);
       result.completed = true;
     } else {
       result.body.clear();
-      result.error =
-          sink.tooLarge ? "the answer is larger than the limit" : curl_easy_strerror(code);
+      result.error = sink.tooLarge                       ? "the answer is larger than the limit"
+                     : code == CURLE_ABORTED_BY_CALLBACK ? "the server is stopping"
+                                                         : curl_easy_strerror(code);
     }
     curl_easy_cleanup(curl);
     return result;

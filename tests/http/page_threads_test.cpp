@@ -1,0 +1,79 @@
+// Pages run on a bounded pool of page threads: what happens when every one of them waits on a
+// slow remote site (a gathering page), and when the server stops while one does.
+#include <future>
+
+#include "http/engine_fixture.h"
+#include "http/raw_connection.h"
+#include "support/remote_site.h"
+
+namespace ostrakan::testing {
+namespace {
+
+class PageThreads : public EngineTest {
+ protected:
+  // One page thread for every page and one for the quick ones; a page waits half a second.
+  std::unique_ptr<engine::HttpServer> StartServer() {
+    engine::ServerOptions options;
+    options.siteRoot = root_;
+    options.listen = "127.0.0.1:0";
+    options.threads = 1;
+    options.quickThreads = 1;
+    options.pageWaitMs = 500;
+    options.requestTimeoutMs = 60000;  // nothing below ends for a time-out
+    options.keepAliveTimeoutMs = 60000;
+    options.createComponent = [](std::u16string_view) { return std::make_shared<TestPage>(); };
+    return std::make_unique<engine::HttpServer>(options);
+  }
+
+  // Starts a page that fetches from the remote site, which answers only when it closes, and
+  // waits until the fetch has reached it.
+  std::future<HttpReply> StartSlowPage(int port) {
+    remote_.Set("/slow", RemoteReply(200, "late").Delay(120000));
+    std::string path = "/admin/fetch.asp?url=" + remote_.Url("/slow");
+    auto reply =
+        std::async(std::launch::async, [port, path] { return HttpClient(port).Get(path); });
+    for (int i = 0; i < 1000 && remote_.Requests().empty(); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_FALSE(remote_.Requests().empty()) << "the page did not start its fetch";
+    return reply;
+  }
+
+  RemoteSite remote_;
+};
+
+TEST_F(PageThreads, BusyPageThreadsAnswer503WhileQuickPagesAndFilesStillAnswer) {
+  auto server = StartServer();
+  auto slow = StartSlowPage(server->port());
+  HttpClient c(server->port());
+
+  HttpReply busy = c.Get("/admin/session.asp");
+  EXPECT_EQ(busy.status, 503) << busy.body;
+  EXPECT_FALSE(busy.Header("retry-after").empty());
+
+  // The sign-in page has a lane of its own; files need no page thread at all.
+  EXPECT_EQ(c.Get("/admin/login.asp").body, "sign in");
+  EXPECT_EQ(c.Get("/admin/css/a.css").body, "body{}");
+
+  server.reset();
+  EXPECT_EQ(slow.get().status, 200);
+}
+
+// Stopping closes idle connections at once and cancels the fetch a page waits on through the
+// fetcher, so the page still answers, and says why.
+TEST_F(PageThreads, StoppingCancelsAFetchUnderWayAndClosesIdleConnections) {
+  auto server = StartServer();
+  RawConnection idle(server->port());
+  ASSERT_TRUE(idle.connected());
+  auto slow = StartSlowPage(server->port());
+
+  server.reset();
+  HttpReply r = slow.get();
+  EXPECT_EQ(r.status, 200) << r.error;
+  EXPECT_EQ(r.body, "not fetched: the server is stopping");
+  bool closed = false;
+  EXPECT_EQ(idle.ReadAll(closed), "");
+  EXPECT_TRUE(closed);
+}
+
+}  // namespace
+}  // namespace ostrakan::testing
