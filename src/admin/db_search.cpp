@@ -52,8 +52,8 @@ void DbSearch::InitFunction5() {
                where.empty() ? ado::Params{} : ado::Params{Keyword}},
               // An edit or delete started from the results comes back to this search and page.
               [&] {
-                return u"db_search.asp?action=" + TextOf(action) + u"&keyword=" + TextOf(Keyword) +
-                       u"&page=" + CStr(currentPage);
+                return u"db_search.asp?action=" + UrlQuery(TextOf(action)).text() + u"&keyword=" +
+                       UrlQuery(TextOf(Keyword)).text() + u"&page=" + CStr(currentPage);
               });
   });
 }
@@ -62,8 +62,8 @@ void DbSearch::showContent() {
   Guard(u"showContent", [&] { records::WriteRecordBody(CurrentResponse(), rs, conn); });
 }
 
-std::u16string DbSearch::PagerKeys() const {
-  return u"action=" + HtmlAttr(TextOf(action)) + u"&keyword=" + HtmlAttr(TextOf(Keyword)) + u"&";
+Markup DbSearch::PagerKeys() const {
+  return u"action=" + UrlQuery(TextOf(action)) + u"&keyword=" + UrlQuery(TextOf(Keyword)) + u"&";
 }
 
 }  // namespace ostrakan::admin

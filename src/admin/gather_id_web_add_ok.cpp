@@ -9,7 +9,7 @@ GatherIdWebAddOk::GatherIdWebAddOk() : IdRuleFormOk(u"\\admin\\gather_id_web_add
 void GatherIdWebAddOk::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     StorePostedRule(Variant());
-    CurrentResponse().Write(std::u16string(kIdRuleFileFrame) +
+    CurrentResponse().Write(Markup(kIdRuleFileFrame) +
                             u"<Script>window.alert('添加成功！');location.replace('gather_id_web_"
                             u"manage.asp');</Script>");
   });

@@ -14,7 +14,7 @@ void GatherIdWebEditOk::InitFunction3() {
     id = CurrentRequest().Form(u"id");
     RequireId(id, conn);
     StorePostedRule(id);
-    CurrentResponse().Write(std::u16string(kIdRuleFileFrame) +
+    CurrentResponse().Write(Markup(kIdRuleFileFrame) +
                             u"<Script>window.alert('修改成功！');history.go(-1);</Script>");
   });
 }

@@ -9,7 +9,7 @@ GatherListWebAddOk::GatherListWebAddOk() : ListRuleFormOk(u"\\admin\\gather_list
 void GatherListWebAddOk::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     StorePostedRule(Variant());
-    CurrentResponse().Write(std::u16string(kRuleListUpdateFrame) +
+    CurrentResponse().Write(Markup(kRuleListUpdateFrame) +
                             u"<Script>window.alert('添加成功！');location.replace("
                             u"'gather_list_web_manage.asp');</Script>");
   });

@@ -14,7 +14,7 @@ void GatherListWebEditOk::InitFunction3() {
     id = CurrentRequest().Item(u"id");
     RequireId(id, conn);
     StorePostedRule(id);
-    CurrentResponse().Write(std::u16string(kRuleListUpdateFrame) +
+    CurrentResponse().Write(Markup(kRuleListUpdateFrame) +
                             u"<Script>window.alert('修改成功！');history.go(-1);</Script>");
   });
 }

@@ -13,7 +13,7 @@ void DeleteOne(Response& response, Variant& conn, std::u16string_view table, con
     CloseAndRelease(conn);
     WriteAndEnd(response, u"非法ID参数");
   }
-  Execute(conn, u"delete from " + std::u16string(table) + u" where id=" + TextOf(id));
+  Execute(conn, u"delete from " + std::u16string(table) + u" where id=?", {IdNumber(id)});
 }
 
 }  // namespace
@@ -33,11 +33,9 @@ void DeleteRows(Response& response, Variant& conn, std::u16string_view table, co
   CloseAndRelease(conn);
 }
 
-std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message,
-                                  const Variant& listUrl) {
-  return u"<" + std::u16string(tag) + u">window.alert('" + std::u16string(message) +
-         u"');location.replace('" + JsString(TextOf(listUrl)) + u"');</" + std::u16string(tag) +
-         u">";
+Markup ReturnToListScript(const Markup& tag, const Markup& message, const Variant& listUrl) {
+  return u"<" + tag + u">window.alert('" + message + u"');location.replace('" +
+         JsString(TextOf(listUrl)) + u"');</" + tag + u">";
 }
 
 void DeleteRequestedRow(Variant& conn, std::u16string_view table) {
@@ -50,7 +48,7 @@ void DeleteTickedRows(Variant& conn, std::u16string_view table) {
              request.queryString.All(u"id"));
 }
 
-std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message) {
+Markup ReturnToListScript(const Markup& tag, const Markup& message) {
   return ReturnToListScript(tag, message, CurrentSession().Get(u"url"));
 }
 
