@@ -11,10 +11,11 @@ class GuardedPage : public SitePage {
  protected:
   using SitePage::SitePage;
   void FirstBlock() override { PageHeaderGuard(Admin_Session); }
-  // Writes the Session variable named `name` as HTML text (the sign-in address can come from
-  // a request header).
+  // Writes the Session variable named `name` escaped for an attribute, which is safe in text
+  // too: the account page puts the name into value="...", and the sign-in address can come
+  // from a request header.
   static void WriteSessionValue(std::u16string_view name) {
-    CurrentResponse().Write(HtmlText(TextOf(CurrentSession().Get(name))));
+    CurrentResponse().Write(HtmlAttr(TextOf(CurrentSession().Get(name))));
   }
 };
 
