@@ -1,6 +1,7 @@
 #include "admin/admin_ok.h"
 
 #include "frame/data_access.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -26,8 +27,7 @@ void AdminOk::InitFunction4() {
     records.Update();
     CloseAndRelease(rs);
     CloseAndRelease(conn);
-    CurrentResponse().Write(
-        u"<Script>window.alert('修改成功！');location.replace('admin.asp');</Script>");
+    CurrentResponse().Write(AlertAndGoTo(u"修改成功！", u"admin.asp"));
   });
 }
 

@@ -1,5 +1,6 @@
 #include "admin/db_ok.h"
 
+#include "frame/page_parts.h"
 #include "frame/row_deletes.h"
 
 namespace ostrakan::admin {
@@ -23,14 +24,14 @@ void DbOk::InitFunction3() {
 void DbOk::Delete() {
   Guard(u"delete", [&] {
     DeleteRequestedRow(conn, u"db");
-    CurrentResponse().Write(ReturnToListScript(u"Script", u"删除成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"删除成功！"));
   });
 }
 
 void DbOk::alldelete() {
   Guard(u"alldelete", [&] {
     DeleteTickedRows(conn, u"db");
-    CurrentResponse().Write(ReturnToListScript(u"script", u"批量删除成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"批量删除成功！"));
   });
 }
 

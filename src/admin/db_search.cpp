@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "frame/escape.h"
+#include "frame/page_parts.h"
 #include "records/record_rows.h"
 
 namespace ostrakan::admin {
@@ -28,7 +29,7 @@ void DbSearch::InitFunction3() {
     filtration(Keyword);
     if (Equals(Keyword, Variant(u""))) {
       CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('请输入关键字！');history.go(-1);</Script>");
+      WriteAndEnd(AlertAndGoBack(u"请输入关键字！"));
     }
     action = request.QueryString(u"action");
     // Any other field leaves the condition empty: the search then lists every record. The word

@@ -1,5 +1,6 @@
 #include "admin/gather_id_web_ok.h"
 
+#include "frame/page_parts.h"
 #include "frame/row_deletes.h"
 
 namespace ostrakan::admin {
@@ -18,9 +19,7 @@ void GatherIdWebOk::InitFunction3() {
 void GatherIdWebOk::Delete() {
   Guard(u"delete", [&] {
     DeleteRequestedRow(conn, u"gather_id_web");
-    CurrentResponse().Write(
-        u"<Script>window.alert('删除成功！');location.replace('gather_id_web_manage.asp');</"
-        u"Script>");
+    CurrentResponse().Write(AlertAndGoTo(u"删除成功！", u"gather_id_web_manage.asp"));
   });
 }
 

@@ -1,5 +1,6 @@
 #include "admin/gather_list_web_ok.h"
 
+#include "frame/page_parts.h"
 #include "frame/row_deletes.h"
 
 namespace ostrakan::admin {
@@ -18,9 +19,7 @@ void GatherListWebOk::InitFunction3() {
 void GatherListWebOk::Delete() {
   Guard(u"delete", [&] {
     DeleteRequestedRow(conn, u"gather_list_web");
-    CurrentResponse().Write(
-        u"<Script>window.alert('删除成功！');location.replace('gather_list_web_manage.asp');"
-        u"</Script>");
+    CurrentResponse().Write(AlertAndGoTo(u"删除成功！", u"gather_list_web_manage.asp"));
   });
 }
 

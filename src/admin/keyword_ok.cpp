@@ -1,5 +1,6 @@
 #include "admin/keyword_ok.h"
 
+#include "frame/page_parts.h"
 #include "frame/row_deletes.h"
 
 namespace ostrakan::admin {
@@ -23,7 +24,7 @@ void KeywordOk::InitFunction3() {
 void KeywordOk::Delete() {
   Guard(u"delete", [&] {
     DeleteRequestedRow(conn, u"keyword");
-    CurrentResponse().Write(ReturnToListScript(u"Script", u"删除成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"删除成功！"));
   });
 }
 
@@ -31,7 +32,7 @@ void KeywordOk::Delete() {
 void KeywordOk::alldelete() {
   Guard(u"alldelete", [&] {
     DeleteTickedRows(conn, u"keyword");
-    CurrentResponse().Write(ReturnToListScript(u"Script", u"删除成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"删除成功！"));
   });
 }
 

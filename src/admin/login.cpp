@@ -53,10 +53,9 @@ void Login::InitFunction3() {
 
     ado::Recordset& records =
         OpenRecordset(rs, u"select * from admin where username=?", conn, 1, 1, {username});
-    if (records.Bof() && records.Eof())
-      refuse(u"<Script>window.alert('管理帐号错误！');javascript:history.back(1);</Script>");
+    if (records.Bof() && records.Eof()) refuse(AlertAndGoBack(u"管理帐号错误！"));
     if (!Equals(records.Field(u"password"), MD5(password)))
-      refuse(u"<Script>window.alert('管理密码错误！');javascript:history.back(1);</Script>");
+      refuse(AlertAndGoBack(u"管理密码错误！"));
 
     id = records.Field(u"id");
     session.Set(TextOf(Admin_Session), records.Field(u"username"));

@@ -1,6 +1,7 @@
 #include "frame/data_access.h"
 
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan {
 
@@ -29,7 +30,7 @@ ado::Recordset& OpenRequiredRow(Variant& holder, std::u16string_view sql, Varian
   if (records.Eof() && records.Bof()) {
     CloseAndRelease(holder);
     CloseAndRelease(conn);
-    WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    WriteAndEnd(AlertAndGoBack(u"该记录不存在或错误！"));
   }
   return records;
 }

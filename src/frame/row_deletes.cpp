@@ -3,6 +3,7 @@
 #include "frame/data_access.h"
 #include "frame/escape.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan {
 
@@ -27,15 +28,14 @@ void DeleteRows(Response& response, Variant& conn, std::u16string_view table, co
                 const std::vector<std::u16string>& ids) {
   if (Equals(first, Variant(u""))) {
     CloseAndRelease(conn);
-    WriteAndEnd(response, u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>");
+    WriteAndEnd(response, AlertAndGoBack(u"没有选择删除的纪录！"));
   }
   for (const std::u16string& value : ids) DeleteOne(response, conn, table, Variant(value));
   CloseAndRelease(conn);
 }
 
-Markup ReturnToListScript(const Markup& tag, const Markup& message, const Variant& listUrl) {
-  return u"<" + tag + u">window.alert('" + message + u"');location.replace('" +
-         JsString(TextOf(listUrl)) + u"');</" + tag + u">";
+Markup ReturnToListScript(const Markup& message, const Variant& listUrl) {
+  return AlertAndGoTo(message, TextOf(listUrl));
 }
 
 void DeleteRequestedRow(Variant& conn, std::u16string_view table) {
@@ -48,8 +48,8 @@ void DeleteTickedRows(Variant& conn, std::u16string_view table) {
              request.queryString.All(u"id"));
 }
 
-Markup ReturnToListScript(const Markup& tag, const Markup& message) {
-  return ReturnToListScript(tag, message, CurrentSession().Get(u"url"));
+Markup ReturnToListScript(const Markup& message) {
+  return ReturnToListScript(message, CurrentSession().Get(u"url"));
 }
 
 }  // namespace ostrakan

@@ -24,12 +24,12 @@ void DeleteRows(Response& response, Variant& conn, std::u16string_view table, co
 
 // The alert that reports a delete and returns to `listUrl` (the list page kept in Session
 // "url"), which is written as a script string: no address can end the script.
-Markup ReturnToListScript(const Markup& tag, const Markup& message, const Variant& listUrl);
+Markup ReturnToListScript(const Markup& message, const Variant& listUrl);
 
 // Component-side forms of the above that read QueryString "id" and Session "url" of the
 // request being served.
 void DeleteRequestedRow(Variant& conn, std::u16string_view table);
 void DeleteTickedRows(Variant& conn, std::u16string_view table);
-Markup ReturnToListScript(const Markup& tag, const Markup& message);
+Markup ReturnToListScript(const Markup& message);
 
 }  // namespace ostrakan

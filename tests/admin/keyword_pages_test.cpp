@@ -128,8 +128,7 @@ TEST_F(KeywordPages, BadIdsAreRefusedBeforeTheyReachTheDatabase) {
     EXPECT_FALSE(run.completed);
     EXPECT_EQ(run.text, kBadId);
   }
-  const std::u16string none =
-      u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>";
+  const std::u16string none = Alert(u"没有选择删除的纪录！");
   EXPECT_EQ(Ok({{u"action", u"alldel"}}), none);
   EXPECT_EQ(Ok({{u"action", u"alldel"}, {u"id", u""}}), none);
   // Values are checked one by one: those before a bad one stay deleted, those after stay.

@@ -92,8 +92,7 @@ TEST_F(RecordPages, ADeleteReturnsToTheListPageItCameFrom) {
   EXPECT_EQ(remove({{u"action", u"del"}, {u"id", u"3"}}),
             Alert(u"删除成功！", u"location.replace('db_list.asp?page=2');"));
   EXPECT_EQ(remove({{u"action", u"alldel"}, {u"id", u"1"}, {u"id", u"9"}}),
-            u"<script>window.alert('批量删除成功！');location.replace('db_list.asp?page=2');"
-            u"</script>");
+            Alert(u"批量删除成功！", u"location.replace('db_list.asp?page=2');"));
   EXPECT_EQ(remove({{u"action", u"del"}, {u"id", u"2;delete from db"}}), kBadId);
   EXPECT_EQ(Value("select group_concat(id) from db"), "2");
 }

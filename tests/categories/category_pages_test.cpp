@@ -91,7 +91,7 @@ TEST_F(SortPages, DeletesTakeFirstLevelChildrenAlongAndABatchStopsAtABadValue) {
   Ok({{u"action", u"alldel"}, {u"id", u"7"}, {u"id", u"8"}});
   EXPECT_EQ(Names(), "电视");
   EXPECT_EQ(Ok({{u"action", u"alldel"}}).text,
-            u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>");
+            u"<Script>window.alert('没有选择删除的纪录！');history.go(-1);</Script>");
   EXPECT_EQ(Ok({{u"action", u"nothing"}}).text, u"");
 }
 
