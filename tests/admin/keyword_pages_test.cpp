@@ -100,12 +100,6 @@ TEST_F(KeywordPages, ADeleteReturnsToTheFilterAndPageItCameFromInsideItsScript) 
   EXPECT_EQ(Value("select count(*) from keyword where id in (2,4,50,99)"), "0");
   EXPECT_EQ(Value("select count(*) from keyword"), "96");
 
-  // A filter that closes the script travels as an encoded address.
-  List({{u"keyword", u"</script><script>alert(1)</script>"}});
-  EXPECT_NE(Ok({{u"action", u"del"}, {u"id", u"1"}})
-                .find(u"location.replace('keyword_manage.asp?keyword=%3C%2Fscript%3E%3Cscript%3E"
-                      u"alert%281%29%3C%2Fscript%3E&page=1');</Script>"),
-            npos);
   // A Session "url" set elsewhere cannot end the script either.
   session->Set(u"url", Variant(u"x');alert(1);//</script>"));
   EXPECT_EQ(Ok({{u"action", u"del"}, {u"id", u"3"}}),
