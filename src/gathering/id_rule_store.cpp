@@ -49,7 +49,8 @@ IdRule ReadIdRule(const ado::Recordset& row) {
 }
 
 std::optional<IdRule> LoadIdRule(ado::Connection& conn, long long id) {
-  auto rs = conn.Execute(u"select * from gather_id_web where id=" + FromUtf8(std::to_string(id)));
+  auto rs =
+      conn.Execute(u"select * from gather_id_web where id=?", {Variant(static_cast<double>(id))});
   if (rs->Eof()) {
     rs->Close();
     return std::nullopt;
