@@ -114,6 +114,8 @@ TEST_F(KeywordPages, BadIdsAreRefusedBeforeTheyReachTheDatabase) {
                                            {{u"id", u"abc"}},
                                            {{u"id", u"1;delete from keyword"}},
                                            {{u"id", u"1 or 1=1"}},
+                                           {{u"id", u"&H4"}},  // numbers to the script
+                                           {{u"id", u"4e0"}},  // language, not row numbers
                                            {{u"id", u"4"}, {u"id", u"5"}},  // read as "4, 5"
                                            {}}) {
     Keys query = bad;
