@@ -30,7 +30,8 @@ class Markup {
   // A named constant of the page's own: Markup(kHead).
   explicit Markup(ConstantText constant) : text_(constant.view) {}
 
-  // The text of a page file between its script blocks: the page author's own markup.
+  // The text of a page file between its script blocks: the page author's own markup. Only the
+  // page engine calls this; anything else goes through a literal, a constant or an escaper.
   static Markup OfPageFile(std::u16string_view text) { return Markup(std::u16string(text)); }
 
   const std::u16string& text() const { return text_; }
