@@ -3,6 +3,7 @@
 #include "access/sign_in_text.h"
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -14,15 +15,14 @@ AdminOk::AdminOk() : WithMd5(u"\\admin\\admin_ok") {
   UseFiltration(FilterKind::Strict);
 }
 
-void AdminOk::RefuseUntypable(const Variant& text, std::u16string_view what) {
+void AdminOk::RefuseUntypable(const Variant& text, const Markup& what) {
   const SignInTextFault fault = SignInTextFaultOf(TextOf(text));
   if (fault == SignInTextFault::kNone) return;
   CloseAndRelease(conn);
-  WriteAndEnd(u"<Script>window.alert('" + std::u16string(what) +
-              (fault == SignInTextFault::kEmpty
-                   ? u"不能空！"
-                   : u"不能含有空格、引号、括号及 # % * + ; < > [ ] 等符号，请重新输入！") +
-              u"');history.go(-1);</Script>");
+  WriteAndEnd(AlertAndGoBack(
+      what + (fault == SignInTextFault::kEmpty
+                  ? Markup(u"不能空！")
+                  : Markup(u"不能含有空格、引号、括号及 # % * + ; < > [ ] 等符号，请重新输入！"))));
 }
 
 void AdminOk::InitFunction4() {
@@ -42,8 +42,7 @@ void AdminOk::InitFunction4() {
     records.Update();
     CloseAndRelease(rs);
     CloseAndRelease(conn);
-    CurrentResponse().Write(
-        u"<Script>window.alert('修改成功！');location.replace('admin.asp');</Script>");
+    CurrentResponse().Write(AlertAndGoTo(u"修改成功！", u"admin.asp"));
   });
 }
 

@@ -16,7 +16,7 @@ class AdminOk : public WithMd5<DatabasePage> {
 
  private:
   // Ends the page with an alert when `text` is empty or holds what sign-in removes.
-  void RefuseUntypable(const Variant& text, std::u16string_view what);
+  void RefuseUntypable(const Variant& text, const Markup& what);
 };
 
 }  // namespace ostrakan::admin

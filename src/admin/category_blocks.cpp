@@ -16,7 +16,8 @@ std::vector<Variant> RequestValues(std::u16string_view name) {
 }
 
 std::u16string SortListAddress(const Variant& sort, const Variant& sortId) {
-  return u"sort_list.asp?sort=" + UrlQuery(TextOf(sort)) + u"&sort_id=" + UrlQuery(TextOf(sortId));
+  return u"sort_list.asp?sort=" + UrlQuery(TextOf(sort)).text() + u"&sort_id=" +
+         UrlQuery(TextOf(sortId)).text();
 }
 
 void TypeMismatch() {

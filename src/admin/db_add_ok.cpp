@@ -1,4 +1,5 @@
 #include "admin/db_add_ok.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -9,8 +10,7 @@ DbAddOk::DbAddOk() : RecordFormOk(u"\\admin\\db_add_ok") {
 void DbAddOk::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     StorePostedRecord(Variant());
-    CurrentResponse().Write(
-        u"<Script>window.alert('添加成功！');location.replace('db_add.asp');</Script>");
+    CurrentResponse().Write(AlertAndGoTo(u"添加成功！", u"db_add.asp"));
   });
 }
 

@@ -1,6 +1,7 @@
 #include "admin/db_edit_ok.h"
 
 #include "frame/data_access.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -14,7 +15,7 @@ void DbEditOk::InitFunction3() {
     id = CurrentRequest().Form(u"id");
     RequireId(id, conn);
     StorePostedRecord(id);
-    CurrentResponse().Write(u"<Script>window.alert('修改成功！');history.go(-1);</Script>");
+    CurrentResponse().Write(AlertAndGoBack(u"修改成功！"));
   });
 }
 

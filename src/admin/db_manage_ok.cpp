@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "frame/escape.h"
+#include "frame/page_parts.h"
 #include "records/record_form.h"
 
 namespace ostrakan::admin {
@@ -26,7 +27,7 @@ void DbManageOk::del() {
   Guard(u"del", [&] {
     Execute(conn, u"delete from db where title is null");
     CloseAndRelease(conn);
-    CurrentResponse().Write(u"<Script>window.alert('数据删除成功！');history.go(-1);</Script>");
+    CurrentResponse().Write(AlertAndGoBack(u"数据删除成功！"));
   });
 }
 
@@ -36,7 +37,7 @@ void DbManageOk::del_url() {
     // An empty address would match every record that has a source: refuse it.
     if (url.empty()) {
       CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('请输入来源网址！');history.go(-1);</Script>");
+      WriteAndEnd(AlertAndGoBack(u"请输入来源网址！"));
     }
     // A prefix match. The address is bound and taken literally: LIKE's own signs (% _) in it
     // match only themselves.
@@ -45,8 +46,7 @@ void DbManageOk::del_url() {
       literal = ReplaceAll(literal, sign, u"\\" + std::u16string(sign));
     Execute(conn, u"delete from db where source_url like ? || '%' escape '\\'", {Variant(literal)});
     CloseAndRelease(conn);
-    CurrentResponse().Write(u"<Script>window.alert('来自" + JsString(url) +
-                            u"的数据删除成功！');history.go(-1);</Script>");
+    CurrentResponse().Write(AlertAndGoBack(u"来自" + JsString(url) + u"的数据删除成功！"));
   });
 }
 

@@ -2,16 +2,13 @@
 // ("alldel"), then returns to the list page kept in Session "url".
 #pragma once
 
-#include "frame/database_page.h"
+#include "frame/row_delete_page.h"
 
 namespace ostrakan::admin {
 
-class DbOk : public DatabasePage {
+class DbOk : public RowDeletePage {
  public:
   DbOk();
-  void InitFunction3();
-  void Delete();  // the page's method "delete"
-  void alldelete();
 };
 
 }  // namespace ostrakan::admin

@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "frame/escape.h"
+#include "frame/page_parts.h"
 #include "records/record_rows.h"
 
 namespace ostrakan::admin {
@@ -28,7 +29,7 @@ void DbSearch::InitFunction3() {
     filtration(Keyword);
     if (Equals(Keyword, Variant(u""))) {
       CloseAndRelease(conn);
-      WriteAndEnd(u"<Script>window.alert('请输入关键字！');history.go(-1);</Script>");
+      WriteAndEnd(AlertAndGoBack(u"请输入关键字！"));
     }
     action = request.QueryString(u"action");
     // Any other field leaves the condition empty: the search then lists every record. The word
@@ -52,8 +53,8 @@ void DbSearch::InitFunction5() {
                where.empty() ? ado::Params{} : ado::Params{Keyword}},
               // An edit or delete started from the results comes back to this search and page.
               [&] {
-                return u"db_search.asp?action=" + TextOf(action) + u"&keyword=" + TextOf(Keyword) +
-                       u"&page=" + CStr(currentPage);
+                return u"db_search.asp?action=" + UrlQuery(TextOf(action)).text() + u"&keyword=" +
+                       UrlQuery(TextOf(Keyword)).text() + u"&page=" + CStr(currentPage);
               });
   });
 }
@@ -62,8 +63,8 @@ void DbSearch::showContent() {
   Guard(u"showContent", [&] { records::WriteRecordBody(CurrentResponse(), rs, conn); });
 }
 
-std::u16string DbSearch::PagerKeys() const {
-  return u"action=" + HtmlAttr(TextOf(action)) + u"&keyword=" + HtmlAttr(TextOf(Keyword)) + u"&";
+Markup DbSearch::PagerKeys() const {
+  return u"action=" + UrlQuery(TextOf(action)) + u"&keyword=" + UrlQuery(TextOf(Keyword)) + u"&";
 }
 
 }  // namespace ostrakan::admin

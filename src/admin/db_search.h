@@ -17,7 +17,7 @@ class DbSearch : public PagedList {
   void showContent() override;
 
  protected:
-  std::u16string PagerKeys() const override;
+  Markup PagerKeys() const override;
 
  private:
   bool searching_ = false;  // a search was asked for and accepted by InitFunction3

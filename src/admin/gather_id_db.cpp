@@ -16,9 +16,7 @@ GatherIdDb::GatherIdDb() : DatabasePage(u"\\admin\\gather_id_db") {
 
 void GatherIdDb::InitFunction3() {
   Guard(u"InitFunction3", [&] {
-    RequireId(id, conn);
-    ado::Recordset& records =
-        OpenRequiredRow(rs, u"select id,web from gather_id_web where id=" + TextOf(id), conn);
+    ado::Recordset& records = OpenRowById(rs, u"id,web", u"gather_id_web", id, conn);
     web = records.Field(u"web");
     CloseAndRelease(rs);
     CloseAndRelease(conn);

@@ -3,6 +3,7 @@
 #include "frame/data_access.h"
 #include "frame/escape.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 #include "gathering/id_run.h"
 
 namespace ostrakan::admin {
@@ -21,7 +22,7 @@ GatherIdDbOk::GatherIdDbOk() : IdRulePage(u"\\admin\\gather_id_db_ok") {
 void GatherIdDbOk::WriteRange(const std::u16string& range) {
   if (!IsValidId(id)) throw ScriptError(-2147217900, u"Syntax error in UPDATE statement.");
   ado::Recordset& rule =
-      OpenRecordset(rs, u"select * from gather_id_web where id=" + TextOf(id), conn, 1, 3);
+      OpenRecordset(rs, u"select * from gather_id_web where id=?", conn, 1, 3, {IdNumber(id)});
   if (!rule.Eof()) {
     rule.SetField(u"range", Variant(range));
     rule.Update();
@@ -45,8 +46,8 @@ void GatherIdDbOk::FirstBlock() {
   if (step.idEnd == step.idStart) {
     WriteRange(gathering::CompletedRange(step));
     CloseAndRelease(conn);
-    out.Write(u"<Script>window.alert('采集完成！');location.replace('gather_list_db.asp?ID=" +
-              JsString(UrlQuery(step.ruleId)) + u"');</Script>");
+    out.Write(
+        AlertAndGoTo(u"采集完成！", u"gather_list_db.asp?ID=" + UrlQuery(step.ruleId).text()));
     // The step goes on for this last ID without a connection: its store fails (logged), so
     // the last ID of a range is fetched but never stored, and no next step is loaded.
   }

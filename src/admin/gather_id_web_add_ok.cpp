@@ -1,4 +1,5 @@
 #include "admin/gather_id_web_add_ok.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -9,9 +10,8 @@ GatherIdWebAddOk::GatherIdWebAddOk() : IdRuleFormOk(u"\\admin\\gather_id_web_add
 void GatherIdWebAddOk::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     StorePostedRule(Variant());
-    CurrentResponse().Write(std::u16string(kIdRuleFileFrame) +
-                            u"<Script>window.alert('添加成功！');location.replace('gather_id_web_"
-                            u"manage.asp');</Script>");
+    CurrentResponse().Write(Markup(kIdRuleFileFrame) +
+                            AlertAndGoTo(u"添加成功！", u"gather_id_web_manage.asp"));
   });
 }
 

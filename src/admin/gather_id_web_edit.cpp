@@ -16,9 +16,7 @@ GatherIdWebEdit::GatherIdWebEdit() : DatabasePage(u"\\admin\\gather_id_web_edit"
 void GatherIdWebEdit::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     id = CurrentRequest().QueryString(u"id");
-    RequireId(id, conn);
-    ado::Recordset& records =
-        OpenRequiredRow(rs, u"select * from gather_id_web where id=" + TextOf(id), conn);
+    ado::Recordset& records = OpenRowById(rs, u"*", u"gather_id_web", id, conn);
     gathering::IdRule rule = gathering::ReadIdRule(records);
     for (std::u16string* marker : {&rule.error_html, &rule.title_start, &rule.title_end,
                                    &rule.content_start, &rule.content_end}) {

@@ -1,6 +1,7 @@
 #include "admin/gather_id_web_edit_ok.h"
 
 #include "frame/data_access.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -14,8 +15,7 @@ void GatherIdWebEditOk::InitFunction3() {
     id = CurrentRequest().Form(u"id");
     RequireId(id, conn);
     StorePostedRule(id);
-    CurrentResponse().Write(std::u16string(kIdRuleFileFrame) +
-                            u"<Script>window.alert('修改成功！');history.go(-1);</Script>");
+    CurrentResponse().Write(Markup(kIdRuleFileFrame) + AlertAndGoBack(u"修改成功！"));
   });
 }
 

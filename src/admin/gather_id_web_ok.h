@@ -2,15 +2,13 @@
 // rule list. The rule file keeps the deleted rule until the next add or edit rebuilds it.
 #pragma once
 
-#include "frame/database_page.h"
+#include "frame/row_delete_page.h"
 
 namespace ostrakan::admin {
 
-class GatherIdWebOk : public DatabasePage {
+class GatherIdWebOk : public RowDeletePage {
  public:
   GatherIdWebOk();
-  void InitFunction3();
-  void Delete();  // the page's method "delete"
 };
 
 }  // namespace ostrakan::admin

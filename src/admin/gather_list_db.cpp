@@ -21,9 +21,7 @@ GatherListDb::GatherListDb() : DatabasePage(u"\\admin\\gather_list_db") {
 void GatherListDb::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     Variant requested = CurrentRequest().QueryString(u"id");
-    RequireId(requested, conn);
-    ado::Recordset& rule = OpenRequiredRow(
-        rs, u"select id,web from gather_list_web where id=" + TextOf(requested), conn);
+    ado::Recordset& rule = OpenRowById(rs, u"id,web", u"gather_list_web", requested, conn);
     id = rule.Field(u"id");
     web = rule.Field(u"web");
     CloseAndRelease(rs);

@@ -3,6 +3,7 @@
 #include "frame/data_access.h"
 #include "frame/escape.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 #include "gathering/record_store.h"
 
 namespace ostrakan::admin {
@@ -64,15 +65,14 @@ void GatherListDbOk::FirstBlock() {
   RequireRule(id, [this] { CloseAndRelease(conn); });
   ReadRunInputs();
   Response& response = CurrentResponse();
-  const std::u16string ruleId = TextOf(id);
+  const Markup ruleId = UrlQuery(TextOf(id));
   const double start = CDbl(Page_Start), end = CDbl(Page_End);
   if (start == end) {
     CloseAndRelease(conn);
-    response.Write(u"<Script>window.alert('采集完成！');location.replace('gather_list_db.asp?ID=" +
-                   ruleId + u"');</Script>");
+    response.Write(AlertAndGoTo(u"采集完成！", u"gather_list_db.asp?ID=" + ruleId.text()));
   }
   response.Write(u"正在采集第 " + HtmlText(TextOf(Page_Start)) + u" 页<br>");
-  response.Write(u"还乘余 " + CStr(Variant(end - start)) + u" 页等待处理...");
+  response.Write(u"还乘余 " + HtmlText(CStr(Variant(end - start))) + u" 页等待处理...");
   gathering::ListExtractor extractor(Rule());
   const long page = CLng(Page_Start);
   G_Url = gathering::PageAddress(extractor.rule(), TextOf(Word), page);
@@ -85,9 +85,9 @@ void GatherListDbOk::FirstBlock() {
   response.Write(
       u"<Script Language='JavaScript'>function Next_Page(){window.opener=null;location.replace("
       u"'gather_list_db_ok.asp?ID=" +
-      ruleId + u"&Keyword=" + JsString(UrlQuery(TextOf(Keyword))) + u"&Page_Start=" +
-      CStr(Variant(static_cast<double>(page + 1))) + u"&Page_End=" +
-      JsString(UrlQuery(TextOf(Page_End))) + u"');}setTimeout('Next_Page()',1000)</Script>");
+      ruleId + u"&Keyword=" + UrlQuery(TextOf(Keyword)) + u"&Page_Start=" +
+      UrlQuery(CStr(Variant(static_cast<double>(page + 1)))) + u"&Page_End=" +
+      UrlQuery(TextOf(Page_End)) + u"');}setTimeout('Next_Page()',1000)</Script>");
 }
 
 }  // namespace ostrakan::admin

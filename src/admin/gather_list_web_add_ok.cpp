@@ -1,4 +1,5 @@
 #include "admin/gather_list_web_add_ok.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -9,9 +10,8 @@ GatherListWebAddOk::GatherListWebAddOk() : ListRuleFormOk(u"\\admin\\gather_list
 void GatherListWebAddOk::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     StorePostedRule(Variant());
-    CurrentResponse().Write(std::u16string(kRuleListUpdateFrame) +
-                            u"<Script>window.alert('添加成功！');location.replace("
-                            u"'gather_list_web_manage.asp');</Script>");
+    CurrentResponse().Write(Markup(kRuleListUpdateFrame) +
+                            AlertAndGoTo(u"添加成功！", u"gather_list_web_manage.asp"));
   });
 }
 

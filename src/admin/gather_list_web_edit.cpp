@@ -15,15 +15,13 @@ GatherListWebEdit::GatherListWebEdit() : DatabasePage(u"\\admin\\gather_list_web
 void GatherListWebEdit::InitFunction3() {
   Guard(u"InitFunction3", [&] {
     id = CurrentRequest().QueryString(u"id");
-    RequireId(id, conn);
-    ado::Recordset& rules =
-        OpenRequiredRow(rs, u"select * from gather_list_web where id=" + TextOf(id), conn);
+    ado::Recordset& rules = OpenRowById(rs, u"*", u"gather_list_web", id, conn);
     gathering::ListRule values;
     for (const auto& f : gathering::ListRuleFields()) {
       Variant v = rules.Field(f.column);
       values.*f.member = TextOf(filtration(v));
     }
-    const std::u16string page = ListRuleEditPage(TextOf(rules.Field(u"id")), values);
+    const Markup page = ListRuleEditPage(TextOf(rules.Field(u"id")), values);
     CloseAndRelease(rs);
     CloseAndRelease(conn);
     CurrentResponse().Write(page);

@@ -1,51 +1,34 @@
 #include "admin/gather_list_web_form.h"
 
 #include "frame/escape.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 namespace {
 
-constexpr std::u16string_view kHead =
-    u"<html>\r\n<head>\r\n"
-    u"<meta http-equiv=\"Content-Type\" content=\"text/html; charset=gb2312\">\r\n"
-    u"<title>采集信息管理 - 列表采集网站修改</title>\r\n"
-    u"<link rel=\"stylesheet\" href=\"css/style.css\" type=\"text/css\">\r\n"
-    u"<script type=\"text/javascript\">\r\n"
-    u"function check() {\r\n"
-    u"  var f = document.forms['form'].elements;\r\n"
-    u"  var need = [['web','请输入网站名称！'],['url','请输入网站网址！'],"
-    u"['gather_url','请输入采集网址！'],['next_page','请输入翻页进制！'],"
-    u"['error_html','请输入报错HTML标识！'],['cyc_border','请输入循环标识！'],"
-    u"['cyc_border_sn','请输入循环始数！'],['url_start','请输入网址开始HTML标识！'],"
-    u"['url_end','请输入网址结束HTML标识！'],['title_start','请输入标题开始HTML标识！'],"
-    u"['title_end','请输入标题结束HTML标识！']];\r\n"
-    u"  for (var i = 0; i < need.length; i++) {\r\n"
-    u"    if (f[need[i][0]].value == '') { alert(need[i][1]); f[need[i][0]].focus(); "
-    u"return false; }\r\n"
-    u"  }\r\n"
-    u"  return true;\r\n"
-    u"}\r\n"
-    u"</script>\r\n"
-    u"</head>\r\n"
-    u"<body class=\"content\">\r\n"
-    u"<h3>采集信息管理 - 列表采集网站修改</h3>\r\n"
-    u"<form name=\"form\" id=\"form\" method=\"post\" action=\"gather_list_web_edit_ok.asp\" "
-    u"onsubmit=\"return check()\">\r\n"
-    u"<table class=\"form\">\r\n";
-
-constexpr std::u16string_view kFoot =
-    u"</table>\r\n</form>\r\n"
-    u"<p class=\"footer\">Ostrakan 视频搜索管理系统 &copy; Pellumar</p>\r\n"
-    u"</body>\r\n</html>\r\n";
-
-struct Row {
-  const char16_t* name;
-  const char16_t* label;
-  enum { Text, Short, Area, Charset } kind;
-  const char16_t* hint;
+// The browser's check: each required field in form order.
+const FieldCheck kChecks[] = {
+    {u"web", u"value == ''", u"请输入网站名称！"},
+    {u"url", u"value == ''", u"请输入网站网址！"},
+    {u"gather_url", u"value == ''", u"请输入采集网址！"},
+    {u"next_page", u"value == ''", u"请输入翻页进制！"},
+    {u"error_html", u"value == ''", u"请输入报错HTML标识！"},
+    {u"cyc_border", u"value == ''", u"请输入循环标识！"},
+    {u"cyc_border_sn", u"value == ''", u"请输入循环始数！"},
+    {u"url_start", u"value == ''", u"请输入网址开始HTML标识！"},
+    {u"url_end", u"value == ''", u"请输入网址结束HTML标识！"},
+    {u"title_start", u"value == ''", u"请输入标题开始HTML标识！"},
+    {u"title_end", u"value == ''", u"请输入标题结束HTML标识！"},
 };
 
-constexpr Row kRows[] = {
+struct Row {
+  std::u16string_view column;
+  Markup label;
+  enum { Text, Short, Area, Charset } kind;
+  Markup hint;
+};
+
+const Row kRows[] = {
     {u"web", u"网站名称：", Row::Text, u""},
     {u"url", u"网站网址：", Row::Text, u""},
     {u"gather_url", u"采集网址：", Row::Text, u"关键字用 [keyword]，页码用 [page]"},
@@ -68,35 +51,22 @@ constexpr Row kRows[] = {
     {u"content_filtration", u"描述过滤：", Row::Area, u"用逗号分隔，小写"},
 };
 
-std::u16string CharsetSelect(std::u16string_view value) {
-  static constexpr std::pair<const char16_t*, const char16_t*> options[] = {
-      {u"utf-8", u"国际编码(UTF-8)"},
-      {u"gb2312", u"简体中文(GB2312)"},
-      {u"big5", u"繁体中文(Big5)"},
-      {u"iso-8859-1", u"西欧"}};
-  std::u16string out = u"<select name=\"charset\">";
-  for (auto [v, label] : options) {
-    out += u"<option value=\"" + std::u16string(v) + u"\"";
-    if (IEquals(value, v)) out += u" selected";
-    out += u">" + std::u16string(label) + u"</option>";
-  }
-  return out + u"</select>";
-}
-
 }  // namespace
 
-std::u16string ListRuleEditPage(std::u16string_view id, const gathering::ListRule& values) {
-  std::u16string page(kHead);
+Markup ListRuleEditPage(std::u16string_view id, const gathering::ListRule& values) {
+  Markup page =
+      FormPageHead(u"采集信息管理 - 列表采集网站修改", kChecks, u"gather_list_web_edit_ok.asp");
   for (const Row& row : kRows) {
     std::u16string value;
     for (const auto& f : gathering::ListRuleFields())
-      if (std::u16string_view(f.column) == row.name) value = values.*f.member;
-    page += u"<tr><th>" + std::u16string(row.label) + u"</th><td>";
-    std::u16string name(row.name);
+      if (std::u16string_view(f.column) == row.column) value = values.*f.member;
+    page += u"<tr><th>" + row.label + u"</th><td>";
+    const Markup name = HtmlAttr(row.column);
     switch (row.kind) {
       case Row::Text:
         page += u"<input type=\"text\" name=\"" + name + u"\" size=\"" +
-                (name == u"v_url" ? u"60" : u"70") + u"\" value=\"" + HtmlAttr(value) + u"\">";
+                (row.column == u"v_url" ? Markup(u"60") : Markup(u"70")) + u"\" value=\"" +
+                HtmlAttr(value) + u"\">";
         break;
       case Row::Short:
         page += u"<input type=\"text\" name=\"" + name + u"\" size=\"5\" maxlength=\"5\" value=\"" +
@@ -110,13 +80,13 @@ std::u16string ListRuleEditPage(std::u16string_view id, const gathering::ListRul
         page += CharsetSelect(value);
         break;
     }
-    if (*row.hint) page += u" <span class=\"hint\">" + std::u16string(row.hint) + u"</span>";
+    if (!row.hint.empty()) page += u" <span class=\"hint\">" + row.hint + u"</span>";
     page += u"</td></tr>\r\n";
   }
   page += u"<tr><th></th><td><input type=\"hidden\" name=\"id\" value=\"" + HtmlAttr(id) +
           u"\"><input type=\"submit\" value=\"确定\" class=\"button\"> "
           u"<input type=\"reset\" value=\"重写\" class=\"button\"></td></tr>\r\n";
-  return page + std::u16string(kFoot);
+  return page + FormPageFoot();
 }
 
 }  // namespace ostrakan::admin

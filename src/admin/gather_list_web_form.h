@@ -13,7 +13,7 @@ namespace ostrakan::admin {
 
 // The whole edit page for the rule `id` with its stored values shown as the form would send
 // them back (doubled quotes un-doubled, then escaped for the field).
-std::u16string ListRuleEditPage(std::u16string_view id, const gathering::ListRule& values);
+Markup ListRuleEditPage(std::u16string_view id, const gathering::ListRule& values);
 
 }  // namespace ostrakan::admin
 
@@ -41,7 +41,7 @@ class ListRuleFormOk : public DatabasePage {
 void RegenerateRuleList(const Variant& conn);
 
 // The frame that regenerates the rule list, as the add and edit pages write it.
-inline constexpr std::u16string_view kRuleListUpdateFrame =
+inline constexpr char16_t kRuleListUpdateFrame[] =
     u"<iframe name=\"gather_list_web_update\" frameborder=\"0\" width=\"100%\" height=\"25\" "
     u"scrolling=\"no\" src=\"gather_list_web_update.asp\"></iframe>";
 

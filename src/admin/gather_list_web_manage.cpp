@@ -17,11 +17,11 @@ void GatherListWebManage::InitFunction4() {
   Guard(u"InitFunction4", [&] {
     ado::Recordset& rules =
         OpenRecordset(rs, u"select id,web from gather_list_web order by id desc", conn);
-    std::u16string out;
+    Markup out;
     for (; !rules.Eof(); rules.MoveNext()) {
       id = rules.Field(u"id");
       web = rules.Field(u"web");
-      const std::u16string n = TextOf(id);
+      const Markup n = UrlQuery(TextOf(id));
       out += u"<tr><td>" + HtmlText(TextOf(web)) +
              u"</td><td><span class=\"action\" onclick=\"window.open("
              u"'gather_list_web_verify.asp?id=" +

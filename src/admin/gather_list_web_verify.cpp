@@ -30,7 +30,7 @@ void GatherListWebVerify::FirstBlock() {
     G_Url = gathering::PageAddress(extractor.rule(), TextOf(Word), p);
     Html = GetHTTPPage(G_Url);
     auto outcome = extractor.Cut(TextOf(Html), [&](const gathering::ListEntry& e) {
-      std::u16string out;
+      Markup out;
       if (!e.image.empty())
         out += u"<img src='http://" + HtmlAttr(e.image) +
                u"' width='120' height='90' onerror=\"src='../image/image.gif'\"><br>";

@@ -8,7 +8,7 @@ namespace ostrakan::admin {
 
 namespace {
 
-[[noreturn]] void NotFound(std::u16string_view message) {
+[[noreturn]] void NotFound(const Markup& message) {
   CurrentResponse().Status = u"404 Not Found";
   WriteAndEnd(message);
 }

@@ -21,7 +21,7 @@ class IdRuleFormOk : public DatabasePage {
 };
 
 // The hidden frame that rebuilds the rule file once a rule is stored.
-constexpr std::u16string_view kIdRuleFileFrame =
+inline constexpr char16_t kIdRuleFileFrame[] =
     u"<iframe name=\"gather_id_web_update\" frameborder=\"0\" width=\"100%\" height=\"25\" "
     u"scrolling=\"no\" src=\"gather_id_web_update.asp\"></iframe>";
 

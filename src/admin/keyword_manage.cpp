@@ -40,8 +40,8 @@ void KeywordManage::InitFunction5() {
                Equals(Keyword, Variant(u"")) ? ado::Params{} : ado::Params{Keyword}},
               // The deletes come back here, to the same filter and page.
               [&] {
-                return u"keyword_manage.asp?keyword=" + UrlQuery(TextOf(Keyword)) + u"&page=" +
-                       CStr(currentPage);
+                return u"keyword_manage.asp?keyword=" + UrlQuery(TextOf(Keyword)).text() +
+                       u"&page=" + CStr(currentPage);
               });
   });
 }
@@ -57,8 +57,8 @@ void KeywordManage::showContent() {
   });
 }
 
-std::u16string KeywordManage::PagerKeys() const {
-  return u"keyword=" + HtmlAttr(TextOf(Keyword)) + u"&";
+Markup KeywordManage::PagerKeys() const {
+  return u"keyword=" + UrlQuery(TextOf(Keyword)) + u"&";
 }
 
 }  // namespace ostrakan::admin

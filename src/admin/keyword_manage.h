@@ -17,7 +17,7 @@ class KeywordManage : public PagedList {
   void showContent() override;
 
  protected:
-  std::u16string PagerKeys() const override;
+  Markup PagerKeys() const override;
 };
 
 }  // namespace ostrakan::admin

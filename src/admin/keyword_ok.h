@@ -1,18 +1,15 @@
-// keyword_ok.asp (Ostrakan.Class11): deletes one keyword or the ticked ones, then returns to
-// the keyword list page kept in Session "url".
+// keyword_ok.asp (Ostrakan.Class11): deletes one keyword ("del") or the ticked ones
+// ("alldel"), then returns to the keyword list page kept in Session "url"; the batch ends with
+// the single delete's words.
 #pragma once
 
-#include "frame/database_page.h"
+#include "frame/row_delete_page.h"
 
 namespace ostrakan::admin {
 
-class KeywordOk : public DatabasePage {
+class KeywordOk : public RowDeletePage {
  public:
   KeywordOk();
-  // "action" del deletes QueryString "id"; alldel deletes every "id" value in turn.
-  void InitFunction3();
-  void Delete();  // exposed as "delete"
-  void alldelete();
 };
 
 }  // namespace ostrakan::admin

@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 #include "gathering/page_fetch.h"
 #include "platform/text/bytes_to_bstr.h"
 
@@ -101,7 +102,7 @@ void ListGatheringPage::RequireRule(const Variant& id, const std::function<void(
   }
   if (!ruleGiven_) {
     if (before) before();
-    WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    WriteAndEnd(AlertAndGoBack(u"该记录不存在或错误！"));
   }
 }
 

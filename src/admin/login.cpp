@@ -1,7 +1,9 @@
 #include "admin/login.h"
 
 #include "frame/data_access.h"
+#include "frame/escape.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 #include "platform/clock.h"
 
 namespace ostrakan::admin {
@@ -38,25 +40,21 @@ void Login::InitFunction3() {
     // picture would allow any number of password guesses.
     const Variant expectedCode = session.Take(u"verifyid");
 
-    auto refuse = [&](std::u16string_view script) {
+    auto refuse = [&](const Markup& script) {
       CloseAndRelease(rs);
       CloseAndRelease(conn);
       WriteAndEnd(script);
     };
-    if (Equals(username, Variant(u"")))
-      refuse(u"<Script>window.alert('管理帐号不能空！');history.go(-1);</Script>");
-    if (Equals(password, Variant(u"")))
-      refuse(u"<Script>window.alert('管理密码不能空！');history.go(-1);</Script>");
+    if (Equals(username, Variant(u""))) refuse(AlertAndGoBack(u"管理帐号不能空！"));
+    if (Equals(password, Variant(u""))) refuse(AlertAndGoBack(u"管理密码不能空！"));
     if (!IsNumeric(verifyid) || !Equals(verifyid, expectedCode))
-      refuse(u"<Script>window.alert('验证码错误！" + TextOf(verifyid) +
-             u"');history.go(-1);</Script>");
+      refuse(AlertAndGoBack(u"验证码错误！" + JsString(TextOf(verifyid))));
 
     ado::Recordset& records =
         OpenRecordset(rs, u"select * from admin where username=?", conn, 1, 1, {username});
-    if (records.Bof() && records.Eof())
-      refuse(u"<Script>window.alert('管理帐号错误！');javascript:history.back(1);</Script>");
+    if (records.Bof() && records.Eof()) refuse(AlertAndGoBack(u"管理帐号错误！"));
     if (!Equals(records.Field(u"password"), MD5(password)))
-      refuse(u"<Script>window.alert('管理密码错误！');javascript:history.back(1);</Script>");
+      refuse(AlertAndGoBack(u"管理密码错误！"));
 
     id = records.Field(u"id");
     session.Set(TextOf(Admin_Session), records.Field(u"username"));

@@ -41,8 +41,8 @@ class PagedList : public DatabasePage {
   // `returnUrl` gives the address kept in Session "url" once the page number is known.
   void WriteList(const ListQueries& queries, const std::function<std::u16string()>& returnUrl);
   // The query-string keys that every pager link carries before "page=", each followed by '&'
-  // and escaped for the link's attribute (the search's word and field, the keyword filter).
-  virtual std::u16string PagerKeys() const { return u""; }
+  // and escaped for a query string (the search's word and field, the keyword filter).
+  virtual Markup PagerKeys() const { return {}; }
 
  private:
   records::PagerStyle style_;

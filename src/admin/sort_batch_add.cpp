@@ -6,6 +6,7 @@
 #include "frame/data_access.h"
 #include "frame/escape.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan::admin {
 
@@ -32,8 +33,7 @@ void SortBatchAdd::InitFunction3() {
     RequireId(sort_id, conn);
     auto& connection = ConnectionOf(conn);
     std::optional<categories::Category> chosen = categories::Find(connection, sort_id);
-    if (!chosen)
-      WriteAndEnd(u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    if (!chosen) WriteAndEnd(AlertAndGoBack(u"该记录不存在或错误！"));
     id = Variant(chosen->id);
     sort = chosen->name;
     sort_id = Variant(chosen->parent);

@@ -3,6 +3,7 @@
 #include "categories/category_store.h"
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 #include "frame/row_deletes.h"
 
 namespace ostrakan::admin {
@@ -41,7 +42,7 @@ void SortBatchAddOk::InitFunction3() {
     }
     categories::AddCategories(ConnectionOf(conn), names, parent, letter);
     CloseAndRelease(conn);
-    CurrentResponse().Write(ReturnToListScript(u"script", u"批量添加成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"批量添加成功！"));
   });
 }
 

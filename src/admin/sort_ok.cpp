@@ -4,6 +4,7 @@
 #include "categories/category_store.h"
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 #include "frame/row_deletes.h"
 
 namespace ostrakan::admin {
@@ -39,7 +40,7 @@ void SortOk::Add() {
     Variant name = request.Form(u"sort");
     filtration(name);
     categories::AddCategory(ConnectionOf(conn), TextOf(name), parent, letter);
-    CurrentResponse().Write(ReturnToListScript(u"Script", u"添加成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"添加成功！"));
   });
 }
 
@@ -53,13 +54,12 @@ void SortOk::Edit() {
     Variant name = request.Form(u"sort");
     filtration(name);
     if (categories::UpdateCategory(ConnectionOf(conn), id, TextOf(name), parent, letter)) {
-      CurrentResponse().Write(ReturnToListScript(u"Script", u"修改成功！"));
+      CurrentResponse().Write(ReturnToListScript(u"修改成功！"));
       return;
     }
     CloseAndRelease(conn);
     CurrentApplication().Set(u"sort_db_count", Variant(u""));
-    CurrentResponse().Write(
-        u"<Script>window.alert('该记录不存在或错误！');history.go(-1);</Script>");
+    CurrentResponse().Write(AlertAndGoBack(u"该记录不存在或错误！"));
   });
 }
 
@@ -69,21 +69,21 @@ void SortOk::Delete() {
     if (!IsValidId(id)) WriteAndEnd(u"非法ID参数");
     categories::DeleteWithChildren(ConnectionOf(conn), id);
     CloseAndRelease(conn);
-    CurrentResponse().Write(ReturnToListScript(u"Script", u"删除成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"删除成功！"));
   });
 }
 
 void SortOk::alldelete() {
   Guard(u"alldelete", [&] {
     if (Equals(CurrentRequest().QueryString(u"id"), Variant(u"")))
-      WriteAndEnd(u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>");
+      WriteAndEnd(AlertAndGoBack(u"没有选择删除的纪录！"));
     // One value after the other: a bad value ends the page, the deletes before it stay done.
     for (const std::u16string& value : CurrentRequest().queryString.All(u"id")) {
       if (!IsValidId(Variant(value))) WriteAndEnd(u"非法ID参数");
       categories::DeleteWithChildren(ConnectionOf(conn), Variant(value));
     }
     CloseAndRelease(conn);
-    CurrentResponse().Write(ReturnToListScript(u"script", u"批量删除成功！"));
+    CurrentResponse().Write(ReturnToListScript(u"批量删除成功！"));
   });
 }
 

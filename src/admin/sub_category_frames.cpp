@@ -20,7 +20,7 @@ void SubCategoryFrames::create_sort_two(const Variant& parent) {
   Guard(u"create_sort_two", [&] {
     // The parent's id went into the statement as a number; anything else failed there.
     if (!IsValidId(parent)) TypeMismatch();
-    std::u16string frames;
+    Markup frames;
     for (const generation::PageJob& job : generation::SubCategoryPlan(ConnectionOf(conn), parent))
       frames += generation::GeneratorFrame(job);
     CurrentResponse().Write(frames);

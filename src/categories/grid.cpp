@@ -12,8 +12,8 @@ const GridStyle kAdminGrid{
 const GridStyle kFrontEndGrid{5, u"<table width='100%' border='0' cellpadding='0' cellspacing='0'>",
                               u"<td width='20%' height='25'>", u"<td width='20%'>"};
 
-std::u16string LayOut(const std::vector<std::u16string>& cells, const GridStyle& style) {
-  std::u16string out;
+Markup LayOut(const std::vector<Markup>& cells, const GridStyle& style) {
+  Markup out;
   for (size_t line = 0; line < cells.size(); line += static_cast<size_t>(style.perLine)) {
     out += style.table;
     out += u"<tr>";

@@ -7,13 +7,15 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/markup.h"
+
 namespace ostrakan::categories {
 
 struct GridStyle {
   int perLine;
-  std::u16string_view table;      // the opening <table ...> of each line
-  std::u16string_view firstCell;  // the opening <td ...> of a line's first cell
-  std::u16string_view otherCell;  // the opening <td ...> of the others
+  Markup table;      // the opening <table ...> of each line
+  Markup firstCell;  // the opening <td ...> of a line's first cell
+  Markup otherCell;  // the opening <td ...> of the others
 };
 
 // The administration lists: three to a line, cells 33% wide, the first 25 high; the
@@ -23,6 +25,6 @@ extern const GridStyle kAdminGrid;
 // The front end's letter groups: five to a line, cells 20% wide.
 extern const GridStyle kFrontEndGrid;
 
-std::u16string LayOut(const std::vector<std::u16string>& cells, const GridStyle& style);
+Markup LayOut(const std::vector<Markup>& cells, const GridStyle& style);
 
 }  // namespace ostrakan::categories

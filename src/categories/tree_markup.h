@@ -9,21 +9,22 @@
 #include <vector>
 
 #include "categories/category_store.h"
+#include "frame/markup.h"
 
 namespace ostrakan::categories {
 
 // The check box that batch deletes and batch generation read (every box named "id").
-std::u16string CheckBox(int32_t id);
+Markup CheckBox(int32_t id);
 
 // The category pages (sort_manage, sort_list).
-std::u16string ManageFirstLevel(const std::vector<Category>& top);
-std::u16string ManageLetterGroups(const std::vector<LetterGroup>& groups);
+Markup ManageFirstLevel(const std::vector<Category>& top);
+Markup ManageLetterGroups(const std::vector<LetterGroup>& groups);
 
 // The generation pages (create_sort, create_sort_list).
-std::u16string GenerateFirstLevel(const std::vector<Category>& top);
-std::u16string GenerateLetterGroups(const std::vector<LetterGroup>& groups);
+Markup GenerateFirstLevel(const std::vector<Category>& top);
+Markup GenerateLetterGroups(const std::vector<LetterGroup>& groups);
 
 // One <option value="id">letter</option> a line, for the letter select of a form.
-std::u16string LetterOptions(const std::vector<Letter>& letters);
+Markup LetterOptions(const std::vector<Letter>& letters);
 
 }  // namespace ostrakan::categories

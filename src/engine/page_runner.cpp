@@ -1,6 +1,7 @@
 #include "engine/page_runner.h"
 
 #include "admin/registry.h"
+#include "frame/escape.h"
 #include "frame/site_page.h"
 
 namespace ostrakan::engine {
@@ -46,10 +47,12 @@ void RunNodes(const PageRun& run, Component* component, int& line) {
     line = node.line;
     switch (node.kind) {
       case PageNode::Kind::Text:
-        response.Write(Variant(node.text));
+        response.Write(Markup::OfPageFile(node.text));
         break;
       case PageNode::Kind::Write:
-        response.Write(Variant(TextOf(Evaluate(node.value, run, component))));
+        // A value can land in text or in a quoted attribute (value="<%= Keyword %>"): escaped
+        // for an attribute, it is safe in both and reads the same.
+        response.Write(HtmlAttr(TextOf(Evaluate(node.value, run, component))));
         break;
       case PageNode::Kind::Assign:
         component->SetProperty(node.text, Evaluate(node.value, run, component));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "core/variant.h"
@@ -29,17 +30,26 @@ ado::Recordset& OpenRequiredRow(Variant& holder, std::u16string_view sql, Varian
                                 int lockType = 1, ado::Params params = {});
 
 // The updatable set that a posted form is stored in: a new row of `table` (AddNew done) when
-// `id` is Empty, else the row `id` of `table` as OpenRequiredRow opens it.
+// `id` is Empty, else the row `id` of `table` as OpenRowById opens it.
 ado::Recordset& OpenRowToStore(Variant& holder, std::u16string_view table, const Variant& id,
                                Variant& conn);
 
-// Whether a request value may go into SQL text as an identifier: not empty, and numeric.
+// A request value as a row identifier: decimal digits, optionally signed, with blanks around,
+// within 53 bits (a Double holds it exactly). What the number test of the script language
+// also takes but is no row number (&H10, 1e3, 1.5, "") is not an identifier.
+std::optional<double> ParseId(const Variant& id);
+// Whether `id` is an identifier (ParseId).
 bool IsValidId(const Variant& id);
 // Ends the page with "非法ID参数" when `id` fails IsValidId, closing `conn` first.
 void RequireId(const Variant& id, Variant& conn);
-// An identifier that passed IsValidId, as the number to bind.
-inline Variant IdNumber(const Variant& id) {
-  return Variant(CDbl(id));
-}
+// An identifier that passed IsValidId, as the number to bind to a "?" mark; Type mismatch for
+// anything else.
+Variant IdNumber(const Variant& id);
+
+// OpenRequiredRow for the row `id` of `table` ("select <columns> from <table> where id=?",
+// the id bound): "非法ID参数" for a value that is not an identifier, the missing-record alert
+// for an identifier with no row.
+ado::Recordset& OpenRowById(Variant& holder, std::u16string_view columns, std::u16string_view table,
+                            const Variant& id, Variant& conn, int lockType = 1);
 
 }  // namespace ostrakan

@@ -1,6 +1,7 @@
 #include "frame/escape.h"
 
 #include <cctype>
+#include <utility>
 
 #include "platform/text/codepage.h"
 
@@ -33,21 +34,21 @@ void AppendHtml(std::u16string& out, char16_t c, bool quotes) {
 
 }  // namespace
 
-std::u16string HtmlText(std::u16string_view text) {
+Markup HtmlText(std::u16string_view text) {
   std::u16string out;
   out.reserve(text.size());
   for (char16_t c : text) AppendHtml(out, c, false);
-  return out;
+  return Markup(std::move(out));
 }
 
-std::u16string HtmlAttr(std::u16string_view text) {
+Markup HtmlAttr(std::u16string_view text) {
   std::u16string out;
   out.reserve(text.size());
   for (char16_t c : text) AppendHtml(out, c, true);
-  return out;
+  return Markup(std::move(out));
 }
 
-std::u16string JsString(std::u16string_view text) {
+Markup JsString(std::u16string_view text) {
   std::u16string out;
   out.reserve(text.size());
   for (char16_t c : text) {
@@ -80,10 +81,10 @@ std::u16string JsString(std::u16string_view text) {
         out += c;
     }
   }
-  return out;
+  return Markup(std::move(out));
 }
 
-std::u16string UrlQuery(std::u16string_view text, int codePage) {
+Markup UrlQuery(std::u16string_view text, int codePage) {
   static constexpr char16_t kHex[] = u"0123456789ABCDEF";
   std::u16string out;
   for (unsigned char b : text::Encode(text, codePage)) {
@@ -97,7 +98,7 @@ std::u16string UrlQuery(std::u16string_view text, int codePage) {
       out += kHex[b & 15];
     }
   }
-  return out;
+  return Markup(std::move(out));
 }
 
 std::u16string ServerUrlEncode(std::u16string_view text, int codePage) {

@@ -48,14 +48,14 @@ void CloseAndRelease(Variant& object) {
   object = Variant::Nothing();
 }
 
-void WriteAndEnd(Response& response, std::u16string_view text) {
-  response.Write(Variant(text));
+void WriteAndEnd(Response& response, const Markup& markup) {
+  response.Write(markup);
   response.End();
   throw ResponseEnded{};
 }
 
-void WriteAndEnd(std::u16string_view text) {
-  WriteAndEnd(CurrentResponse(), text);
+void WriteAndEnd(const Markup& markup) {
+  WriteAndEnd(CurrentResponse(), markup);
 }
 
 }  // namespace ostrakan

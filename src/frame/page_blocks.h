@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/component.h"
+#include "frame/markup.h"
 
 namespace ostrakan {
 
@@ -25,9 +26,9 @@ void OpenConnection(const Component& page, std::u16string_view method, const Var
 // Closes and releases a connection or record set held in a property (Nothing afterwards).
 void CloseAndRelease(Variant& object);
 
-// Writes `text` and ends the page.
-[[noreturn]] void WriteAndEnd(Response& response, std::u16string_view text);
+// Writes `markup` and ends the page.
+[[noreturn]] void WriteAndEnd(Response& response, const Markup& markup);
 // The same on the response being served (the component-side form).
-[[noreturn]] void WriteAndEnd(std::u16string_view text);
+[[noreturn]] void WriteAndEnd(const Markup& markup);
 
 }  // namespace ostrakan

@@ -33,9 +33,9 @@ time_t FromOleLocal(double ole) {
 
 }  // namespace
 
-void Response::Write(const Variant& v) {
+void Response::Write(const Markup& markup) {
   if (ended_) return;
-  body_ += text::Encode(TextOf(v), codePage_);
+  body_ += text::Encode(markup.text(), codePage_);
 }
 
 void Response::BinaryWrite(const Bytes& bytes) {

@@ -1,6 +1,7 @@
-// The Response object: a buffered answer. Text written with Write is encoded at once with the
-// response's code page; BinaryWrite appends bytes as they are. After End nothing more is
-// written. The page engine turns the headers and the buffer into the HTTP answer.
+// The Response object: a buffered answer. Markup written with Write (the page's own texts and
+// escaped values, never a raw string or Variant) is encoded at once with the response's code
+// page; BinaryWrite appends bytes as they are. After End nothing more is written. The page engine
+// turns the headers and the buffer into the HTTP answer.
 #pragma once
 
 #include <ctime>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "core/variant.h"
+#include "frame/markup.h"
 
 namespace ostrakan {
 
@@ -17,7 +19,7 @@ class Response : public Object {
  public:
   explicit Response(int codePage = 936) : codePage_(codePage) {}
 
-  void Write(const Variant& v);
+  void Write(const Markup& markup);
   void BinaryWrite(const Bytes& bytes);
   void BinaryWrite(std::string_view bytes);
   void AddHeader(std::u16string_view name, std::u16string_view value);

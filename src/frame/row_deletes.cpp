@@ -3,6 +3,7 @@
 #include "frame/data_access.h"
 #include "frame/escape.h"
 #include "frame/page_blocks.h"
+#include "frame/page_parts.h"
 
 namespace ostrakan {
 
@@ -13,7 +14,7 @@ void DeleteOne(Response& response, Variant& conn, std::u16string_view table, con
     CloseAndRelease(conn);
     WriteAndEnd(response, u"非法ID参数");
   }
-  Execute(conn, u"delete from " + std::u16string(table) + u" where id=" + TextOf(id));
+  Execute(conn, u"delete from " + std::u16string(table) + u" where id=?", {IdNumber(id)});
 }
 
 }  // namespace
@@ -27,17 +28,14 @@ void DeleteRows(Response& response, Variant& conn, std::u16string_view table, co
                 const std::vector<std::u16string>& ids) {
   if (Equals(first, Variant(u""))) {
     CloseAndRelease(conn);
-    WriteAndEnd(response, u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>");
+    WriteAndEnd(response, AlertAndGoBack(u"没有选择删除的纪录！"));
   }
   for (const std::u16string& value : ids) DeleteOne(response, conn, table, Variant(value));
   CloseAndRelease(conn);
 }
 
-std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message,
-                                  const Variant& listUrl) {
-  return u"<" + std::u16string(tag) + u">window.alert('" + std::u16string(message) +
-         u"');location.replace('" + JsString(TextOf(listUrl)) + u"');</" + std::u16string(tag) +
-         u">";
+Markup ReturnToListScript(const Markup& message, const Variant& listUrl) {
+  return AlertAndGoTo(message, TextOf(listUrl));
 }
 
 void DeleteRequestedRow(Variant& conn, std::u16string_view table) {
@@ -50,8 +48,8 @@ void DeleteTickedRows(Variant& conn, std::u16string_view table) {
              request.queryString.All(u"id"));
 }
 
-std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message) {
-  return ReturnToListScript(tag, message, CurrentSession().Get(u"url"));
+Markup ReturnToListScript(const Markup& message) {
+  return ReturnToListScript(message, CurrentSession().Get(u"url"));
 }
 
 }  // namespace ostrakan

@@ -1,5 +1,5 @@
 // The deletes that list pages send by id: one row (a link), or the ticked rows (a form of
-// check boxes all named "id"). Identifiers reach the SQL text only after the number test.
+// check boxes all named "id"). Identifiers reach SQL only as bound numbers (IdNumber).
 #pragma once
 
 #include <string>
@@ -24,13 +24,12 @@ void DeleteRows(Response& response, Variant& conn, std::u16string_view table, co
 
 // The alert that reports a delete and returns to `listUrl` (the list page kept in Session
 // "url"), which is written as a script string: no address can end the script.
-std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message,
-                                  const Variant& listUrl);
+Markup ReturnToListScript(const Markup& message, const Variant& listUrl);
 
 // Component-side forms of the above that read QueryString "id" and Session "url" of the
 // request being served.
 void DeleteRequestedRow(Variant& conn, std::u16string_view table);
 void DeleteTickedRows(Variant& conn, std::u16string_view table);
-std::u16string ReturnToListScript(std::u16string_view tag, std::u16string_view message);
+Markup ReturnToListScript(const Markup& message);
 
 }  // namespace ostrakan

@@ -5,6 +5,7 @@
 
 #include "frame/filtration.h"
 #include "gathering/id_rule_store.h"
+#include "gathering/rule_file.h"
 #include "platform/ado/recordset.h"
 #include "platform/fs/atomic_file.h"
 #include "platform/text/codepage.h"
@@ -12,10 +13,11 @@
 namespace ostrakan::gathering {
 
 std::u16string IdRuleBlock(std::u16string_view id, const IdRule& stored) {
-  std::u16string block = u"Case \"" + std::u16string(id) + u"\" \r\n";
+  std::u16string block = u"Case " + ScriptLiteral(id) + u" \r\n";
   const auto fields = Fields(stored);
   for (size_t i = 0; i < fields.size(); ++i)
-    block += std::u16string(kIdRuleKeys[i]) + u"=\"" + *fields[i] + u"\" \r\n";
+    block += std::u16string(kIdRuleKeys[i]) + u"=" +
+             ScriptLiteral(Filter(FilterKind::QuoteUndoubling, *fields[i])) + u" \r\n";
   return block;
 }
 

@@ -1,10 +1,11 @@
 // The generated rule file gather_id_web_list.asp: the template's script with one case arm per
 // rule in place of its placeholder, so that page files can select a rule by id.
 //
-// Each arm is ten lines ended by CR LF: `Case "<id>" `, then Key="<stored value>" (with a
-// trailing blank) for Web, Url, Gather_Url, Charset, Error_Html, Title_Start, Title_End,
-// Content_Start, Content_End. Values go in as stored: the markers carry their quotes doubled;
-// a quote in the other four fields is not doubled (the rule list keeps that as it is).
+// Each arm is ten lines ended by CR LF: `Case "<id>" `, then Key="<value>" (with a trailing
+// blank) for Web, Url, Gather_Url, Charset, Error_Html, Title_Start, Title_End, Content_Start,
+// Content_End. Values are written as the list rule file writes them (ScriptLiteral of the
+// stored value with its doubled quotes undoubled): a quote is doubled and a line break becomes
+// `" & vbCrLf & "`, so that no stored text can end a line, close its string or start an arm.
 // Files are in the ANSI code page; the file is replaced in one step, never half written.
 #pragma once
 

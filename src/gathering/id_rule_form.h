@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "frame/markup.h"
 #include "gathering/id_rule.h"
 
 namespace ostrakan::gathering {
@@ -14,7 +15,6 @@ enum class IdRuleFormKind { Add, Edit };
 
 // The whole page. For Edit, `id` goes into the hidden field and `rule` holds the values to
 // show (markers already undoubled); for Add both are empty.
-std::u16string IdRuleFormPage(IdRuleFormKind kind, const IdRule& rule = {},
-                              std::u16string_view id = {});
+Markup IdRuleFormPage(IdRuleFormKind kind, const IdRule& rule = {}, std::u16string_view id = {});
 
 }  // namespace ostrakan::gathering

@@ -10,17 +10,18 @@ namespace ostrakan::gathering {
 
 namespace {
 
-constexpr std::u16string_view kVerifyWindow =
+constexpr char16_t kVerifyWindow[] =
     u"left=0,top=0,height=400,width=650,toolbar=no,menubar=no,scrollbars=yes,resizable=no,"
     u"location=no,status=no";
 
 }  // namespace
 
 void WriteIdRuleRows(Response& out, ado::Recordset& rows) {
-  std::u16string html;
+  Markup html;
   for (; !rows.Eof(); rows.MoveNext()) {
     // The key is a number; it still goes through the escaping of each place it lands in.
     const std::u16string id = TextOf(rows.Field(u"id"));
+    const Markup idInScript = HtmlAttr(JsString(id).text());
     html += u"            <tr>\r\n";
     html += u"<td bgcolor=\"#FFFFFF\">" + HtmlText(TextOf(rows.Field(u"web"))) + u"</td>\r\n";
     html += u"<td bgcolor=\"#FFFFFF\" align=\"center\">" + HtmlText(TextOf(rows.Field(u"range"))) +
@@ -28,14 +29,13 @@ void WriteIdRuleRows(Response& out, ado::Recordset& rows) {
     html +=
         u"<td bgcolor=\"#FFFFFF\" align=\"center\"><span style=\"cursor:hand;cursor:pointer\" "
         u"onclick=\"window.open('gather_id_web_verify.asp?id=" +
-        HtmlAttr(JsString(id)) + u"','gather_id_web_verify','" + std::u16string(kVerifyWindow) +
-        u"')\">测试</span></td>\r\n";
+        idInScript + u"','gather_id_web_verify','" + kVerifyWindow + u"')\">测试</span></td>\r\n";
     html += u"<td bgcolor=\"#FFFFFF\" align=\"center\"><a href=\"gather_id_db.asp?id=" +
-            HtmlAttr(UrlQuery(id)) + u"\">采集</a></td>\r\n";
+            UrlQuery(id) + u"\">采集</a></td>\r\n";
     html += u"<td bgcolor=\"#FFFFFF\" align=\"center\"><a href=\"gather_id_web_edit.asp?id=" +
-            HtmlAttr(UrlQuery(id)) + u"\">修改</a></td>\r\n";
+            UrlQuery(id) + u"\">修改</a></td>\r\n";
     html += u"<td bgcolor=\"#FFFFFF\" align=\"center\"><a href=\"javascript:web_delete(" +
-            HtmlAttr(JsString(id)) + u")\">删除</a></td>\r\n";
+            idInScript + u")\">删除</a></td>\r\n";
     html += u"            </tr>\r\n";
   }
   out.Write(html);
@@ -49,7 +49,8 @@ IdRule ReadIdRule(const ado::Recordset& row) {
 }
 
 std::optional<IdRule> LoadIdRule(ado::Connection& conn, long long id) {
-  auto rs = conn.Execute(u"select * from gather_id_web where id=" + FromUtf8(std::to_string(id)));
+  auto rs =
+      conn.Execute(u"select * from gather_id_web where id=?", {Variant(static_cast<double>(id))});
   if (rs->Eof()) {
     rs->Close();
     return std::nullopt;

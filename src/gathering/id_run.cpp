@@ -40,16 +40,17 @@ std::u16string CompletedRange(const IdRunStep& step) {
   return Difference(step.idEnd, step.dbNum) + u" - " + step.idEnd;
 }
 
-std::u16string ProgressLines(const IdRunStep& step) {
+Markup ProgressLines(const IdRunStep& step) {
   const std::u16string left = Difference(step.idEnd, step.idStart);
-  return u"正在采集第 " + HtmlText(step.idStart) + u" 页<br>还乘余 " + left + u" 页等待处理...";
+  return u"正在采集第 " + HtmlText(step.idStart) + u" 页<br>还乘余 " + HtmlText(left) +
+         u" 页等待处理...";
 }
 
-std::u16string ContinuationScript(const IdRunStep& step) {
+Markup ContinuationScript(const IdRunStep& step) {
   return u"<Script Language='JavaScript'>function Next_Page(){window.opener=null;location."
          u"replace('gather_id_db_ok.asp?ID=" +
-         JsString(UrlQuery(step.ruleId)) + u"&ID_Start=" + PlusOne(step.idStart) + u"&DB_Num=" +
-         PlusOne(step.dbNum) + u"&ID_End=" + JsString(UrlQuery(step.idEnd)) +
+         UrlQuery(step.ruleId) + u"&ID_Start=" + UrlQuery(PlusOne(step.idStart)) + u"&DB_Num=" +
+         UrlQuery(PlusOne(step.dbNum)) + u"&ID_End=" + UrlQuery(step.idEnd) +
          u"');}setTimeout('Next_Page()',1000)</Script>";
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/variant.h"
+#include "frame/markup.h"
 #include "gathering/id_extraction.h"
 #include "gathering/id_page_source.h"
 #include "gathering/id_rule.h"
@@ -31,10 +32,10 @@ struct IdRunStep {
 std::u16string CompletedRange(const IdRunStep& step);
 
 // The progress lines of a step: "正在采集第 N 页<br>还乘余 M 页等待处理...".
-std::u16string ProgressLines(const IdRunStep& step);
+Markup ProgressLines(const IdRunStep& step);
 
 // The script that loads the next step after 1000 ms.
-std::u16string ContinuationScript(const IdRunStep& step);
+Markup ContinuationScript(const IdRunStep& step);
 
 // The entry of the step's ID: the page fetched and cut. For a page with data, `record` gets the
 // entry under the page's address without "http://", with the rule's site name and address.

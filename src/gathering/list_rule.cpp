@@ -43,7 +43,8 @@ ListRule ListRuleFromValues(const std::vector<Variant>& values, size_t from) {
 }
 
 std::optional<ListRule> LoadListRule(ado::Connection& conn, long id) {
-  auto rs = conn.Execute(u"select * from gather_list_web where id=" + FromUtf8(std::to_string(id)));
+  auto rs =
+      conn.Execute(u"select * from gather_list_web where id=?", {Variant(static_cast<double>(id))});
   if (rs->Eof()) {
     rs->Close();
     return std::nullopt;

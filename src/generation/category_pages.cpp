@@ -14,20 +14,20 @@ namespace {
 
 constexpr int kRecordLimit = 100;
 
-std::u16string Num(int32_t n) {
-  return CStr(Variant(n));
+Markup Num(int32_t n) {
+  return HtmlText(CStr(Variant(n)));
 }
 
-std::u16string GotoLink(std::u16string_view id) {
-  return u"<a href='../goto.asp?id=" + std::u16string(id) + u"'  target='_blank'>";
+Markup GotoLink(std::u16string_view id) {
+  return u"<a href='../goto.asp?id=" + UrlQuery(id) + u"'  target='_blank'>";
 }
 
 // One record of the sub-category page.
-std::u16string RecordBlock(const ado::Recordset& rs, bool showSource) {
+Markup RecordBlock(const ado::Recordset& rs, bool showSource) {
   auto text = [&](int column) { return TextOf(rs.FieldAt(column)); };
   const std::u16string id = text(0);
   const std::u16string image = text(4);
-  std::u16string out = u"<table  width='68%'><tr><td width='125'>" + GotoLink(id);
+  Markup out = u"<table  width='68%'><tr><td width='125'>" + GotoLink(id);
   if (!image.empty())
     out += u"<img src='http://" + HtmlAttr(image) +
            u"' width='120' height='90' border='0' onerror=\"src='../image/image.gif'\">";
@@ -69,10 +69,10 @@ std::filesystem::path OutputOf(PageKind kind, const std::filesystem::path& root,
   return root / "list" / ("list_" + number + ".html");
 }
 
-std::u16string LetterGroupList(const std::vector<categories::LetterGroup>& groups) {
-  std::u16string out;
+Markup LetterGroupList(const std::vector<categories::LetterGroup>& groups) {
+  Markup out;
   for (const categories::LetterGroup& g : groups) {
-    std::vector<std::u16string> cells;
+    std::vector<Markup> cells;
     for (const categories::Category& c : g.categories)
       cells.push_back(u"<a href='list/list_" + Num(c.id) + u".html' target='_blank'>" +
                       HtmlText(c.name) + u"</a>");
@@ -88,7 +88,7 @@ std::u16string LetterGroupList(const std::vector<categories::LetterGroup>& group
   return out;
 }
 
-std::u16string RecordList(ado::Connection& conn, std::u16string_view name, bool showSource) {
+Markup RecordList(ado::Connection& conn, std::u16string_view name, bool showSource) {
   // The name is bound. A quote in it would have ended the pattern's literal and broken the
   // statement; that failure is kept, without running anything.
   if (name.find(u'\'') != std::u16string_view::npos)
@@ -100,17 +100,17 @@ std::u16string RecordList(ado::Connection& conn, std::u16string_view name, bool 
       u"select id,title,content,url,image,source,source_url,click,time "
       u"from db where title like '%' || ? || '%' order by click desc,time desc limit 100",
       {Variant(name)});
-  std::u16string out;
+  Markup out;
   for (int n = 0; n < kRecordLimit && !rs->Eof(); ++n, rs->MoveNext())
     out += RecordBlock(*rs, showSource);
   return out;
 }
 
 std::u16string FillTemplate(PageKind kind, std::u16string text, std::u16string_view title,
-                            std::u16string_view name, std::u16string_view list) {
-  text = ReplaceAll(std::move(text), u"[pellumar]title[/pellumar]", HtmlText(title));
-  text = ReplaceAll(std::move(text), u"[pellumar]sort[/pellumar]", HtmlText(name));
-  return ReplaceAll(std::move(text), ListMarker(kind), list);
+                            std::u16string_view name, const Markup& list) {
+  text = ReplaceAll(std::move(text), u"[pellumar]title[/pellumar]", HtmlText(title).text());
+  text = ReplaceAll(std::move(text), u"[pellumar]sort[/pellumar]", HtmlText(name).text());
+  return ReplaceAll(std::move(text), ListMarker(kind), list.text());
 }
 
 Generated GeneratePage(PageKind kind, ado::Connection& conn, fs::FileSystem& files,
@@ -127,10 +127,9 @@ Generated GeneratePage(PageKind kind, ado::Connection& conn, fs::FileSystem& fil
   }
   result.name = category->name;
   result.file = OutputOf(kind, site.root, category->id);
-  const std::u16string list =
-      kind == PageKind::TopLevel
-          ? LetterGroupList(categories::LetterGroups(conn, Variant(category->id)))
-          : RecordList(conn, category->name, site.showSource);
+  const Markup list = kind == PageKind::TopLevel
+                          ? LetterGroupList(categories::LetterGroups(conn, Variant(category->id)))
+                          : RecordList(conn, category->name, site.showSource);
 
   std::string bytes;
   if (fs::Failure failed = files.Read(TemplateOf(kind, site.root), bytes)) {

@@ -10,6 +10,7 @@
 
 #include "categories/category_store.h"
 #include "core/variant.h"
+#include "frame/markup.h"
 #include "platform/ado/connection.h"
 #include "platform/fs/file_system.h"
 
@@ -46,13 +47,13 @@ std::filesystem::path TemplateOf(PageKind kind, const std::filesystem::path& roo
 std::filesystem::path OutputOf(PageKind kind, const std::filesystem::path& root, int32_t id);
 // The top-level page's list: every letter group with its anchor, its sub-categories five to a
 // line linking to list/list_<id>.html.
-std::u16string LetterGroupList(const std::vector<categories::LetterGroup>& groups);
+Markup LetterGroupList(const std::vector<categories::LetterGroup>& groups);
 // The sub-category page's list: at most 100 records whose title contains `name`, most clicked
 // first, then newest. A name with a quote is refused as the statement it would have made
 // was broken (a ScriptError, nothing run).
-std::u16string RecordList(ado::Connection& conn, std::u16string_view name, bool showSource);
+Markup RecordList(ado::Connection& conn, std::u16string_view name, bool showSource);
 // The template with its four markers replaced: title, sort, then the list marker of the kind.
 std::u16string FillTemplate(PageKind kind, std::u16string text, std::u16string_view title,
-                            std::u16string_view name, std::u16string_view list);
+                            std::u16string_view name, const Markup& list);
 
 }  // namespace ostrakan::generation

@@ -38,14 +38,15 @@ std::vector<PageJob> ChosenPlan(ado::Connection& conn, const std::vector<Variant
   return jobs;
 }
 
-std::u16string GeneratorAddress(PageKind kind) {
-  return kind == PageKind::TopLevel ? u"create_sort_one_ok.asp" : u"create_sort_two_ok.asp";
+Markup GeneratorAddress(PageKind kind) {
+  return kind == PageKind::TopLevel ? Markup(u"create_sort_one_ok.asp")
+                                    : Markup(u"create_sort_two_ok.asp");
 }
 
-std::u16string GeneratorFrame(const PageJob& job) {
+Markup GeneratorFrame(const PageJob& job) {
   return u"<iframe name=\"html\" frameborder=\"0\" width=\"100%\" height=\"25\" scrolling=\"no\" "
          u"src=\"" +
-         GeneratorAddress(job.kind) + u"?id=" + HtmlAttr(TextOf(job.id)) + u"\"></iframe>";
+         GeneratorAddress(job.kind) + u"?id=" + UrlQuery(TextOf(job.id)) + u"\"></iframe>";
 }
 
 }  // namespace ostrakan::generation

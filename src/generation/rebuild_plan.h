@@ -26,9 +26,9 @@ std::vector<PageJob> SubCategoryPlan(ado::Connection& conn, const Variant& paren
 std::vector<PageJob> ChosenPlan(ado::Connection& conn, const std::vector<Variant>& ids);
 
 // The generator addresses, relative to the administration folder.
-std::u16string GeneratorAddress(PageKind kind);
+Markup GeneratorAddress(PageKind kind);
 // One hidden-looking frame of the driver pages: it loads the generator for one id and shows
 // its one line of answer.
-std::u16string GeneratorFrame(const PageJob& job);
+Markup GeneratorFrame(const PageJob& job);
 
 }  // namespace ostrakan::generation

@@ -4,11 +4,13 @@
 #include <cmath>
 #include <cstdio>
 
+#include "frame/escape.h"
+
 namespace ostrakan::records {
 
 namespace {
-std::u16string Number(double n) {
-  return CStr(Variant(n));
+Markup Number(double n) {
+  return HtmlText(CStr(Variant(n)));
 }
 }  // namespace
 
@@ -23,16 +25,16 @@ int16_t ShownPage(int16_t requested, double total, double size) {
   return requested;
 }
 
-std::u16string PagerLine(const PagerStyle& style, std::u16string_view keys, const Variant& total,
-                         double size, double current, const Variant& dbCount) {
+Markup PagerLine(const PagerStyle& style, const Markup& keys, const Variant& total, double size,
+                 double current, const Variant& dbCount) {
   const double n = PageCount(CDbl(total), size);
-  const std::u16string link = u"<a href='?" + std::u16string(keys) + u"page=";
-  const std::u16string count = u"&db_count=" + TextOf(dbCount);
-  std::u16string line;
+  const Markup link = u"<a href='?" + keys + u"page=";
+  const Markup count = u"&db_count=" + UrlQuery(TextOf(dbCount));
+  Markup line;
   if (current < 2) {
     line += u"第一页 上一页 ";
   } else {
-    line += link + u"1" + (style.countOnFirstLink ? count : u"") + u"'>第一页</a> ";
+    line += link + u"1" + (style.countOnFirstLink ? count : Markup()) + u"'>第一页</a> ";
     line += link + Number(current - 1) + count + u"'>上一页</a> ";
   }
   if (n - current < 1) {
@@ -41,15 +43,15 @@ std::u16string PagerLine(const PagerStyle& style, std::u16string_view keys, cons
     line += link + Number(current + 1) + count + u"'>下一页</a> ";
     line += link + Number(n) + count + u"'>最后一页</a> ";
   }
-  return line + u"共" + CStr(total) + style.unit + u" 页次：" + Number(current) + u"/" + Number(n) +
-         u"页";
+  return line + u"共" + HtmlText(CStr(total)) + style.unit + u" 页次：" + Number(current) + u"/" +
+         Number(n) + u"页";
 }
 
-std::u16string ElapsedLine(double start, double end) {
+Markup ElapsedLine(double start, double end) {
   char text[32];
   std::snprintf(text, sizeof text, "%.6f", end - start);
   // On a line of its own, under the pager.
-  return u"<br>" + FromUtf8(text) + u" 秒";
+  return u"<br>" + HtmlText(FromUtf8(text)) + u" 秒";
 }
 
 }  // namespace ostrakan::records

@@ -6,12 +6,13 @@
 #include <string_view>
 
 #include "core/variant.h"
+#include "frame/markup.h"
 
 namespace ostrakan::records {
 
 // What distinguishes one list's pager from another's.
 struct PagerStyle {
-  std::u16string unit;    // "条记录" or "个关键词"
+  Markup unit;            // "条记录" or "个关键词"
   bool countOnFirstLink;  // whether the first-page link carries db_count too
 };
 
@@ -25,11 +26,12 @@ int16_t ShownPage(int16_t requested, double total, double size);
 
 // The pager line: first/previous and next/last as links or plain text, then the summary.
 // `keys` are the query-string keys that every link carries before "page=", each followed by
-// '&', already escaped for a single-quoted attribute; `dbCount` is the count the links carry.
-std::u16string PagerLine(const PagerStyle& style, std::u16string_view keys, const Variant& total,
-                         double size, double current, const Variant& dbCount);
+// '&', already escaped for a query string; `dbCount` is the count the links carry (escaped
+// here: it comes from the query string).
+Markup PagerLine(const PagerStyle& style, const Markup& keys, const Variant& total, double size,
+                 double current, const Variant& dbCount);
 
 // The elapsed time from `start` to `end` (Timer values) as "<br>0.001234 秒".
-std::u16string ElapsedLine(double start, double end);
+Markup ElapsedLine(double start, double end);
 
 }  // namespace ostrakan::records

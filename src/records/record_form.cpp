@@ -3,6 +3,7 @@
 #include "frame/data_access.h"
 #include "frame/escape.h"
 #include "frame/filtration.h"
+#include "frame/page_parts.h"
 #include "platform/ado/write_transaction.h"
 #include "platform/clock.h"
 
@@ -36,9 +37,8 @@ bool WriteUnlessAddressTaken(const Variant& conn, std::u16string_view url, const
   return true;
 }
 
-std::u16string DuplicateAlert(std::u16string_view url) {
-  return u"<Script>window.alert('已经存在“" + JsString(url) +
-         u"”这条记录！');history.go(-1);</Script>";
+Markup DuplicateAlert(std::u16string_view url) {
+  return AlertAndGoBack(u"已经存在“" + JsString(url) + u"”这条记录！");
 }
 
 void StoreRecordForm(ado::Recordset& rs, const RecordFields& fields) {

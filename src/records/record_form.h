@@ -9,6 +9,7 @@
 #include <string>
 
 #include "core/variant.h"
+#include "frame/markup.h"
 #include "platform/ado/recordset.h"
 
 namespace ostrakan::records {
@@ -35,7 +36,7 @@ bool WriteUnlessAddressTaken(const Variant& conn, std::u16string_view url, const
                              const std::function<void()>& write);
 
 // The refusal of an address in use: the address between the full-width quotation marks.
-std::u16string DuplicateAlert(std::u16string_view url);
+Markup DuplicateAlert(std::u16string_view url);
 
 // Sets the five fields of the set's current row and writes the row: an empty content is stored
 // as Null, the source address without "http://".

@@ -158,7 +158,7 @@ TEST_F(IdRulePages, AMissingTemplateIsLoggedAndLeavesTheRuleFile) {
 // The add page's static form is the edit form with empty fields.
 TEST(IdRuleAddPage, MirrorsTheEditForm) {
   const std::string form =
-      text::Encode(gathering::IdRuleFormPage(gathering::IdRuleFormKind::Add), 936);
+      text::Encode(gathering::IdRuleFormPage(gathering::IdRuleFormKind::Add).text(), 936);
   EXPECT_EQ(ReadFile(SourceDir() / "site/admin/gather_id_web_add.asp"),
             "<%@ Component=\"Ostrakan.Class48\" %><% InitFunction1 %><% InitFunction2 %>" + form);
   EXPECT_EQ(form.find("maxlength"), std::string::npos);

@@ -33,9 +33,9 @@ TEST_F(KeywordPages, EntriesShowTheirWordEscapedInLinesOfThree) {
   for (const char16_t* part :
        {u"<input name='id' type='checkbox' value='2'> <b>周杰伦</b> "
         u"[<a href='javascript:keyword_delete(2)'>删除</a>]",
-        u"搜索次数：2 <a href='keyword_manage.asp?keyword=周杰伦'>相关搜索</a>",
+        u"搜索次数：2 <a href='keyword_manage.asp?keyword=%D6%DC%BD%DC%C2%D7'>相关搜索</a>",
         u"<b>&lt;img src=x onerror=alert(1)&gt;</b>",
-        u"keyword=&lt;img src=x onerror=alert(1)&gt;'",
+        u"keyword=%3Cimg%20src%3Dx%20onerror%3Dalert%281%29%3E'",
         u"</table></td><td width='250' bgcolor='#FFFFFF'></td></tr></table><br>"})
     EXPECT_NE(text.find(part), npos) << ToUtf8(part);
   EXPECT_EQ(text.find(u"<img"), npos);
@@ -54,7 +54,7 @@ TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
   AddWords(65, "x<");  // ids 7 .. 71
   const std::u16string first = List({{u"keyword", u"x<"}});
   EXPECT_EQ(Ids(first), Descending(71, 42));
-  EXPECT_NE(first.find(u"<a href='?keyword=x&lt;&page=3&db_count=65'>最后一页</a>"), npos);
+  EXPECT_NE(first.find(u"<a href='?keyword=x%3C&page=3&db_count=65'>最后一页</a>"), npos);
   // Later pages show up to ninety entries from their first: page 2 shows the other 35.
   EXPECT_EQ(Ids(List({{u"keyword", u"x<"}, {u"page", u"2"}})), Descending(41, 7));
   EXPECT_EQ(ReturnUrl(), u"keyword_manage.asp?keyword=x%3C&page=2");
@@ -100,12 +100,6 @@ TEST_F(KeywordPages, ADeleteReturnsToTheFilterAndPageItCameFromInsideItsScript) 
   EXPECT_EQ(Value("select count(*) from keyword where id in (2,4,50,99)"), "0");
   EXPECT_EQ(Value("select count(*) from keyword"), "96");
 
-  // A filter that closes the script travels as an encoded address.
-  List({{u"keyword", u"</script><script>alert(1)</script>"}});
-  EXPECT_NE(Ok({{u"action", u"del"}, {u"id", u"1"}})
-                .find(u"location.replace('keyword_manage.asp?keyword=%3C%2Fscript%3E%3Cscript%3E"
-                      u"alert%281%29%3C%2Fscript%3E&page=1');</Script>"),
-            npos);
   // A Session "url" set elsewhere cannot end the script either.
   session->Set(u"url", Variant(u"x');alert(1);//</script>"));
   EXPECT_EQ(Ok({{u"action", u"del"}, {u"id", u"3"}}),
@@ -120,6 +114,8 @@ TEST_F(KeywordPages, BadIdsAreRefusedBeforeTheyReachTheDatabase) {
                                            {{u"id", u"abc"}},
                                            {{u"id", u"1;delete from keyword"}},
                                            {{u"id", u"1 or 1=1"}},
+                                           {{u"id", u"&H4"}},  // numbers to the script
+                                           {{u"id", u"4e0"}},  // language, not row numbers
                                            {{u"id", u"4"}, {u"id", u"5"}},  // read as "4, 5"
                                            {}}) {
     Keys query = bad;
@@ -128,8 +124,7 @@ TEST_F(KeywordPages, BadIdsAreRefusedBeforeTheyReachTheDatabase) {
     EXPECT_FALSE(run.completed);
     EXPECT_EQ(run.text, kBadId);
   }
-  const std::u16string none =
-      u"<script>window.alert('没有选择删除的纪录！');history.go(-1);</script>";
+  const std::u16string none = Alert(u"没有选择删除的纪录！");
   EXPECT_EQ(Ok({{u"action", u"alldel"}}), none);
   EXPECT_EQ(Ok({{u"action", u"alldel"}, {u"id", u""}}), none);
   // Values are checked one by one: those before a bad one stay deleted, those after stay.

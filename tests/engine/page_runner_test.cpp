@@ -1,4 +1,5 @@
 #include "engine/page_runner.h"
+#include "frame/escape.h"
 
 #include <gtest/gtest.h>
 
@@ -19,13 +20,14 @@ class Recorder : public SitePage {
     Property(u"id", id);
     Property(u"Note", Note);
     Property(u"Extra", Extra);
-    Block(u"Show", [this] { CurrentResponse().Write(u"[" + TextOf(id) + u"]"); });
+    Block(u"Show", [this] { CurrentResponse().Write(u"[" + HtmlText(TextOf(id)) + u"]"); });
     Block(u"Stop", [] { CurrentResponse().Write(u"stopped"), EndResponse(); });
     Block(u"Crash", [] { throw std::runtime_error("boom"); });
     Method(
         u"Wide",
         [](Args& args) {
-          CurrentResponse().Write(FromUtf8(std::to_string(args.size())));  // up to its arity
+          CurrentResponse().Write(
+              HtmlText(FromUtf8(std::to_string(args.size()))));  // up to its arity
           return Variant();
         },
         3);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/assignment_file.h"
+#include "gathering/id_rule_file.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::gathering {
@@ -38,6 +39,56 @@ TEST(RuleFile, IsRewrittenFromItsTemplateAndReadsBackAsTyped) {
   EXPECT_EQ(arms[0].values[11].value, u"a\"b");
   EXPECT_EQ(arms[0].values[14].value, u"<b>\r\n<i>");
   EXPECT_THROW(RegenerateListRuleFile(*conn, site.root() / "missing.asp", out), ScriptError);
+}
+
+// Stored text that would end a line, close a string or start an arm if written as it is. Each
+// value is stored in every field of a rule of each kind; both files must still have one arm per
+// rule, and every field must read back as stored.
+TEST(RuleFile, NoStoredValueBreaksEitherFileOrAddsAnArm) {
+  const std::vector<std::pair<std::string, std::u16string>> hostile = {
+      {"'a\"b'", u"a\"b"},                      // a lone quote
+      {"'x\" \r\nCase 9'", u"x\" \r\nCase 9"},  // closes the string, then a new arm
+      {"'\"' || char(10) || 'Case 9' || char(13) || 'Web=\"z'", u"\"\nCase 9\rWeb=\"z"},
+      {"'\"><script>alert(1)</script>'", u"\"><script>alert(1)</script>"},
+      {"'%>'", u"%>"}};
+  for (const auto& [sql, typed] : hostile) {
+    SCOPED_TRACE(ToUtf8(typed));
+    testing::TestSite site;
+    auto conn = std::make_shared<ado::Connection>();
+    conn->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
+    const auto templ = site.root() / "template.asp", out = site.root() / "rules.asp";
+    std::ofstream(templ) << "<%\r\nSelect Case ID\r\n[osearch]gather_web_list[/osearch]\r\n"
+                            "End Select\r\n%>";
+    std::string listColumns, idColumns, listValues, idValues;
+    for (const ListRuleField& f : ListRuleFields()) {
+      listColumns += (listColumns.empty() ? "" : ",") + ToUtf8(f.column);
+      listValues += (listValues.empty() ? "" : ",") + sql;
+    }
+    for (const char16_t* column : kIdRuleColumns) {
+      idColumns += (idColumns.empty() ? "" : ",") + ToUtf8(column);
+      idValues += (idValues.empty() ? "" : ",") + sql;
+    }
+    for (int i = 0; i < 2; ++i) {
+      testing::Sql(site.database(),
+                   "insert into gather_list_web (" + listColumns + ") values (" + listValues + ")");
+      testing::Sql(site.database(),
+                   "insert into gather_id_web (" + idColumns + ") values (" + idValues + ")");
+    }
+
+    auto readBack = [&](size_t fieldCount) {
+      const auto arms = engine::ParseCaseArms(text::Decode(testing::ReadFile(out), 936));
+      ASSERT_EQ(arms.size(), 2u);
+      for (size_t a = 0; a < 2; ++a) {
+        EXPECT_EQ(arms[a].label, u"\"" + FromUtf8(std::to_string(a + 1)) + u"\"");
+        ASSERT_EQ(arms[a].values.size(), fieldCount);
+        for (const auto& v : arms[a].values) EXPECT_EQ(v.value, typed) << ToUtf8(v.name);
+      }
+    };
+    ASSERT_TRUE(RegenerateListRuleFile(*conn, templ, out));
+    readBack(ListRuleFields().size());
+    WriteIdRuleFile(*conn, templ, out);
+    readBack(kIdRuleKeys.size());
+  }
 }
 
 }  // namespace

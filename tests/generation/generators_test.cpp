@@ -162,7 +162,7 @@ TEST_F(Generation, DriverFramesFollowEachTopLevelPageWithItsSubCategories) {
   EXPECT_EQ(Frames(u"Ostrakan.Class27", 3, {}, {{u"id", u"2"}, {u"id", u"1"}}),
             (Plan{"one:2", "two:4", "one:1", "two:3", "two:5"}));
   EXPECT_EQ(Frames(u"Ostrakan.Class27", 3, {}, {{u"id", u"1 or 1=1\"><b>"}}),
-            (Plan{"one:1 or 1=1&quot;&gt;&lt;b&gt;"}));
+            (Plan{"one:1%20or%201%3D1%22%3E%3Cb%3E"}));
   EXPECT_TRUE(Frames(u"Ostrakan.Class27", 3, {}).empty());
   EXPECT_EQ(Frames(u"Ostrakan.Class57", 2, {{u"id", u"5"}, {u"id", u"3"}}),
             (Plan{"two:5", "two:3"}));

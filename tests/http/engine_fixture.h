@@ -9,6 +9,7 @@
 
 #include "engine/http_server.h"
 #include "frame/error_log.h"
+#include "frame/escape.h"
 #include "frame/site_page.h"
 #include "http/http_client.h"
 #include "platform/http/fetcher.h"
@@ -31,7 +32,7 @@ class TestPage : public SitePage {
         Session& s = CurrentSession();
         int32_t n = s.Get(u"n").IsEmpty() ? 1 : CLng(s.Get(u"n")) + 1;
         s.Set(u"n", Variant(n));
-        CurrentResponse().Write(u"n=" + CStr(Variant(n)));
+        CurrentResponse().Write(u"n=" + HtmlText(CStr(Variant(n))));
       });
     });
     Block(u"SignIn", [this] { CurrentSession().Set(TextOf(Admin_Session), Variant(u"admin")); });
@@ -64,7 +65,7 @@ class TestPage : public SitePage {
       Variant n = Variant(a.Get(u"visits").IsEmpty() ? 1 : CLng(a.Get(u"visits")) + 1);
       a.Set(u"visits", n);
       a.Unlock();
-      CurrentResponse().Write(u"visit " + CStr(n));
+      CurrentResponse().Write(u"visit " + HtmlText(CStr(n)));
     });
     // Fetches Request("url") with the default fetcher, as a gathering page does.
     Block(u"Fetch", [] {

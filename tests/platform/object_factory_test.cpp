@@ -15,7 +15,6 @@ TEST(ObjectFactory, EachCallMakesANewObjectAndUnknownNamesAreError429) {
     FAIL();
   } catch (const ScriptError& e) {
     EXPECT_EQ(e.number, 429);
-    EXPECT_EQ(e.description, u"ActiveX component can't create object");
   }
 }
 

@@ -1,0 +1,40 @@
+#include "frame/row_delete_page.h"
+
+#include "frame/row_deletes.h"
+
+namespace ostrakan {
+
+RowDeletePage::RowDeletePage(std::u16string context, std::u16string_view table, Answer afterOne,
+                             Answer afterTicked)
+    : DatabasePage(std::move(context)),
+      table_(table),
+      afterOne_(std::move(afterOne)),
+      afterTicked_(std::move(afterTicked)) {
+  Block(u"InitFunction3", [this] {
+    Guard(u"InitFunction3", [&] {
+      const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
+      if (action == u"del")
+        DeleteOne();
+      else if (action == u"alldel" && afterTicked_)
+        DeleteTicked();
+    });
+  });
+  Block(u"delete", [this] { DeleteOne(); });
+  if (afterTicked_) Block(u"alldelete", [this] { DeleteTicked(); });
+}
+
+void RowDeletePage::DeleteOne() {
+  Guard(u"delete", [&] {
+    DeleteRequestedRow(conn, table_);
+    CurrentResponse().Write(afterOne_());
+  });
+}
+
+void RowDeletePage::DeleteTicked() {
+  Guard(u"alldelete", [&] {
+    DeleteTickedRows(conn, table_);
+    CurrentResponse().Write(afterTicked_());
+  });
+}
+
+}  // namespace ostrakan
