@@ -8,7 +8,7 @@ function checkAdmin(form) {
   if (form.username.value == '') { alert('管理帐号不能空！'); form.username.focus(); return false; }
   if (form.password.value == '') { alert('管理密码不能空！'); form.password.focus(); return false; }
   if (form.password.value != form.password2.value) { alert('两次输入的密码不一致！'); form.password2.focus(); return false; }
-  var removedAtSignIn = /[\x00-\x20#%'"()*+;<>\[\]]/;
+  var removedAtSignIn = /[\x00-\x20#%\x27\x22()*+;<>\[\]]/;
   if (removedAtSignIn.test(form.username.value)) { alert('管理帐号不能含有空格、引号、括号及 # % * + ; < > [ ] 等符号，请重新输入！'); form.username.focus(); return false; }
   if (removedAtSignIn.test(form.password.value)) { alert('管理密码不能含有空格、引号、括号及 # % * + ; < > [ ] 等符号，请重新输入！'); form.password.focus(); return false; }
   return true;

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "frame/error_log.h"
+#include "frame/escape.h"
 #include "frame/request_context.h"
 #include "platform/ado/database_error.h"
 
@@ -125,7 +126,7 @@ Variant Component::GuardValue(std::u16string_view method, const std::function<Va
   // A store that the disk refused is the administrator's to fix, so an administration page
   // says why instead of ending empty (public pages keep the server's state to themselves).
   if (storageFailure && context_.starts_with(u"\\admin\\") && CurrentContext().response)
-    CurrentContext().response->Write(Variant(*storageFailure));
+    CurrentContext().response->Write(HtmlText(*storageFailure));
   return {};
 }
 

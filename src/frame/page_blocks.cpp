@@ -1,5 +1,7 @@
 #include "frame/page_blocks.h"
 
+#include "frame/escape.h"
+
 #include "platform/ado/connection.h"
 #include "platform/ado/database_error.h"
 #include "platform/ado/recordset.h"
@@ -37,8 +39,9 @@ void OpenConnection(const Component& page, std::u16string_view method, const Var
     page.LogError(method, e.description);
     conn = Variant::Nothing();
     const std::optional<std::u16string> storageFailure = ado::StorageFailureSentence(e);
-    WriteAndEnd(storageFailure ? *storageFailure
-                               : u"数据库连接出错，请检查Setup.asp文件中的数据库参数设置。");
+    WriteAndEnd(storageFailure
+                    ? HtmlText(*storageFailure)
+                    : Markup(u"数据库连接出错，请检查Setup.asp文件中的数据库参数设置。"));
   }
 }
 

@@ -71,8 +71,9 @@ class TestPage : public SitePage {
     Block(u"Fetch", [] {
       http::FetchResult r =
           http::DefaultFetcher()->Get(ToUtf8(TextOf(CurrentRequest().Item(u"url"))));
-      CurrentResponse().Write(r.completed ? u"fetched " + FromUtf8(std::to_string(r.status))
-                                          : u"not fetched: " + FromUtf8(r.error));
+      CurrentResponse().Write(r.completed
+                                  ? u"fetched " + HtmlText(FromUtf8(std::to_string(r.status)))
+                                  : u"not fetched: " + HtmlText(FromUtf8(r.error)));
     });
     Block(u"Crash", [] { throw std::runtime_error("boom: escaped the component"); });
     Block(u"GuardedCrash", [this] {
