@@ -31,7 +31,8 @@ constexpr std::u16string_view kHead =
     u"</head>\r\n"
     u"<body class=\"content\">\r\n"
     u"<h3>采集信息管理 - 数据修改</h3>\r\n"
-    u"<form name=\"form\" id=\"form\" method=\"post\" action=\"db_edit_ok.asp\" "
+    u"<form accept-charset=\"gb18030\" name=\"form\" id=\"form\" method=\"post\" "
+    u"action=\"db_edit_ok.asp\" "
     u"onsubmit=\"return check()\">\r\n"
     u"<table class=\"form\">\r\n";
 

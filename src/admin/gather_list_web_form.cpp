@@ -29,7 +29,8 @@ constexpr std::u16string_view kHead =
     u"</head>\r\n"
     u"<body class=\"content\">\r\n"
     u"<h3>采集信息管理 - 列表采集网站修改</h3>\r\n"
-    u"<form name=\"form\" id=\"form\" method=\"post\" action=\"gather_list_web_edit_ok.asp\" "
+    u"<form accept-charset=\"gb18030\" name=\"form\" id=\"form\" method=\"post\" "
+    u"action=\"gather_list_web_edit_ok.asp\" "
     u"onsubmit=\"return check()\">\r\n"
     u"<table class=\"form\">\r\n";
 

@@ -94,7 +94,7 @@ std::u16string IdRuleFormPage(IdRuleFormKind kind, const IdRule& rule, std::u16s
       u"<link rel=\"stylesheet\" href=\"css/style.css\" type=\"text/css\">\r\n";
   page += kCheck;
   page += u"</head>\r\n<body class=\"content\">\r\n<h3>" + title + u"</h3>\r\n";
-  page += u"<form name=\"form\" id=\"form\" method=\"post\" action=\"";
+  page += u"<form accept-charset=\"gb18030\" name=\"form\" id=\"form\" method=\"post\" action=\"";
   page += edit ? u"gather_id_web_edit_ok.asp" : u"gather_id_web_add_ok.asp";
   page += u"\" onsubmit=\"return check()\">\r\n<table class=\"form\">\r\n";
   page += Row(u"网站名称：", TextInput(u"web", rule.web, u"30"), u"");
