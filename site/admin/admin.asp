@@ -17,7 +17,7 @@ function checkAdmin(form) {
 </head>
 <body class="content">
 <h3>帐号设置</h3>
-<form name="admin" method="post" action="admin_ok.asp" onsubmit="return checkAdmin(this)">
+<form accept-charset="gb18030" name="admin" method="post" action="admin_ok.asp" onsubmit="return checkAdmin(this)">
 <table class="form">
   <tr><th>管理帐号：</th><td><input type="text" name="username" id="username" maxlength="50" class="input" value="<% InitFunction3 %>"></td></tr>
   <tr><th>新 密 码：</th><td><input type="password" name="password" id="password" maxlength="50" class="input"></td></tr>

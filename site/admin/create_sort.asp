@@ -21,7 +21,7 @@ function check_generate() {
 </head>
 <body class="content">
 <h3>生成HTML - 一级分类</h3>
-<form name="list" id="list" method="post" action="create_sort_one_instruction.asp" onsubmit="return check_generate()">
+<form accept-charset="gb18030" name="list" id="list" method="post" action="create_sort_one_instruction.asp" onsubmit="return check_generate()">
 <div class="categories"><% InitFunction4 %></div>
 <p class="batch"><label><input type="checkbox" id="chkall" onclick="selectAll(this)"> 全选</label>
 <input type="submit" value="生成选中分类" class="button"> <span class="hint">连同它们的二级分类一起生成。</span></p>

@@ -21,7 +21,7 @@ function check_generate() {
 </head>
 <body class="content">
 <h3><a href="create_sort.asp">Éú³ÉHTML</a> &gt;&gt; <% InitFunction4 %></h3>
-<form name="list" id="list" method="post" action="create_sort_two_instruction.asp" onsubmit="return check_generate()">
+<form accept-charset="gb18030" name="list" id="list" method="post" action="create_sort_two_instruction.asp" onsubmit="return check_generate()">
 <table class="letters" width="100%" border="0" cellpadding="4" cellspacing="1" bgcolor="#C8D3E3">
 <% InitFunction5 %>
 </table>

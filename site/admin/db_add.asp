@@ -17,7 +17,7 @@ function check() {
 </head>
 <body class="content">
 <h3>采集信息管理 - 数据添加</h3>
-<form name="form" id="form" method="post" action="db_add_ok.asp" onsubmit="return check()">
+<form accept-charset="gb18030" name="form" id="form" method="post" action="db_add_ok.asp" onsubmit="return check()">
 <table class="form">
 <tr><th>标　　题：</th><td><input type="text" name="title" size="50" maxlength="50" value=""></td></tr>
 <tr><th>描　　述：</th><td><textarea name="content" cols="41" rows="5"></textarea> <span class="hint">150字以内</span></td></tr>

@@ -23,7 +23,7 @@ function check_delete() {
 </head>
 <body class="content">
 <h3>数据列表</h3>
-<form name="list" id="list" method="get" action="db_ok.asp" onsubmit="return check_delete()">
+<form accept-charset="gb18030" name="list" id="list" method="get" action="db_ok.asp" onsubmit="return check_delete()">
 <input type="hidden" name="action" value="alldel">
 <div class="records"><% InitFunction4 %></div>
 <p class="batch"><label><input type="checkbox" id="chkall" onclick="selectAll(this)"> 全选</label>

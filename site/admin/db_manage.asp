@@ -12,13 +12,13 @@ function check_url(form) {
 </head>
 <body class="content">
 <h3>数据维护</h3>
-<form name="del" method="get" action="db_manage_ok.asp" onsubmit="return confirm('确定要删除所有没有标题的记录吗？')">
+<form accept-charset="gb18030" name="del" method="get" action="db_manage_ok.asp" onsubmit="return confirm('确定要删除所有没有标题的记录吗？')">
 <input type="hidden" name="action" value="del">
 <table class="form">
   <tr><th>清理数据：</th><td><input type="submit" value="删除无标题记录" class="button"> <span class="hint">删除标题为空的无效记录。</span></td></tr>
 </table>
 </form>
-<form name="del_url" method="get" action="db_manage_ok.asp" onsubmit="return check_url(this)">
+<form accept-charset="gb18030" name="del_url" method="get" action="db_manage_ok.asp" onsubmit="return check_url(this)">
 <input type="hidden" name="action" value="del_url">
 <table class="form">
   <tr><th>来源网址：</th><td>http://<input type="text" name="url" id="url" size="41" maxlength="255" class="input wide"> <input type="submit" value="删除来源数据" class="button"></td></tr>

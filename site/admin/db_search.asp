@@ -15,7 +15,7 @@ function select_all(box) {
 </head>
 <body class="content">
 <h3>数据搜索</h3>
-<form name="search" method="get" action="db_search.asp" class="filter">
+<form accept-charset="gb18030" name="search" method="get" action="db_search.asp" class="filter">
 关键字：<input type="text" name="keyword" id="keyword" maxlength="50" class="input" value="<%= Keyword %>">
 <select name="action" id="action">
   <option value="title">标题</option>
@@ -24,7 +24,7 @@ function select_all(box) {
 </select>
 <input type="submit" value="搜 索" class="button">
 </form>
-<form name="list" method="get" action="db_ok.asp" onsubmit="return confirm('确定要删除选中的记录吗？')">
+<form accept-charset="gb18030" name="list" method="get" action="db_ok.asp" onsubmit="return confirm('确定要删除选中的记录吗？')">
 <input type="hidden" name="action" value="alldel">
 <% InitFunction5 %>
 <p class="batch" id="batch"><label><input type="checkbox" onclick="select_all(this)"> 全选</label> <input type="submit" value="删除选中" class="button"></p>

@@ -6,7 +6,7 @@
 </head>
 <body class="content">
 <h3>编号采集 - <% InitFunction4 %></h3>
-<form name="form" method="post" action="gather_id_db_ok.asp">
+<form accept-charset="gb18030" name="form" method="post" action="gather_id_db_ok.asp">
 <table class="form">
 <tr><th>起始ID：</th><td><input type="text" name="ID_Start" size="10"></td></tr>
 <tr><th>结束ID：</th><td><input type="text" name="ID_End" size="10"></td></tr>

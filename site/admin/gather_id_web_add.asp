@@ -18,7 +18,7 @@ function check() {
 </head>
 <body class="content">
 <h3>采集信息管理 - 编号采集网站添加</h3>
-<form name="form" id="form" method="post" action="gather_id_web_add_ok.asp" onsubmit="return check()">
+<form accept-charset="gb18030" name="form" id="form" method="post" action="gather_id_web_add_ok.asp" onsubmit="return check()">
 <table class="form">
 <tr><th>网站名称：</th><td><input type="text" name="web" size="30" value=""> *</td></tr>
 <tr><th>网站网址：</th><td><input type="text" name="url" size="50" value=""> *<br><span class="hint">网站主域网址，例如：http://www.example.com/</span></td></tr>

@@ -6,7 +6,7 @@
 </head>
 <body class="content">
 <h3>编号采集网站测试 - <% InitFunction2 %></h3>
-<form name="form" method="post" action="gather_id_web_verify.asp?id=<% InitFunction3 %>">
+<form accept-charset="gb18030" name="form" method="post" action="gather_id_web_verify.asp?id=<% InitFunction3 %>">
 起始ID：<input type="text" name="ID_Start" size="10" class="input short">
 结束ID：<input type="text" name="ID_End" size="10" class="input short">
 <input type="hidden" name="Action" value="ok">

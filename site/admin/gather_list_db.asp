@@ -13,7 +13,7 @@ function check() {
 </head>
 <body class="content">
 <h3>列表采集：<% InitFunction5 %></h3>
-<form name="form" id="form" method="get" action="gather_list_db_ok.asp" onsubmit="return check()">
+<form accept-charset="gb18030" name="form" id="form" method="get" action="gather_list_db_ok.asp" onsubmit="return check()">
 <input type="hidden" name="ID" value="<% InitFunction4 %>">
 <table class="form">
 <tr><th>关 键 字：</th><td><input type="text" name="keyword" size="30" value=""> <span class="hint">不填时用“电影”</span></td></tr>

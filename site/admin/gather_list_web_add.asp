@@ -16,7 +16,7 @@ function check() {
 </head>
 <body class="content">
 <h3>采集信息管理 - 列表采集网站添加</h3>
-<form name="form" id="form" method="post" action="gather_list_web_add_ok.asp" onsubmit="return check()">
+<form accept-charset="gb18030" name="form" id="form" method="post" action="gather_list_web_add_ok.asp" onsubmit="return check()">
 <table class="form">
 <tr><th>网站名称：</th><td><input type="text" name="web" size="70" value=""></td></tr>
 <tr><th>网站网址：</th><td><input type="text" name="url" size="70" value=""></td></tr>

@@ -19,7 +19,7 @@ function checkLogin(form) {
 <div class="login-box">
   <h1><%= Setting("WebSite_Title") %></h1>
   <h2>管理后台登录</h2>
-  <form name="login" method="post" action="login.asp" onsubmit="return checkLogin(this)">
+  <form accept-charset="gb18030" name="login" method="post" action="login.asp" onsubmit="return checkLogin(this)">
     <table class="form">
       <tr><th>管理帐号：</th><td><input type="text" name="username" id="username" maxlength="50" class="input"></td></tr>
       <tr><th>管理密码：</th><td><input type="password" name="password" id="password" maxlength="50" class="input"></td></tr>

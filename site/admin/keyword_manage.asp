@@ -15,12 +15,12 @@ function select_all(box) {
 </head>
 <body class="content">
 <h3>关键词管理</h3>
-<form name="search" method="get" action="keyword_manage.asp" class="filter">
+<form accept-charset="gb18030" name="search" method="get" action="keyword_manage.asp" class="filter">
 关键词：<input type="text" name="keyword" id="keyword" maxlength="50" class="input">
 <input type="submit" value="筛 选" class="button">
 <a href="keyword_manage.asp">全部关键词</a>
 </form>
-<form name="list" method="get" action="keyword_ok.asp" onsubmit="return confirm('确定要删除选中的关键词吗？')">
+<form accept-charset="gb18030" name="list" method="get" action="keyword_ok.asp" onsubmit="return confirm('确定要删除选中的关键词吗？')">
 <input type="hidden" name="action" value="alldel">
 <% InitFunction5 %>
 <p class="batch" id="batch"><label><input type="checkbox" onclick="select_all(this)"> 全选</label> <input type="submit" value="删除选中" class="button"></p>

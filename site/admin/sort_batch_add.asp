@@ -12,7 +12,7 @@ function check() {
 </head>
 <body class="content">
 <h3>分类管理 - 批量添加</h3>
-<form name="batch" id="batch" method="post" action="sort_batch_add_ok.asp" onsubmit="return check()">
+<form accept-charset="gb18030" name="batch" id="batch" method="post" action="sort_batch_add_ok.asp" onsubmit="return check()">
 <input type="hidden" name="sort_id" value="<% InitFunction5 %>">
 <table class="form">
 <tr><th>添加位置：</th><td><%= locality %></td></tr>

@@ -36,7 +36,7 @@ function check_delete() {
 </head>
 <body class="content">
 <h3><a href="sort_manage.asp">分类管理</a> &gt;&gt; <% InitFunction7 %></h3>
-<form name="add" id="add" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
+<form accept-charset="gb18030" name="add" id="add" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
 <input type="hidden" name="action" value="add">
 <input type="hidden" name="sort_id" value="<% InitFunction5 %>">
 <table class="form">
@@ -45,7 +45,7 @@ function check_delete() {
 </table>
 </form>
 <div id="edit_box" style="display:none">
-<form name="edit" id="edit" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
+<form accept-charset="gb18030" name="edit" id="edit" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
 <input type="hidden" name="action" value="edit">
 <input type="hidden" name="id" value="">
 <input type="hidden" name="sort_id" value="<% InitFunction6 %>">
@@ -55,7 +55,7 @@ function check_delete() {
 </table>
 </form>
 </div>
-<form name="list" id="list" method="get" action="sort_ok.asp" onsubmit="return check_delete()">
+<form accept-charset="gb18030" name="list" id="list" method="get" action="sort_ok.asp" onsubmit="return check_delete()">
 <input type="hidden" name="action" value="alldel">
 <table class="letters" width="100%" border="0" cellpadding="4" cellspacing="1" bgcolor="#C8D3E3">
 <% InitFunction8 %>

@@ -36,7 +36,7 @@ function check_delete() {
 </head>
 <body class="content">
 <h3>分类管理 - 一级分类</h3>
-<form name="add" id="add" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
+<form accept-charset="gb18030" name="add" id="add" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
 <input type="hidden" name="action" value="add">
 <input type="hidden" name="sort_id" value="0">
 <table class="form">
@@ -44,7 +44,7 @@ function check_delete() {
 </table>
 </form>
 <div id="edit_box" style="display:none">
-<form name="edit" id="edit" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
+<form accept-charset="gb18030" name="edit" id="edit" method="post" action="sort_ok.asp" onsubmit="return check_name(this)">
 <input type="hidden" name="action" value="edit">
 <input type="hidden" name="id" value="">
 <input type="hidden" name="sort_id" value="0">
@@ -53,7 +53,7 @@ function check_delete() {
 </table>
 </form>
 </div>
-<form name="list" id="list" method="get" action="sort_ok.asp" onsubmit="return check_delete()">
+<form accept-charset="gb18030" name="list" id="list" method="get" action="sort_ok.asp" onsubmit="return check_delete()">
 <input type="hidden" name="action" value="alldel">
 <div class="categories"><% InitFunction4 %></div>
 <p class="batch"><label><input type="checkbox" id="chkall" onclick="selectAll(this)"> 全选</label>

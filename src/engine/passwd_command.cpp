@@ -28,6 +28,8 @@ class Database {
     if (!db_)
       throw PasswdError("cannot open the database " + file.string() + ": " + opened_.problem);
   }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
 
   void Exec(const char* sql) {
     if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) throw PasswdError(Error());

@@ -29,7 +29,7 @@ Markup FormPageHead(const Markup& title, std::span<const FieldCheck> checks, con
       u"<h3>" +
       title +
       u"</h3>\r\n"
-      u"<form name=\"form\" id=\"form\" method=\"post\" action=\"" +
+      u"<form accept-charset=\"gb18030\" name=\"form\" id=\"form\" method=\"post\" action=\"" +
       action + u"\" onsubmit=\"return check()\">\r\n<table class=\"form\">\r\n";
   return page;
 }

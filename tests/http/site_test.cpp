@@ -115,8 +115,17 @@ TEST_F(SiteTest, GbkTextCrossesTheWireBothWays) {
 // A record holding characters that GBK lacks (an emoji, a CJK character of extension B, one
 // of the BMP's newer ones, Hangul), as gathering from a UTF-8 site stores them: the edit page
 // writes them as GB18030 sequences, which a browser reads under the gb2312 label, and saving
-// the form (sent in GB18030) stores them unchanged, every time.
+// the form stores them unchanged, every time. A browser sends a gb2312 page's form in GBK,
+// turning what GBK lacks into "&#128512;" text; a form with accept-charset="gb18030" is sent
+// in GB18030 instead, as the post below is, so every form of the administration asks for it.
 TEST_F(SiteTest, CharactersOutsideGbkSurviveSavingARecord) {
+  constexpr std::string_view kForm = "<form accept-charset=\"gb18030\" ";
+  for (const auto& entry : std::filesystem::directory_iterator(root() / "admin")) {
+    if (entry.path().extension() != ".asp") continue;
+    const std::string page = ReadFile(entry.path());
+    for (size_t at = page.find("<form"); at != std::string::npos; at = page.find("<form", at + 1))
+      EXPECT_EQ(page.compare(at, kForm.size(), kForm), 0) << entry.path().filename();
+  }
   const std::string cookie = SignIn();
   const std::u16string title = u"片名😀𠀀龦가";
   Sql(database(), "insert into db (title, content, url, source, source_url) values ('" +
@@ -126,6 +135,7 @@ TEST_F(SiteTest, CharactersOutsideGbkSurviveSavingARecord) {
     HttpReply edit = client().Get("/admin/db_edit.asp?id=" + id, {cookie});
     EXPECT_NE(edit.body.find(text::Encode(title, 936)), std::string::npos);
     EXPECT_NE(text::DecodeCharset(edit.body, u"gb2312").find(title), std::u16string::npos);
+    EXPECT_NE(edit.body.find(kForm), std::string::npos);
     const HttpReply saved = client().Post(
         "/admin/db_edit_ok.asp",
         "id=" + id + "&title=" + GbkEscape(title) + "&content=" + GbkEscape(u"内容🎬") +
