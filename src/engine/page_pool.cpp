@@ -78,19 +78,27 @@ void PagePool::Submit(Lane lane, Work run, Work expired) {
     expired();
     return;
   }
+  // The expiry thread sleeps until the oldest job's deadline; a job behind others has a later
+  // one, so only a job that finds its queue empty needs to wake it.
+  const bool wasEmpty = queue.empty();
   queue.push_back(
       {std::move(run), std::move(expired), std::chrono::steady_clock::now() + options_.maxWait});
+  // Wake exactly one thread that can take the job: a quick job goes to an idle quick thread
+  // when there is one, otherwise to any idle thread. Waking more costs a context switch each.
+  std::condition_variable& wake = lane == Lane::Quick && idleQuick_ > 0 ? quickWork_ : work_;
   lock.unlock();
-  if (lane == Lane::Quick) quickWork_.notify_one();
-  work_.notify_one();
-  changed_.notify_one();
+  wake.notify_one();
+  if (wasEmpty) changed_.notify_one();
 }
 
 void PagePool::Serve(bool quickOnly) {
   std::unique_lock lock(mutex_);
+  int& idle = quickOnly ? idleQuick_ : idleOther_;
   while (true) {
     auto mine = [&] { return !quick_.empty() || (!quickOnly && !other_.empty()); };
+    ++idle;
     (quickOnly ? quickWork_ : work_).wait(lock, [&] { return mine() || stopping_; });
+    --idle;
     if (!mine()) return;  // stopping, and nothing left for this thread
     std::deque<Job>* queue = !quick_.empty() ? &quick_ : &other_;
     Job job = std::move(queue->front());

@@ -57,6 +57,7 @@ class PagePool {
   std::condition_variable changed_;    // for Expire: a job came or stopping
   std::deque<Job> quick_, other_;
   bool stopping_ = false;
+  int idleQuick_ = 0, idleOther_ = 0;  // threads waiting for work, by kind
   std::vector<pthread_t> threads_;
 };
 
