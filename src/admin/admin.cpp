@@ -3,12 +3,12 @@
 namespace ostrakan::admin {
 
 Admin::Admin() : GuardedPage(u"\\admin\\admin") {
-  Block(u"InitFunction2", [this] { InitFunction2(); });
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction2", &Admin::InitFunction2);
+  Block(u"InitFunction3", &Admin::InitFunction3);
 }
 
 void Admin::InitFunction3() {
-  Guard(u"InitFunction3", [&] { WriteSessionValue(TextOf(Admin_Session)); });
+  WriteSessionValue(TextOf(Admin_Session));
 }
 
 }  // namespace ostrakan::admin

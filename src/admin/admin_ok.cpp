@@ -8,8 +8,8 @@ namespace ostrakan::admin {
 AdminOk::AdminOk() : WithMd5(u"\\admin\\admin_ok") {
   Property(u"rs", rs);
   Property(u"password", password);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
+  Block(u"InitFunction3", &AdminOk::InitFunction3);
+  Block(u"InitFunction4", &AdminOk::InitFunction4);
   UseFiltration(FilterKind::Strict);
 }
 

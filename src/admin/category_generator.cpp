@@ -21,29 +21,27 @@ CategoryGenerator::CategoryGenerator(std::u16string context, generation::PageKin
                               {u"pellumar", &pellumar},
                               {u"ohtml", &ohtml}})
     Property(name, *member);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &CategoryGenerator::InitFunction3);
 }
 
 void CategoryGenerator::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    const generation::FrontEnd site{CurrentServer().siteRoot(), TextOf(WebSite_Title),
-                                    generation::ShowsSource(Source_Show)};
-    const Generated result =
-        generation::GeneratePage(kind_, ConnectionOf(conn), fs::FileSystem::Real(), site, id);
-    switch (result.outcome) {
-      case Generated::Outcome::BadId:
-        conn = Variant::Nothing();
-        WriteAndEnd(u"非法ID参数");
-      case Generated::Outcome::Unknown:
-        WriteAndEnd(u"该记录不存在或错误！");
-      case Generated::Outcome::Failed:
-        sort = result.name;
-        throw ScriptError(kFileFailure, FromUtf8(result.failure));
-      case Generated::Outcome::Written:
-        sort = result.name;
-        CurrentResponse().Write(HtmlText(result.name) + u" >> 生成HTML成功！");
-    }
-  });
+  const generation::FrontEnd site{CurrentServer().siteRoot(), TextOf(WebSite_Title),
+                                  generation::ShowsSource(Source_Show)};
+  const Generated result =
+      generation::GeneratePage(kind_, ConnectionOf(conn), fs::FileSystem::Real(), site, id);
+  switch (result.outcome) {
+    case Generated::Outcome::BadId:
+      conn = Variant::Nothing();
+      WriteAndEnd(u"非法ID参数");
+    case Generated::Outcome::Unknown:
+      WriteAndEnd(u"该记录不存在或错误！");
+    case Generated::Outcome::Failed:
+      sort = result.name;
+      throw ScriptError(kFileFailure, FromUtf8(result.failure));
+    case Generated::Outcome::Written:
+      sort = result.name;
+      CurrentResponse().Write(HtmlText(result.name) + u" >> 生成HTML成功！");
+  }
 }
 
 CreateSortOneOk::CreateSortOneOk()

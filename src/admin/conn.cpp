@@ -9,7 +9,7 @@ Conn::Conn() : Component(u"\\admin\\conn") {
   Property(u"connstr", connstr);
   Property(u"DB", DB);
   Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", [this] { InitFunction1(); });
+  Block(u"InitFunction1", &Conn::InitFunction1);
 }
 
 void Conn::InitFunction1() {
@@ -24,14 +24,12 @@ Connstr::Connstr() : Component(u"\\admin\\connstr") {
   Property(u"connstr", connstr);
   Property(u"ODB", ODB);
   Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", [this] { InitFunction1(); });
+  Block(u"InitFunction1", &Connstr::InitFunction1);
 }
 
 void Connstr::InitFunction1() {
-  Guard(u"InitFunction1", [&] {
-    PageHeaderGuard(Admin_Session);
-    OpenConnection(*this, u"InitFunction1", ODB, connstr, conn);
-  });
+  PageHeaderGuard(Admin_Session);
+  OpenConnection(*this, u"InitFunction1", ODB, connstr, conn);
 }
 
 }  // namespace ostrakan::admin

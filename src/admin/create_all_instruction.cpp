@@ -9,17 +9,15 @@ namespace ostrakan::admin {
 CreateAllInstruction::CreateAllInstruction()
     : SubCategoryFrames(u"\\admin\\create_all_instruction") {
   Property(u"rs", rs);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &CreateAllInstruction::InitFunction3);
 }
 
 void CreateAllInstruction::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    for (const categories::Category& top : categories::TopLevel(ConnectionOf(conn))) {
-      CurrentResponse().Write(
-          generation::GeneratorFrame({generation::PageKind::TopLevel, Variant(top.id)}));
-      create_sort_two(Variant(top.id));
-    }
-  });
+  for (const categories::Category& top : categories::TopLevel(ConnectionOf(conn))) {
+    CurrentResponse().Write(
+        generation::GeneratorFrame({generation::PageKind::TopLevel, Variant(top.id)}));
+    create_sort_two(Variant(top.id));
+  }
 }
 
 }  // namespace ostrakan::admin

@@ -11,29 +11,25 @@ CreateSortList::CreateSortList() : DatabasePage(u"\\admin\\create_sort_list") {
   for (auto [name, member] :
        {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}, {u"rsa", &rsa}, {u"rs", &rs}})
     Property(name, *member);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
-  Block(u"InitFunction5", [this] { InitFunction5(); });
+  Block(u"InitFunction3", &CreateSortList::InitFunction3);
+  Block(u"InitFunction4", &CreateSortList::InitFunction4);
+  Block(u"InitFunction5", &CreateSortList::InitFunction5);
 }
 
 void CreateSortList::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    sort = CurrentRequest().Item(u"sort");
-    sort_id = CurrentRequest().Item(u"sort_id");
-    RequireId(sort_id, conn);
-  });
+  sort = CurrentRequest().Item(u"sort");
+  sort_id = CurrentRequest().Item(u"sort_id");
+  RequireId(sort_id, conn);
 }
 
 void CreateSortList::InitFunction4() {
-  Guard(u"InitFunction4", [&] { CurrentResponse().Write(HtmlText(TextOf(sort))); });
+  CurrentResponse().Write(HtmlText(TextOf(sort)));
 }
 
 void CreateSortList::InitFunction5() {
-  Guard(u"InitFunction5", [&] {
-    CurrentResponse().Write(
-        categories::GenerateLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
-    CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));
-  });
+  CurrentResponse().Write(
+      categories::GenerateLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
+  CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));
 }
 
 }  // namespace ostrakan::admin

@@ -10,21 +10,19 @@ CreateSortOneInstruction::CreateSortOneInstruction()
     : SubCategoryFrames(u"\\admin\\create_sort_one_instruction") {
   Property(u"nn", nn);
   Property(u"id", id);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &CreateSortOneInstruction::InitFunction3);
 }
 
 void CreateSortOneInstruction::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    // Ticked values go to the generator as they are; it checks them.
-    const std::vector<Variant> ticked = RequestValues(u"id");
-    for (size_t i = 0; i < ticked.size(); ++i) {
-      nn = Variant(static_cast<int32_t>(i + 1));
-      CurrentResponse().Write(
-          generation::GeneratorFrame({generation::PageKind::TopLevel, ticked[i]}));
-      create_sort_two(ticked[i]);
-    }
-    CloseAndRelease(conn);
-  });
+  // Ticked values go to the generator as they are; it checks them.
+  const std::vector<Variant> ticked = RequestValues(u"id");
+  for (size_t i = 0; i < ticked.size(); ++i) {
+    nn = Variant(static_cast<int32_t>(i + 1));
+    CurrentResponse().Write(
+        generation::GeneratorFrame({generation::PageKind::TopLevel, ticked[i]}));
+    create_sort_two(ticked[i]);
+  }
+  CloseAndRelease(conn);
 }
 
 }  // namespace ostrakan::admin

@@ -3,7 +3,7 @@
 namespace ostrakan::admin {
 
 DbAdd::DbAdd() : DatabasePage(u"\\admin\\db_add") {
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &DbAdd::InitFunction3);
 }
 
 }  // namespace ostrakan::admin

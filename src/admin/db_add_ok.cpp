@@ -4,14 +4,12 @@
 namespace ostrakan::admin {
 
 DbAddOk::DbAddOk() : RecordFormOk(u"\\admin\\db_add_ok") {
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &DbAddOk::InitFunction3);
 }
 
 void DbAddOk::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    StorePostedRecord(Variant());
-    CurrentResponse().Write(AlertAndGoTo(u"添加成功！", u"db_add.asp"));
-  });
+  StorePostedRecord(Variant());
+  CurrentResponse().Write(AlertAndGoTo(u"添加成功！", u"db_add.asp"));
 }
 
 }  // namespace ostrakan::admin

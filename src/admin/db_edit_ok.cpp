@@ -7,16 +7,14 @@ namespace ostrakan::admin {
 
 DbEditOk::DbEditOk() : RecordFormOk(u"\\admin\\db_edit_ok") {
   Property(u"id", id);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &DbEditOk::InitFunction3);
 }
 
 void DbEditOk::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    id = CurrentRequest().Form(u"id");
-    RequireId(id, conn);
-    StorePostedRecord(id);
-    CurrentResponse().Write(AlertAndGoBack(u"修改成功！"));
-  });
+  id = CurrentRequest().Form(u"id");
+  RequireId(id, conn);
+  StorePostedRecord(id);
+  CurrentResponse().Write(AlertAndGoBack(u"修改成功！"));
 }
 
 }  // namespace ostrakan::admin

@@ -5,19 +5,17 @@
 namespace ostrakan::admin {
 
 DbList::DbList() : PagedList(u"\\admin\\db_list", {u"条记录", false}) {
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
+  Block(u"InitFunction3", &DbList::InitFunction3);
+  Block(u"InitFunction4", &DbList::InitFunction4);
 }
 
 void DbList::InitFunction4() {
-  Guard(u"InitFunction4", [&] {
-    WriteList({u"select count(*) as db_count from db",
-               u"select top 20 id,title,url,source,source_url,time from db order by id desc",
-               u"select id,title,url,source,source_url,time from db order by id desc",
-               records::kRecordPageSize,
-               {}},
-              [&] { return u"db_list.asp?page=" + CStr(currentPage); });
-  });
+  WriteList({u"select count(*) as db_count from db",
+             u"select top 20 id,title,url,source,source_url,time from db order by id desc",
+             u"select id,title,url,source,source_url,time from db order by id desc",
+             records::kRecordPageSize,
+             {}},
+            [&] { return u"db_list.asp?page=" + CStr(currentPage); });
 }
 
 void DbList::showContent() {

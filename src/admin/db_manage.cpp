@@ -3,7 +3,7 @@
 namespace ostrakan::admin {
 
 DbManage::DbManage() : GuardedPage(u"\\admin\\db_manage") {
-  Block(u"InitFunction2", [this] { InitFunction2(); });
+  Block(u"InitFunction2", &DbManage::InitFunction2);
 }
 
 }  // namespace ostrakan::admin

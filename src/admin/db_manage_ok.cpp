@@ -8,19 +8,17 @@
 namespace ostrakan::admin {
 
 DbManageOk::DbManageOk() : DatabasePage(u"\\admin\\db_manage_ok") {
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"del", [this] { del(); });
-  Block(u"del_url", [this] { del_url(); });
+  Block(u"InitFunction3", &DbManageOk::InitFunction3);
+  Block(u"del", &DbManageOk::del);
+  Block(u"del_url", &DbManageOk::del_url);
 }
 
 void DbManageOk::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
-    if (action == u"del")
-      del();
-    else if (action == u"del_url")
-      del_url();
-  });
+  const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
+  if (action == u"del")
+    del();
+  else if (action == u"del_url")
+    del_url();
 }
 
 void DbManageOk::del() {

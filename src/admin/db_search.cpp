@@ -11,9 +11,9 @@ DbSearch::DbSearch() : PagedList(u"\\admin\\db_search", {u"条记录", false}) {
   Property(u"Keyword", Keyword);
   Property(u"action", action);
   Property(u"where_sql", where_sql);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
-  Block(u"InitFunction5", [this] { InitFunction5(); });
+  Block(u"InitFunction3", &DbSearch::InitFunction3);
+  Block(u"InitFunction4", &DbSearch::InitFunction4);
+  Block(u"InitFunction5", &DbSearch::InitFunction5);
   UseFiltration(FilterKind::SearchWords);
 }
 
@@ -22,41 +22,37 @@ DbSearch::DbSearch() : PagedList(u"\\admin\\db_search", {u"条记录", false}) {
 // InitFunction5 writes nothing. A "keyword" key that is empty, or empty once filtered, is a
 // search without a word and is refused.
 void DbSearch::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    const Request& request = CurrentRequest();
-    if (!request.queryString.Has(u"keyword")) return;
-    Keyword = request.QueryString(u"keyword");
-    filtration(Keyword);
-    if (Equals(Keyword, Variant(u""))) {
-      CloseAndRelease(conn);
-      WriteAndEnd(AlertAndGoBack(u"请输入关键字！"));
-    }
-    action = request.QueryString(u"action");
-    // Any other field leaves the condition empty: the search then lists every record. The word
-    // is bound into the condition.
-    const std::u16string field = TextOf(action);
-    where_sql = field == u"title" || field == u"content" || field == u"url"
-                    ? u"where " + field + u" like '%' || ? || '%'"
-                    : u"";
-    searching_ = true;
-  });
+  const Request& request = CurrentRequest();
+  if (!request.queryString.Has(u"keyword")) return;
+  Keyword = request.QueryString(u"keyword");
+  filtration(Keyword);
+  if (Equals(Keyword, Variant(u""))) {
+    CloseAndRelease(conn);
+    WriteAndEnd(AlertAndGoBack(u"请输入关键字！"));
+  }
+  action = request.QueryString(u"action");
+  // Any other field leaves the condition empty: the search then lists every record. The word
+  // is bound into the condition.
+  const std::u16string field = TextOf(action);
+  where_sql = field == u"title" || field == u"content" || field == u"url"
+                  ? u"where " + field + u" like '%' || ? || '%'"
+                  : u"";
+  searching_ = true;
 }
 
 void DbSearch::InitFunction5() {
-  Guard(u"InitFunction5", [&] {
-    if (!searching_) return;
-    const std::u16string where = TextOf(where_sql);
-    const std::u16string columns = u"id,title,content,url,source,source_url,time from db ";
-    WriteList({u"select count(*) as db_count from db " + where,
-               u"select top 20 " + columns + where + u" order by id desc",
-               u"select " + columns + where + u" order by id desc", records::kRecordPageSize,
-               where.empty() ? ado::Params{} : ado::Params{Keyword}},
-              // An edit or delete started from the results comes back to this search and page.
-              [&] {
-                return u"db_search.asp?action=" + UrlQuery(TextOf(action)).text() + u"&keyword=" +
-                       UrlQuery(TextOf(Keyword)).text() + u"&page=" + CStr(currentPage);
-              });
-  });
+  if (!searching_) return;
+  const std::u16string where = TextOf(where_sql);
+  const std::u16string columns = u"id,title,content,url,source,source_url,time from db ";
+  WriteList({u"select count(*) as db_count from db " + where,
+             u"select top 20 " + columns + where + u" order by id desc",
+             u"select " + columns + where + u" order by id desc", records::kRecordPageSize,
+             where.empty() ? ado::Params{} : ado::Params{Keyword}},
+            // An edit or delete started from the results comes back to this search and page.
+            [&] {
+              return u"db_search.asp?action=" + UrlQuery(TextOf(action)).text() + u"&keyword=" +
+                     UrlQuery(TextOf(Keyword)).text() + u"&page=" + CStr(currentPage);
+            });
 }
 
 void DbSearch::showContent() {

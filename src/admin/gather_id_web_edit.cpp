@@ -9,25 +9,23 @@ namespace ostrakan::admin {
 GatherIdWebEdit::GatherIdWebEdit() : DatabasePage(u"\\admin\\gather_id_web_edit") {
   Property(u"rs", rs);
   Property(u"id", id);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &GatherIdWebEdit::InitFunction3);
   UseFiltration(FilterKind::QuoteUndoubling);
 }
 
 void GatherIdWebEdit::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    id = CurrentRequest().QueryString(u"id");
-    ado::Recordset& records = OpenRowById(rs, u"*", u"gather_id_web", id, conn);
-    gathering::IdRule rule = gathering::ReadIdRule(records);
-    for (std::u16string* marker : {&rule.error_html, &rule.title_start, &rule.title_end,
-                                   &rule.content_start, &rule.content_end}) {
-      Variant shown(*marker);
-      *marker = TextOf(filtration(shown));
-    }
-    const std::u16string key = TextOf(records.Field(u"id"));
-    CloseAndRelease(rs);
-    CloseAndRelease(conn);
-    CurrentResponse().Write(gathering::IdRuleFormPage(gathering::IdRuleFormKind::Edit, rule, key));
-  });
+  id = CurrentRequest().QueryString(u"id");
+  ado::Recordset& records = OpenRowById(rs, u"*", u"gather_id_web", id, conn);
+  gathering::IdRule rule = gathering::ReadIdRule(records);
+  for (std::u16string* marker : {&rule.error_html, &rule.title_start, &rule.title_end,
+                                 &rule.content_start, &rule.content_end}) {
+    Variant shown(*marker);
+    *marker = TextOf(filtration(shown));
+  }
+  const std::u16string key = TextOf(records.Field(u"id"));
+  CloseAndRelease(rs);
+  CloseAndRelease(conn);
+  CurrentResponse().Write(gathering::IdRuleFormPage(gathering::IdRuleFormKind::Edit, rule, key));
 }
 
 }  // namespace ostrakan::admin

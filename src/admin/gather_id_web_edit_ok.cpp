@@ -7,16 +7,14 @@ namespace ostrakan::admin {
 
 GatherIdWebEditOk::GatherIdWebEditOk() : IdRuleFormOk(u"\\admin\\gather_id_web_edit_ok") {
   Property(u"id", id);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &GatherIdWebEditOk::InitFunction3);
 }
 
 void GatherIdWebEditOk::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    id = CurrentRequest().Form(u"id");
-    RequireId(id, conn);
-    StorePostedRule(id);
-    CurrentResponse().Write(Markup(kIdRuleFileFrame) + AlertAndGoBack(u"修改成功！"));
-  });
+  id = CurrentRequest().Form(u"id");
+  RequireId(id, conn);
+  StorePostedRule(id);
+  CurrentResponse().Write(Markup(kIdRuleFileFrame) + AlertAndGoBack(u"修改成功！"));
 }
 
 }  // namespace ostrakan::admin

@@ -7,18 +7,16 @@ namespace ostrakan::admin {
 
 GatherIdWebManage::GatherIdWebManage() : DatabasePage(u"\\admin\\gather_id_web_manage") {
   Property(u"rs", rs);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
+  Block(u"InitFunction3", &GatherIdWebManage::InitFunction3);
+  Block(u"InitFunction4", &GatherIdWebManage::InitFunction4);
 }
 
 void GatherIdWebManage::InitFunction4() {
-  Guard(u"InitFunction4", [&] {
-    ado::Recordset& rows =
-        OpenRecordset(rs, u"select id,web,range from gather_id_web order by id desc", conn);
-    gathering::WriteIdRuleRows(CurrentResponse(), rows);
-    CloseAndRelease(rs);
-    CloseAndRelease(conn);
-  });
+  ado::Recordset& rows =
+      OpenRecordset(rs, u"select id,web,range from gather_id_web order by id desc", conn);
+  gathering::WriteIdRuleRows(CurrentResponse(), rows);
+  CloseAndRelease(rs);
+  CloseAndRelease(conn);
 }
 
 }  // namespace ostrakan::admin

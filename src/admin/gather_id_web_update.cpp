@@ -6,18 +6,15 @@
 namespace ostrakan::admin {
 
 GatherIdWebUpdate::GatherIdWebUpdate() : DatabasePage(u"\\admin\\gather_id_web_update") {
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &GatherIdWebUpdate::InitFunction3);
 }
 
 void GatherIdWebUpdate::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    const Server& server = CurrentServer();
-    const std::filesystem::path templatePath(
-        server.MapPath(u"template\\gather_id_web_template.asp"));
-    const std::filesystem::path target(server.MapPath(u"gather_id_web_list.asp"));
-    gathering::WriteIdRuleFile(ConnectionOf(conn), templatePath, target);
-    CloseAndRelease(conn);
-  });
+  const Server& server = CurrentServer();
+  const std::filesystem::path templatePath(server.MapPath(u"template\\gather_id_web_template.asp"));
+  const std::filesystem::path target(server.MapPath(u"gather_id_web_list.asp"));
+  gathering::WriteIdRuleFile(ConnectionOf(conn), templatePath, target);
+  CloseAndRelease(conn);
 }
 
 }  // namespace ostrakan::admin

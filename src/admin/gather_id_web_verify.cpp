@@ -14,8 +14,8 @@ GatherIdWebVerify::GatherIdWebVerify() : IdRulePage(u"\\admin\\gather_id_web_ver
         std::pair{u"TitleEnd", &TitleEnd}, std::pair{u"ContentStart", &ContentStart},
         std::pair{u"ContentEnd", &ContentEnd}})
     Property(name, *member);
-  Block(u"InitFunction2", [this] { InitFunction2(); });
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction2", &GatherIdWebVerify::InitFunction2);
+  Block(u"InitFunction3", &GatherIdWebVerify::InitFunction3);
 }
 
 // Header, guard and, when the test form was sent, the test of every ID of the range.
@@ -32,12 +32,11 @@ void GatherIdWebVerify::FirstBlock() {
 }
 
 void GatherIdWebVerify::InitFunction2() {
-  Guard(u"InitFunction2", [&] { CurrentResponse().Write(HtmlText(TextOf(web))); });
+  CurrentResponse().Write(HtmlText(TextOf(web)));
 }
 
 void GatherIdWebVerify::InitFunction3() {
-  Guard(u"InitFunction3",
-        [&] { CurrentResponse().Write(HtmlAttr(TextOf(CurrentRequest().Item(u"id")))); });
+  CurrentResponse().Write(HtmlAttr(TextOf(CurrentRequest().Item(u"id"))));
 }
 
 }  // namespace ostrakan::admin

@@ -9,24 +9,18 @@ GatherListDb::GatherListDb() : DatabasePage(u"\\admin\\gather_list_db") {
   Property(u"rs", rs);
   Property(u"id", id);
   Property(u"web", web);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] {
-    Guard(u"InitFunction4", [&] { CurrentResponse().Write(HtmlAttr(TextOf(id))); });
-  });
-  Block(u"InitFunction5", [this] {
-    Guard(u"InitFunction5", [&] { CurrentResponse().Write(HtmlText(TextOf(web))); });
-  });
+  Block(u"InitFunction3", &GatherListDb::InitFunction3);
+  Block(u"InitFunction4", [this] { CurrentResponse().Write(HtmlAttr(TextOf(id))); });
+  Block(u"InitFunction5", [this] { CurrentResponse().Write(HtmlText(TextOf(web))); });
 }
 
 void GatherListDb::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    Variant requested = CurrentRequest().QueryString(u"id");
-    ado::Recordset& rule = OpenRowById(rs, u"id,web", u"gather_list_web", requested, conn);
-    id = rule.Field(u"id");
-    web = rule.Field(u"web");
-    CloseAndRelease(rs);
-    CloseAndRelease(conn);
-  });
+  Variant requested = CurrentRequest().QueryString(u"id");
+  ado::Recordset& rule = OpenRowById(rs, u"id,web", u"gather_list_web", requested, conn);
+  id = rule.Field(u"id");
+  web = rule.Field(u"web");
+  CloseAndRelease(rs);
+  CloseAndRelease(conn);
 }
 
 }  // namespace ostrakan::admin

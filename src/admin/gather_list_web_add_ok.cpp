@@ -4,15 +4,13 @@
 namespace ostrakan::admin {
 
 GatherListWebAddOk::GatherListWebAddOk() : ListRuleFormOk(u"\\admin\\gather_list_web_add_ok") {
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &GatherListWebAddOk::InitFunction3);
 }
 
 void GatherListWebAddOk::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    StorePostedRule(Variant());
-    CurrentResponse().Write(Markup(kRuleListUpdateFrame) +
-                            AlertAndGoTo(u"添加成功！", u"gather_list_web_manage.asp"));
-  });
+  StorePostedRule(Variant());
+  CurrentResponse().Write(Markup(kRuleListUpdateFrame) +
+                          AlertAndGoTo(u"添加成功！", u"gather_list_web_manage.asp"));
 }
 
 }  // namespace ostrakan::admin

@@ -8,24 +8,22 @@ namespace ostrakan::admin {
 GatherListWebEdit::GatherListWebEdit() : DatabasePage(u"\\admin\\gather_list_web_edit") {
   Property(u"rs", rs);
   Property(u"id", id);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &GatherListWebEdit::InitFunction3);
   UseFiltration(FilterKind::QuoteUndoubling);
 }
 
 void GatherListWebEdit::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    id = CurrentRequest().QueryString(u"id");
-    ado::Recordset& rules = OpenRowById(rs, u"*", u"gather_list_web", id, conn);
-    gathering::ListRule values;
-    for (const auto& f : gathering::ListRuleFields()) {
-      Variant v = rules.Field(f.column);
-      values.*f.member = TextOf(filtration(v));
-    }
-    const Markup page = ListRuleEditPage(TextOf(rules.Field(u"id")), values);
-    CloseAndRelease(rs);
-    CloseAndRelease(conn);
-    CurrentResponse().Write(page);
-  });
+  id = CurrentRequest().QueryString(u"id");
+  ado::Recordset& rules = OpenRowById(rs, u"*", u"gather_list_web", id, conn);
+  gathering::ListRule values;
+  for (const auto& f : gathering::ListRuleFields()) {
+    Variant v = rules.Field(f.column);
+    values.*f.member = TextOf(filtration(v));
+  }
+  const Markup page = ListRuleEditPage(TextOf(rules.Field(u"id")), values);
+  CloseAndRelease(rs);
+  CloseAndRelease(conn);
+  CurrentResponse().Write(page);
 }
 
 }  // namespace ostrakan::admin

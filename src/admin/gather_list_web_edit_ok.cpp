@@ -7,16 +7,14 @@ namespace ostrakan::admin {
 
 GatherListWebEditOk::GatherListWebEditOk() : ListRuleFormOk(u"\\admin\\gather_list_web_edit_ok") {
   Property(u"id", id);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &GatherListWebEditOk::InitFunction3);
 }
 
 void GatherListWebEditOk::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    id = CurrentRequest().Item(u"id");
-    RequireId(id, conn);
-    StorePostedRule(id);
-    CurrentResponse().Write(Markup(kRuleListUpdateFrame) + AlertAndGoBack(u"修改成功！"));
-  });
+  id = CurrentRequest().Item(u"id");
+  RequireId(id, conn);
+  StorePostedRule(id);
+  CurrentResponse().Write(Markup(kRuleListUpdateFrame) + AlertAndGoBack(u"修改成功！"));
 }
 
 }  // namespace ostrakan::admin

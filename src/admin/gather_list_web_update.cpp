@@ -12,14 +12,12 @@ GatherListWebUpdate::GatherListWebUpdate() : DatabasePage(u"\\admin\\gather_list
                               {u"gather_web_list", &gather_web_list},
                               {u"ohtml", &ohtml}})
     Property(name, *member);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction3", &GatherListWebUpdate::InitFunction3);
 }
 
 void GatherListWebUpdate::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    RegenerateRuleList(conn);
-    CloseAndRelease(conn);
-  });
+  RegenerateRuleList(conn);
+  CloseAndRelease(conn);
 }
 
 }  // namespace ostrakan::admin

@@ -6,16 +6,10 @@
 namespace ostrakan::admin {
 
 GatherListWebVerify::GatherListWebVerify() : ListGatheringPage(u"\\admin\\gather_list_web_verify") {
-  Block(u"InitFunction2", [this] {
-    Guard(u"InitFunction2", [&] { CurrentResponse().Write(HtmlText(TextOf(ruleValues[0]))); });
-  });
-  Block(u"InitFunction3", [this] {
-    Guard(u"InitFunction3", [&] { CurrentResponse().Write(HtmlText(TextOf(Keyword))); });
-  });
-  Block(u"InitFunction4", [this] {
-    Guard(u"InitFunction4",
-          [&] { CurrentResponse().Write(HtmlText(TextOf(CurrentRequest().QueryString(u"id")))); });
-  });
+  Block(u"InitFunction2", [this] { CurrentResponse().Write(HtmlText(TextOf(ruleValues[0]))); });
+  Block(u"InitFunction3", [this] { CurrentResponse().Write(HtmlText(TextOf(Keyword))); });
+  Block(u"InitFunction4",
+        [this] { CurrentResponse().Write(HtmlText(TextOf(CurrentRequest().QueryString(u"id")))); });
 }
 
 void GatherListWebVerify::FirstBlock() {

@@ -19,25 +19,23 @@ Goto::Goto() : SitePage(u"\\goto") {
   Property(u"conn", conn);
   Property(u"connstr", connstr);
   Property(u"id", id);
-  Block(u"InitFunction2", [this] { InitFunction2(); });
+  Block(u"InitFunction2", &Goto::InitFunction2);
 }
 
 void Goto::InitFunction2() {
-  Guard(u"InitFunction2", [&] {
-    if (!IsValidId(id)) NotFound(u"非法ID参数");
-    // The page lives at the site root, so the database path is taken from the root itself.
-    Server& server = CurrentServer();
-    connstr = u"DBQ=" + server.MapPath(u"/" + TextOf(DB)) +
-              u";DefaultDir=;DRIVER={Microsoft Access Driver (*.mdb)};";
-    conn = server.CreateObject(u"ADODB.CONNECTION");
-    ado::Connection& connection = ConnectionOf(conn);
-    connection.Open(connstr.str());
-    std::optional<std::u16string> address = generation::CountClick(connection, id);
-    CloseAndRelease(conn);
-    if (!address) NotFound(u"该记录不存在或错误！");
-    CurrentResponse().Redirect(*address);
-    EndResponse();
-  });
+  if (!IsValidId(id)) NotFound(u"非法ID参数");
+  // The page lives at the site root, so the database path is taken from the root itself.
+  Server& server = CurrentServer();
+  connstr = u"DBQ=" + server.MapPath(u"/" + TextOf(DB)) +
+            u";DefaultDir=;DRIVER={Microsoft Access Driver (*.mdb)};";
+  conn = server.CreateObject(u"ADODB.CONNECTION");
+  ado::Connection& connection = ConnectionOf(conn);
+  connection.Open(connstr.str());
+  std::optional<std::u16string> address = generation::CountClick(connection, id);
+  CloseAndRelease(conn);
+  if (!address) NotFound(u"该记录不存在或错误！");
+  CurrentResponse().Redirect(*address);
+  EndResponse();
 }
 
 }  // namespace ostrakan::admin

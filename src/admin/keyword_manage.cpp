@@ -10,40 +10,38 @@ KeywordManage::KeywordManage() : PagedList(u"\\admin\\keyword_manage", {u"个关
   Property(u"Keyword", Keyword);
   Property(u"list_sql", list_sql);
   Property(u"count_sql", count_sql);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
-  Block(u"InitFunction5", [this] { InitFunction5(); });
+  Block(u"InitFunction3", &KeywordManage::InitFunction3);
+  Block(u"InitFunction4", &KeywordManage::InitFunction4);
+  Block(u"InitFunction5", &KeywordManage::InitFunction5);
 }
 
 // The filter is taken as typed. It is bound into the list query as a LIKE pattern, so its own %
 // and _ still match as wildcards; a quote in it fails the list as it always has (logged, no
 // list), without running anything.
 void KeywordManage::InitFunction3() {
-  Guard(u"InitFunction3", [&] { Keyword = CurrentRequest().QueryString(u"keyword"); });
+  Keyword = CurrentRequest().QueryString(u"keyword");
 }
 
 void KeywordManage::InitFunction5() {
-  Guard(u"InitFunction5", [&] {
-    if (Equals(Keyword, Variant(u""))) {
-      list_sql = u"order by id desc";
-      count_sql = u"";
-    } else {
-      ado::RefuseQuote(TextOf(Keyword));
-      const std::u16string where = u"where keyword like '%' || ? || '%'";
-      list_sql = where + u" order by id desc";
-      count_sql = where;
-    }
-    const int size = keywords::kKeywordPageSize;
-    WriteList({u"select count(*) as db_count from keyword " + TextOf(count_sql),
-               u"select top " + CStr(Variant(size)) + u" * from keyword " + TextOf(list_sql),
-               u"select * from keyword " + TextOf(list_sql), size,
-               Equals(Keyword, Variant(u"")) ? ado::Params{} : ado::Params{Keyword}},
-              // The deletes come back here, to the same filter and page.
-              [&] {
-                return u"keyword_manage.asp?keyword=" + UrlQuery(TextOf(Keyword)).text() +
-                       u"&page=" + CStr(currentPage);
-              });
-  });
+  if (Equals(Keyword, Variant(u""))) {
+    list_sql = u"order by id desc";
+    count_sql = u"";
+  } else {
+    ado::RefuseQuote(TextOf(Keyword));
+    const std::u16string where = u"where keyword like '%' || ? || '%'";
+    list_sql = where + u" order by id desc";
+    count_sql = where;
+  }
+  const int size = keywords::kKeywordPageSize;
+  WriteList({u"select count(*) as db_count from keyword " + TextOf(count_sql),
+             u"select top " + CStr(Variant(size)) + u" * from keyword " + TextOf(list_sql),
+             u"select * from keyword " + TextOf(list_sql), size,
+             Equals(Keyword, Variant(u"")) ? ado::Params{} : ado::Params{Keyword}},
+            // The deletes come back here, to the same filter and page.
+            [&] {
+              return u"keyword_manage.asp?keyword=" + UrlQuery(TextOf(Keyword)).text() + u"&page=" +
+                     CStr(currentPage);
+            });
 }
 
 void KeywordManage::showContent() {

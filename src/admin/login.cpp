@@ -17,8 +17,8 @@ Login::Login() : WithMd5(u"\\admin\\login") {
                               {u"verifyid", &verifyid},
                               {u"id", &id}})
     Property(name, *member);
-  Block(u"InitFunction2", [this] { InitFunction2(); });
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Block(u"InitFunction2", &Login::InitFunction2);
+  Block(u"InitFunction3", &Login::InitFunction3);
   UseFiltration(FilterKind::Strict);
 }
 

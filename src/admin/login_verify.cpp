@@ -6,11 +6,11 @@ namespace ostrakan::admin {
 
 LoginVerify::LoginVerify() : Component(u"\\admin\\login_verify") {
   Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", [this] { InitFunction1(); });
+  Block(u"InitFunction1", &LoginVerify::InitFunction1);
 }
 
 void LoginVerify::InitFunction1() {
-  Guard(u"InitFunction1", [&] { PageHeaderGuard(Admin_Session); });
+  PageHeaderGuard(Admin_Session);
 }
 
 }  // namespace ostrakan::admin

@@ -7,7 +7,7 @@ namespace ostrakan::admin {
 
 PagedList::PagedList(std::u16string context, records::PagerStyle style)
     : DatabasePage(std::move(context)), style_(std::move(style)) {
-  Block(u"showContent", [this] { showContent(); });
+  Block(u"showContent", &PagedList::showContent);
   Method(
       u"showpage",
       [this](Args& a) {

@@ -17,43 +17,38 @@ SortBatchAdd::SortBatchAdd() : DatabasePage(u"\\admin\\sort_batch_add") {
                               {u"sort_id", &sort_id},
                               {u"locality", &locality}})
     Property(name, *member);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
-  Block(u"InitFunction5", [this] { InitFunction5(); });
-  Block(u"InitFunction6", [this] { InitFunction6(); });
+  Block(u"InitFunction3", &SortBatchAdd::InitFunction3);
+  Block(u"InitFunction4", &SortBatchAdd::InitFunction4);
+  Block(u"InitFunction5", &SortBatchAdd::InitFunction5);
+  Block(u"InitFunction6", &SortBatchAdd::InitFunction6);
 }
 
 void SortBatchAdd::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    sort_id = CurrentRequest().QueryString(u"sort_id");
-    if (Equals(sort_id, Variant(u""))) {
-      locality = u" 一级分类";
-      return;
-    }
-    RequireId(sort_id, conn);
-    auto& connection = ConnectionOf(conn);
-    std::optional<categories::Category> chosen = categories::Find(connection, sort_id);
-    if (!chosen) WriteAndEnd(AlertAndGoBack(u"该记录不存在或错误！"));
-    id = Variant(chosen->id);
-    sort = chosen->name;
-    sort_id = Variant(chosen->parent);
-    locality = categories::ParentPath(connection, *chosen);
-  });
+  sort_id = CurrentRequest().QueryString(u"sort_id");
+  if (Equals(sort_id, Variant(u""))) {
+    locality = u" 一级分类";
+    return;
+  }
+  RequireId(sort_id, conn);
+  auto& connection = ConnectionOf(conn);
+  std::optional<categories::Category> chosen = categories::Find(connection, sort_id);
+  if (!chosen) WriteAndEnd(AlertAndGoBack(u"该记录不存在或错误！"));
+  id = Variant(chosen->id);
+  sort = chosen->name;
+  sort_id = Variant(chosen->parent);
+  locality = categories::ParentPath(connection, *chosen);
 }
 
 void SortBatchAdd::InitFunction5() {
-  Guard(u"InitFunction5", [&] { CurrentResponse().Write(HtmlAttr(TextOf(id))); });
+  CurrentResponse().Write(HtmlAttr(TextOf(id)));
 }
 
 void SortBatchAdd::InitFunction6() {
-  Guard(u"InitFunction6", [&] {
-    if (Equals(id, Variant(u""))) return;  // first-level categories have no letter
-    CurrentResponse().Write(
-        u"<tr><th>排序字母：</th><td><select name=\"alphabetical_id\" id=\"alphabetical_id\" "
-        u"size=\"1\">\r\n" +
-        categories::LetterOptions(categories::Letters(ConnectionOf(conn))) +
-        u"</select></td></tr>");
-  });
+  if (Equals(id, Variant(u""))) return;  // first-level categories have no letter
+  CurrentResponse().Write(
+      u"<tr><th>排序字母：</th><td><select name=\"alphabetical_id\" id=\"alphabetical_id\" "
+      u"size=\"1\">\r\n" +
+      categories::LetterOptions(categories::Letters(ConnectionOf(conn))) + u"</select></td></tr>");
 }
 
 }  // namespace ostrakan::admin

@@ -11,46 +11,40 @@ SortList::SortList() : DatabasePage(u"\\admin\\sort_list") {
   for (auto [name, member] :
        {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}, {u"rs", &rs}, {u"rsa", &rsa}})
     Property(name, *member);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
-  Block(u"InitFunction5", [this] { InitFunction5(); });
-  Block(u"InitFunction6", [this] { InitFunction6(); });
-  Block(u"InitFunction7", [this] { InitFunction7(); });
-  Block(u"InitFunction8", [this] { InitFunction8(); });
+  Block(u"InitFunction3", &SortList::InitFunction3);
+  Block(u"InitFunction4", &SortList::InitFunction4);
+  Block(u"InitFunction5", &SortList::InitFunction5);
+  Block(u"InitFunction6", &SortList::InitFunction6);
+  Block(u"InitFunction7", &SortList::InitFunction7);
+  Block(u"InitFunction8", &SortList::InitFunction8);
 }
 
 void SortList::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    sort = CurrentRequest().QueryString(u"sort");
-    sort_id = CurrentRequest().QueryString(u"sort_id");
-    RequireId(sort_id, conn);
-  });
+  sort = CurrentRequest().QueryString(u"sort");
+  sort_id = CurrentRequest().QueryString(u"sort_id");
+  RequireId(sort_id, conn);
 }
 
 void SortList::InitFunction4() {
-  Guard(u"InitFunction4", [&] {
-    CurrentResponse().Write(categories::LetterOptions(categories::Letters(ConnectionOf(conn))));
-  });
+  CurrentResponse().Write(categories::LetterOptions(categories::Letters(ConnectionOf(conn))));
 }
 
 void SortList::InitFunction5() {
-  Guard(u"InitFunction5", [&] { CurrentResponse().Write(HtmlAttr(TextOf(sort_id))); });
+  CurrentResponse().Write(HtmlAttr(TextOf(sort_id)));
 }
 
 void SortList::InitFunction6() {
-  Guard(u"InitFunction6", [&] { CurrentResponse().Write(HtmlAttr(TextOf(sort_id))); });
+  CurrentResponse().Write(HtmlAttr(TextOf(sort_id)));
 }
 
 void SortList::InitFunction7() {
-  Guard(u"InitFunction7", [&] { CurrentResponse().Write(HtmlText(TextOf(sort))); });
+  CurrentResponse().Write(HtmlText(TextOf(sort)));
 }
 
 void SortList::InitFunction8() {
-  Guard(u"InitFunction8", [&] {
-    CurrentResponse().Write(
-        categories::ManageLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
-    CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));
-  });
+  CurrentResponse().Write(
+      categories::ManageLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
+  CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));
 }
 
 }  // namespace ostrakan::admin

@@ -7,15 +7,13 @@ namespace ostrakan::admin {
 
 SortManage::SortManage() : DatabasePage(u"\\admin\\sort_manage") {
   Property(u"rs", rs);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"InitFunction4", [this] { InitFunction4(); });
+  Block(u"InitFunction3", &SortManage::InitFunction3);
+  Block(u"InitFunction4", &SortManage::InitFunction4);
 }
 
 void SortManage::InitFunction4() {
-  Guard(u"InitFunction4", [&] {
-    CurrentResponse().Write(categories::ManageFirstLevel(categories::TopLevel(ConnectionOf(conn))));
-    CurrentSession().Set(u"url", Variant(u"sort_manage.asp"));
-  });
+  CurrentResponse().Write(categories::ManageFirstLevel(categories::TopLevel(ConnectionOf(conn))));
+  CurrentSession().Set(u"url", Variant(u"sort_manage.asp"));
 }
 
 }  // namespace ostrakan::admin

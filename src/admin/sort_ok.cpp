@@ -11,25 +11,23 @@ namespace ostrakan::admin {
 
 SortOk::SortOk() : DatabasePage(u"\\admin\\sort_ok") {
   UseFiltration(FilterKind::BlanksKept);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-  Block(u"Add", [this] { Add(); });
-  Block(u"Edit", [this] { Edit(); });
-  Block(u"delete", [this] { Delete(); });
-  Block(u"alldelete", [this] { alldelete(); });
+  Block(u"InitFunction3", &SortOk::InitFunction3);
+  Block(u"Add", &SortOk::Add);
+  Block(u"Edit", &SortOk::Edit);
+  Block(u"delete", &SortOk::Delete);
+  Block(u"alldelete", &SortOk::alldelete);
 }
 
 void SortOk::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    const std::u16string action = TextOf(CurrentRequest().Item(u"action"));
-    if (action == u"add")
-      Add();
-    else if (action == u"edit")
-      Edit();
-    else if (action == u"del")
-      Delete();
-    else if (action == u"alldel")
-      alldelete();
-  });
+  const std::u16string action = TextOf(CurrentRequest().Item(u"action"));
+  if (action == u"add")
+    Add();
+  else if (action == u"edit")
+    Edit();
+  else if (action == u"del")
+    Delete();
+  else if (action == u"alldel")
+    alldelete();
 }
 
 void SortOk::Add() {

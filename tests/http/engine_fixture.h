@@ -52,11 +52,9 @@ class TestPage : public SitePage {
       CurrentResponse().Write(u"deep");
     });
     // Fails between Application.Lock and Unlock; the error is logged and swallowed.
-    Block(u"LockAndFail", [this] {
-      Guard(u"LockAndFail", [] {
-        CurrentApplication().Lock();
-        throw std::runtime_error("failed while holding the application lock");
-      });
+    Block(u"LockAndFail", [] {
+      CurrentApplication().Lock();
+      throw std::runtime_error("failed while holding the application lock");
     });
     Block(u"LockedVisit", [] {
       Application& a = CurrentApplication();
@@ -66,10 +64,10 @@ class TestPage : public SitePage {
       a.Unlock();
       CurrentResponse().Write(u"visit " + HtmlText(CStr(n)));
     });
-    Block(u"Crash", [] { throw std::runtime_error("boom: escaped the component"); });
-    Block(u"GuardedCrash", [this] {
-      Guard(u"GuardedCrash", [] { throw std::runtime_error("kept inside the component"); });
-    });
+    // A method without the block guard: its error escapes the component.
+    Method(u"Crash",
+           [](Args&) -> Variant { throw std::runtime_error("boom: escaped the component"); });
+    Block(u"GuardedCrash", [] { throw std::runtime_error("kept inside the component"); });
   }
 
  protected:

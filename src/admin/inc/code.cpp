@@ -20,15 +20,13 @@ Bytes LoadFile(const std::u16string& path) {
 }  // namespace
 
 Code::Code() : Component(u"\\admin\\inc\\code") {
-  Block(u"InitFunction1", [this] { InitFunction1(); });
-  Block(u"NumCode", [this] { NumCode(); });
+  Block(u"InitFunction1", &Code::InitFunction1);
+  Block(u"NumCode", &Code::NumCode);
 }
 
 void Code::InitFunction1() {
-  Guard(u"InitFunction1", [&] {
-    CurrentResponse().Buffer = false;
-    NumCode();
-  });
+  CurrentResponse().Buffer = false;
+  NumCode();
 }
 
 void Code::NumCode() {
