@@ -44,13 +44,13 @@ void CategoryGenerator::InitFunction3() {
   }
 }
 
-CreateSortOneOk::CreateSortOneOk()
+TopCategoryPageWriter::TopCategoryPageWriter()
     : CategoryGenerator(u"\\admin\\create_sort_one_ok", generation::PageKind::TopLevel) {
   Property(u"rsa", rsa);
   Property(u"sort_list", sort_list);
 }
 
-CreateSortTwoOk::CreateSortTwoOk()
+SubCategoryPageWriter::SubCategoryPageWriter()
     : CategoryGenerator(u"\\admin\\create_sort_two_ok", generation::PageKind::SubCategory) {
   Property(u"db_list", db_list);
 }

@@ -23,16 +23,16 @@ class CategoryGenerator : public DatabasePage {
   generation::PageKind kind_;
 };
 
-class CreateSortOneOk : public CategoryGenerator {
+class TopCategoryPageWriter : public CategoryGenerator {
  public:
   Variant rsa, sort_list;
-  CreateSortOneOk();
+  TopCategoryPageWriter();
 };
 
-class CreateSortTwoOk : public CategoryGenerator {
+class SubCategoryPageWriter : public CategoryGenerator {
  public:
   Variant db_list;
-  CreateSortTwoOk();
+  SubCategoryPageWriter();
 };
 
 }  // namespace ostrakan::admin

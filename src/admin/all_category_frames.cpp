@@ -1,0 +1,22 @@
+#include "admin/all_category_frames.h"
+
+#include "categories/category_store.h"
+#include "frame/data_access.h"
+#include "generation/rebuild_plan.h"
+
+namespace ostrakan::admin {
+
+AllCategoryFrames::AllCategoryFrames() : SubCategoryFrames(u"\\admin\\create_all_instruction") {
+  Property(u"rs", rs);
+  Block(u"InitFunction3", &AllCategoryFrames::InitFunction3);
+}
+
+void AllCategoryFrames::InitFunction3() {
+  for (const categories::Category& top : categories::TopLevel(ConnectionOf(conn))) {
+    CurrentResponse().Write(
+        generation::GeneratorFrame({generation::PageKind::TopLevel, Variant(top.id)}));
+    create_sort_two(Variant(top.id));
+  }
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,35 @@
+#include "admin/database_connection.h"
+
+#include "frame/page_blocks.h"
+
+namespace ostrakan::admin {
+
+DatabaseConnection::DatabaseConnection() : Component(u"\\admin\\conn") {
+  Property(u"conn", conn);
+  Property(u"connstr", connstr);
+  Property(u"DB", DB);
+  Property(u"Admin_Session", Admin_Session);
+  Block(u"InitFunction1", &DatabaseConnection::InitFunction1);
+}
+
+void DatabaseConnection::InitFunction1() {
+  Guard(u"InitFunction1", [&] {
+    PageHeaderGuard(Admin_Session);
+    OpenConnection(*this, u"InitFunction1", DB, connstr, conn);
+  });
+}
+
+OtherDatabaseConnection::OtherDatabaseConnection() : Component(u"\\admin\\connstr") {
+  Property(u"conn", conn);
+  Property(u"connstr", connstr);
+  Property(u"ODB", ODB);
+  Property(u"Admin_Session", Admin_Session);
+  Block(u"InitFunction1", &OtherDatabaseConnection::InitFunction1);
+}
+
+void OtherDatabaseConnection::InitFunction1() {
+  PageHeaderGuard(Admin_Session);
+  OpenConnection(*this, u"InitFunction1", ODB, connstr, conn);
+}
+
+}  // namespace ostrakan::admin

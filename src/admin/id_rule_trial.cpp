@@ -1,0 +1,42 @@
+#include "admin/id_rule_trial.h"
+
+#include "frame/escape.h"
+#include "frame/page_blocks.h"
+#include "gathering/id_run.h"
+
+namespace ostrakan::admin {
+
+IdRuleTrial::IdRuleTrial() : IdRulePage(u"\\admin\\gather_id_web_verify") {
+  for (auto [name, member] :
+       {std::pair{u"ID_Start", &ID_Start}, std::pair{u"ID_End", &ID_End}, std::pair{u"N", &N},
+        std::pair{u"G_Url", &G_Url}, std::pair{u"Html", &Html}, std::pair{u"TitleText", &TitleText},
+        std::pair{u"ContentText", &ContentText}, std::pair{u"TitleStart", &TitleStart},
+        std::pair{u"TitleEnd", &TitleEnd}, std::pair{u"ContentStart", &ContentStart},
+        std::pair{u"ContentEnd", &ContentEnd}})
+    Property(name, *member);
+  Block(u"InitFunction2", &IdRuleTrial::InitFunction2);
+  Block(u"InitFunction3", &IdRuleTrial::InitFunction3);
+}
+
+// Header, guard and, when the test form was sent, the test of every ID of the range.
+void IdRuleTrial::FirstBlock() {
+  PageHeaderGuard(Admin_Session);
+  const Request& request = CurrentRequest();
+  if (TextOf(request.Item(u"Action")) != u"ok") return;
+  CurrentServer().ScriptTimeout = 999999;
+  ID_Start = request.Item(u"ID_Start");
+  ID_End = request.Item(u"ID_End");
+  gathering::WriteIdVerification(CurrentResponse(),
+                                 *gathering::IdPageSource(CurrentServer().factory()), Rule(),
+                                 ID_Start, ID_End);
+}
+
+void IdRuleTrial::InitFunction2() {
+  CurrentResponse().Write(HtmlText(TextOf(web)));
+}
+
+void IdRuleTrial::InitFunction3() {
+  CurrentResponse().Write(HtmlAttr(TextOf(CurrentRequest().Item(u"id"))));
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,16 @@
+// db_list.asp (Ostrakan.Class30): the video records, twenty a page, newest first.
+#pragma once
+
+#include "admin/paged_list.h"
+
+namespace ostrakan::admin {
+
+class RecordList : public PagedList {
+ public:
+  RecordList();
+  void InitFunction3() {}
+  void InitFunction4();
+  void showContent() override;
+};
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,19 @@
+#include "admin/top_category_chooser.h"
+
+#include "categories/tree_markup.h"
+#include "frame/data_access.h"
+
+namespace ostrakan::admin {
+
+TopCategoryChooser::TopCategoryChooser() : DatabasePage(u"\\admin\\create_sort") {
+  Property(u"rs", rs);
+  Block(u"InitFunction3", &TopCategoryChooser::InitFunction3);
+  Block(u"InitFunction4", &TopCategoryChooser::InitFunction4);
+}
+
+void TopCategoryChooser::InitFunction4() {
+  CurrentResponse().Write(categories::GenerateFirstLevel(categories::TopLevel(ConnectionOf(conn))));
+  CurrentSession().Set(u"url", Variant(u"sort_manage.asp"));
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,19 @@
+#include "admin/top_category_list.h"
+
+#include "categories/tree_markup.h"
+#include "frame/data_access.h"
+
+namespace ostrakan::admin {
+
+TopCategoryList::TopCategoryList() : DatabasePage(u"\\admin\\sort_manage") {
+  Property(u"rs", rs);
+  Block(u"InitFunction3", &TopCategoryList::InitFunction3);
+  Block(u"InitFunction4", &TopCategoryList::InitFunction4);
+}
+
+void TopCategoryList::InitFunction4() {
+  CurrentResponse().Write(categories::ManageFirstLevel(categories::TopLevel(ConnectionOf(conn))));
+  CurrentSession().Set(u"url", Variant(u"sort_manage.asp"));
+}
+
+}  // namespace ostrakan::admin
