@@ -3,11 +3,11 @@
 namespace ostrakan::admin {
 
 AccountForm::AccountForm() : GuardedPage(u"\\admin\\admin") {
-  Block(u"InitFunction2", &AccountForm::InitFunction2);
-  Block(u"InitFunction3", &AccountForm::InitFunction3);
+  EmptyBlock(u"InitFunction2");
+  Block(u"InitFunction3", &AccountForm::WriteSignedInName);
 }
 
-void AccountForm::InitFunction3() {
+void AccountForm::WriteSignedInName() {
   WriteSessionValue(TextOf(Admin_Session));
 }
 

@@ -8,8 +8,7 @@ namespace ostrakan::admin {
 class AccountForm : public GuardedPage {
  public:
   AccountForm();
-  void InitFunction2() {}
-  void InitFunction3();
+  void WriteSignedInName();
 };
 
 }  // namespace ostrakan::admin

@@ -8,12 +8,12 @@ namespace ostrakan::admin {
 AccountSave::AccountSave() : WithMd5(u"\\admin\\admin_ok") {
   Property(u"rs", rs);
   Property(u"password", password);
-  Block(u"InitFunction3", &AccountSave::InitFunction3);
-  Block(u"InitFunction4", &AccountSave::InitFunction4);
+  EmptyBlock(u"InitFunction3");
+  Block(u"InitFunction4", &AccountSave::StoreNameAndPassword);
   UseFiltration(FilterKind::Strict);
 }
 
-void AccountSave::InitFunction4() {
+void AccountSave::StoreNameAndPassword() {
   Guard(u"InitFunction4", [&] {
     Request& request = CurrentRequest();
     password = request.Form(u"password");

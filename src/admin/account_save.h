@@ -10,8 +10,7 @@ class AccountSave : public WithMd5<DatabasePage> {
  public:
   AccountSave();
   Variant rs, password;
-  void InitFunction3() {}
-  void InitFunction4();
+  void StoreNameAndPassword();
 };
 
 }  // namespace ostrakan::admin

@@ -8,10 +8,10 @@ namespace ostrakan::admin {
 
 AllCategoryFrames::AllCategoryFrames() : SubCategoryFrames(u"\\admin\\create_all_instruction") {
   Property(u"rs", rs);
-  Block(u"InitFunction3", &AllCategoryFrames::InitFunction3);
+  Block(u"InitFunction3", &AllCategoryFrames::WriteAllGeneratorFrames);
 }
 
-void AllCategoryFrames::InitFunction3() {
+void AllCategoryFrames::WriteAllGeneratorFrames() {
   for (const categories::Category& top : categories::TopLevel(ConnectionOf(conn))) {
     CurrentResponse().Write(
         generation::GeneratorFrame({generation::PageKind::TopLevel, Variant(top.id)}));

@@ -9,7 +9,7 @@ namespace ostrakan::admin {
 class AllCategoryFrames : public SubCategoryFrames {
  public:
   AllCategoryFrames();
-  void InitFunction3();
+  void WriteAllGeneratorFrames();
 };
 
 }  // namespace ostrakan::admin

@@ -11,26 +11,26 @@ namespace ostrakan::admin {
 
 CategoryActions::CategoryActions() : DatabasePage(u"\\admin\\sort_ok") {
   UseFiltration(FilterKind::BlanksKept);
-  Block(u"InitFunction3", &CategoryActions::InitFunction3);
-  Block(u"Add", &CategoryActions::Add);
-  Block(u"Edit", &CategoryActions::Edit);
-  Block(u"delete", &CategoryActions::Delete);
-  Block(u"alldelete", &CategoryActions::alldelete);
+  Block(u"InitFunction3", &CategoryActions::DispatchAction);
+  Block(u"Add", &CategoryActions::AddCategory);
+  Block(u"Edit", &CategoryActions::EditCategory);
+  Block(u"delete", &CategoryActions::DeleteCategory);
+  Block(u"alldelete", &CategoryActions::DeleteTickedCategories);
 }
 
-void CategoryActions::InitFunction3() {
+void CategoryActions::DispatchAction() {
   const std::u16string action = TextOf(CurrentRequest().Item(u"action"));
   if (action == u"add")
-    Add();
+    AddCategory();
   else if (action == u"edit")
-    Edit();
+    EditCategory();
   else if (action == u"del")
-    Delete();
+    DeleteCategory();
   else if (action == u"alldel")
-    alldelete();
+    DeleteTickedCategories();
 }
 
-void CategoryActions::Add() {
+void CategoryActions::AddCategory() {
   Guard(u"add", [&] {
     const Request& request = CurrentRequest();
     const int32_t letter = categories::FormNumber(request.Form(u"alphabetical_id"));
@@ -42,7 +42,7 @@ void CategoryActions::Add() {
   });
 }
 
-void CategoryActions::Edit() {
+void CategoryActions::EditCategory() {
   Guard(u"edit", [&] {
     const Request& request = CurrentRequest();
     const Variant id = request.Form(u"id");
@@ -61,7 +61,7 @@ void CategoryActions::Edit() {
   });
 }
 
-void CategoryActions::Delete() {
+void CategoryActions::DeleteCategory() {
   Guard(u"delete", [&] {
     const Variant id = CurrentRequest().QueryString(u"id");
     if (!IsValidId(id)) WriteAndEnd(u"非法ID参数");
@@ -71,7 +71,7 @@ void CategoryActions::Delete() {
   });
 }
 
-void CategoryActions::alldelete() {
+void CategoryActions::DeleteTickedCategories() {
   Guard(u"alldelete", [&] {
     if (Equals(CurrentRequest().QueryString(u"id"), Variant(u"")))
       WriteAndEnd(AlertAndGoBack(u"没有选择删除的纪录！"));

@@ -10,11 +10,11 @@ namespace ostrakan::admin {
 class CategoryActions : public DatabasePage {
  public:
   CategoryActions();
-  void InitFunction3();  // dispatches on Request("action"): add, edit, del, alldel
-  void Add();
-  void Edit();
-  void Delete();  // the page's method "delete"
-  void alldelete();
+  void DispatchAction();  // dispatches on Request("action"): add, edit, del, alldel
+  void AddCategory();
+  void EditCategory();
+  void DeleteCategory();  // the page's method "delete"
+  void DeleteTickedCategories();
 };
 
 }  // namespace ostrakan::admin

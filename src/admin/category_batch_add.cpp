@@ -15,10 +15,10 @@ CategoryBatchAdd::CategoryBatchAdd() : DatabasePage(u"\\admin\\sort_batch_add_ok
                               {u"alphabetical_id", &alphabetical_id},
                               {u"sort_list", &sort_list}})
     Property(name, *member);
-  Block(u"InitFunction3", &CategoryBatchAdd::InitFunction3);
+  Block(u"InitFunction3", &CategoryBatchAdd::AddCategoryLines);
 }
 
-void CategoryBatchAdd::InitFunction3() {
+void CategoryBatchAdd::AddCategoryLines() {
   const Request& request = CurrentRequest();
   sort_id = request.Form(u"sort_id");
   alphabetical_id = request.Form(u"alphabetical_id");

@@ -10,7 +10,7 @@ class CategoryBatchAdd : public DatabasePage {
  public:
   Variant rs, sort_id, alphabetical_id, sort_list;
   CategoryBatchAdd();
-  void InitFunction3();
+  void AddCategoryLines();
 };
 
 }  // namespace ostrakan::admin

@@ -17,13 +17,13 @@ CategoryBatchForm::CategoryBatchForm() : DatabasePage(u"\\admin\\sort_batch_add"
                               {u"sort_id", &sort_id},
                               {u"locality", &locality}})
     Property(name, *member);
-  Block(u"InitFunction3", &CategoryBatchForm::InitFunction3);
-  Block(u"InitFunction4", &CategoryBatchForm::InitFunction4);
-  Block(u"InitFunction5", &CategoryBatchForm::InitFunction5);
-  Block(u"InitFunction6", &CategoryBatchForm::InitFunction6);
+  Block(u"InitFunction3", &CategoryBatchForm::ReadParent);
+  EmptyBlock(u"InitFunction4");
+  Block(u"InitFunction5", &CategoryBatchForm::WriteParentId);
+  Block(u"InitFunction6", &CategoryBatchForm::WriteLetterRow);
 }
 
-void CategoryBatchForm::InitFunction3() {
+void CategoryBatchForm::ReadParent() {
   sort_id = CurrentRequest().QueryString(u"sort_id");
   if (Equals(sort_id, Variant(u""))) {
     locality = u" 一级分类";
@@ -39,11 +39,11 @@ void CategoryBatchForm::InitFunction3() {
   locality = categories::ParentPath(connection, *chosen);
 }
 
-void CategoryBatchForm::InitFunction5() {
+void CategoryBatchForm::WriteParentId() {
   CurrentResponse().Write(HtmlAttr(TextOf(id)));
 }
 
-void CategoryBatchForm::InitFunction6() {
+void CategoryBatchForm::WriteLetterRow() {
   if (Equals(id, Variant(u""))) return;  // first-level categories have no letter
   CurrentResponse().Write(
       u"<tr><th>排序字母：</th><td><select name=\"alphabetical_id\" id=\"alphabetical_id\" "

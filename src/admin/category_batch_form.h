@@ -11,10 +11,9 @@ class CategoryBatchForm : public DatabasePage {
  public:
   Variant rs, id, sort, sort_id, locality;
   CategoryBatchForm();
-  void InitFunction3();  // the parent and its path
-  void InitFunction4() {}
-  void InitFunction5();  // the parent id, for the hidden field
-  void InitFunction6();  // the letter choice row, under a parent only
+  void ReadParent();      // the parent and its path
+  void WriteParentId();   // the parent id, for the hidden field
+  void WriteLetterRow();  // the letter choice row, under a parent only
 };
 
 }  // namespace ostrakan::admin

@@ -21,10 +21,10 @@ CategoryGenerator::CategoryGenerator(std::u16string context, generation::PageKin
                               {u"pellumar", &pellumar},
                               {u"ohtml", &ohtml}})
     Property(name, *member);
-  Block(u"InitFunction3", &CategoryGenerator::InitFunction3);
+  Block(u"InitFunction3", &CategoryGenerator::WriteCategoryPage);
 }
 
-void CategoryGenerator::InitFunction3() {
+void CategoryGenerator::WriteCategoryPage() {
   const generation::FrontEnd site{CurrentServer().siteRoot(), TextOf(WebSite_Title),
                                   generation::ShowsSource(Source_Show)};
   const Generated result =

@@ -14,7 +14,7 @@ namespace ostrakan::admin {
 class CategoryGenerator : public DatabasePage {
  public:
   Variant rs, id, sort, fso, otemplate, pellumar, ohtml;
-  void InitFunction3();
+  void WriteCategoryPage();
 
  protected:
   CategoryGenerator(std::u16string context, generation::PageKind kind);

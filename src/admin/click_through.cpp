@@ -19,10 +19,10 @@ ClickThrough::ClickThrough() : SitePage(u"\\goto") {
   Property(u"conn", conn);
   Property(u"connstr", connstr);
   Property(u"id", id);
-  Block(u"InitFunction2", &ClickThrough::InitFunction2);
+  Block(u"InitFunction2", &ClickThrough::CountClickAndRedirect);
 }
 
-void ClickThrough::InitFunction2() {
+void ClickThrough::CountClickAndRedirect() {
   if (!IsValidId(id)) NotFound(u"非法ID参数");
   // The page lives at the site root, so the database path is taken from the root itself.
   Server& server = CurrentServer();

@@ -11,7 +11,7 @@ class ClickThrough : public SitePage {
  public:
   Variant conn, connstr, id;
   ClickThrough();
-  void InitFunction2();  // counts the click and redirects
+  void CountClickAndRedirect();  // counts the click and redirects
 };
 
 }  // namespace ostrakan::admin

@@ -9,10 +9,10 @@ DatabaseConnection::DatabaseConnection() : Component(u"\\admin\\conn") {
   Property(u"connstr", connstr);
   Property(u"DB", DB);
   Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", &DatabaseConnection::InitFunction1);
+  Block(u"InitFunction1", &DatabaseConnection::GuardAndOpen);
 }
 
-void DatabaseConnection::InitFunction1() {
+void DatabaseConnection::GuardAndOpen() {
   Guard(u"InitFunction1", [&] {
     PageHeaderGuard(Admin_Session);
     OpenConnection(*this, u"InitFunction1", DB, connstr, conn);
@@ -24,10 +24,10 @@ OtherDatabaseConnection::OtherDatabaseConnection() : Component(u"\\admin\\connst
   Property(u"connstr", connstr);
   Property(u"ODB", ODB);
   Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", &OtherDatabaseConnection::InitFunction1);
+  Block(u"InitFunction1", &OtherDatabaseConnection::GuardAndOpen);
 }
 
-void OtherDatabaseConnection::InitFunction1() {
+void OtherDatabaseConnection::GuardAndOpen() {
   PageHeaderGuard(Admin_Session);
   OpenConnection(*this, u"InitFunction1", ODB, connstr, conn);
 }

@@ -12,14 +12,14 @@ class DatabaseConnection : public Component {
  public:
   DatabaseConnection();
   Variant conn, connstr, DB, Admin_Session;
-  void InitFunction1();
+  void GuardAndOpen();
 };
 
 class OtherDatabaseConnection : public Component {
  public:
   OtherDatabaseConnection();
   Variant conn, connstr, ODB, Admin_Session;
-  void InitFunction1();
+  void GuardAndOpen();
 };
 
 }  // namespace ostrakan::admin

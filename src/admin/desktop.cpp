@@ -3,21 +3,21 @@
 namespace ostrakan::admin {
 
 Desktop::Desktop() : GuardedPage(u"\\admin\\desktop") {
-  Block(u"InitFunction2", &Desktop::InitFunction2);
-  Block(u"InitFunction3", &Desktop::InitFunction3);
-  Block(u"InitFunction4", &Desktop::InitFunction4);
-  Block(u"InitFunction5", &Desktop::InitFunction5);
+  EmptyBlock(u"InitFunction2");
+  Block(u"InitFunction3", &Desktop::WriteSignedInName);
+  Block(u"InitFunction4", &Desktop::WriteLastSignInAddress);
+  Block(u"InitFunction5", &Desktop::WriteLastSignInTime);
 }
 
-void Desktop::InitFunction3() {
+void Desktop::WriteSignedInName() {
   WriteSessionValue(TextOf(Admin_Session));
 }
 
-void Desktop::InitFunction4() {
+void Desktop::WriteLastSignInAddress() {
   WriteSessionValue(u"login_ip");
 }
 
-void Desktop::InitFunction5() {
+void Desktop::WriteLastSignInTime() {
   WriteSessionValue(u"login_time");
 }
 

@@ -9,23 +9,23 @@ IdGatherStart::IdGatherStart() : DatabasePage(u"\\admin\\gather_id_db") {
   Property(u"rs", rs);
   Property(u"id", id);
   Property(u"web", web);
-  Block(u"InitFunction3", &IdGatherStart::InitFunction3);
-  Block(u"InitFunction4", &IdGatherStart::InitFunction4);
-  Block(u"InitFunction5", &IdGatherStart::InitFunction5);
+  Block(u"InitFunction3", &IdGatherStart::ReadRule);
+  Block(u"InitFunction4", &IdGatherStart::WriteSiteName);
+  Block(u"InitFunction5", &IdGatherStart::WriteRuleId);
 }
 
-void IdGatherStart::InitFunction3() {
+void IdGatherStart::ReadRule() {
   ado::Recordset& records = OpenRowById(rs, u"id,web", u"gather_id_web", id, conn);
   web = records.Field(u"web");
   CloseAndRelease(rs);
   CloseAndRelease(conn);
 }
 
-void IdGatherStart::InitFunction4() {
+void IdGatherStart::WriteSiteName() {
   CurrentResponse().Write(HtmlText(TextOf(web)));
 }
 
-void IdGatherStart::InitFunction5() {
+void IdGatherStart::WriteRuleId() {
   CurrentResponse().Write(HtmlAttr(TextOf(id)));
 }
 

@@ -9,9 +9,9 @@ class IdGatherStart : public DatabasePage {
  public:
   IdGatherStart();
   Variant rs, id, web;
-  void InitFunction3();
-  void InitFunction4();
-  void InitFunction5();
+  void ReadRule();
+  void WriteSiteName();
+  void WriteRuleId();
 };
 
 }  // namespace ostrakan::admin

@@ -4,10 +4,10 @@
 namespace ostrakan::admin {
 
 IdRuleAdd::IdRuleAdd() : IdRuleFormOk(u"\\admin\\gather_id_web_add_ok") {
-  Block(u"InitFunction3", &IdRuleAdd::InitFunction3);
+  Block(u"InitFunction3", &IdRuleAdd::StoreNewRule);
 }
 
-void IdRuleAdd::InitFunction3() {
+void IdRuleAdd::StoreNewRule() {
   StorePostedRule(Variant());
   CurrentResponse().Write(Markup(kIdRuleFileFrame) +
                           AlertAndGoTo(u"添加成功！", u"gather_id_web_manage.asp"));

@@ -9,7 +9,7 @@ namespace ostrakan::admin {
 class IdRuleAdd : public IdRuleFormOk {
  public:
   IdRuleAdd();
-  void InitFunction3();
+  void StoreNewRule();
 };
 
 }  // namespace ostrakan::admin

@@ -9,11 +9,11 @@ namespace ostrakan::admin {
 IdRuleEditForm::IdRuleEditForm() : DatabasePage(u"\\admin\\gather_id_web_edit") {
   Property(u"rs", rs);
   Property(u"id", id);
-  Block(u"InitFunction3", &IdRuleEditForm::InitFunction3);
+  Block(u"InitFunction3", &IdRuleEditForm::WriteEditPage);
   UseFiltration(FilterKind::QuoteUndoubling);
 }
 
-void IdRuleEditForm::InitFunction3() {
+void IdRuleEditForm::WriteEditPage() {
   id = CurrentRequest().QueryString(u"id");
   ado::Recordset& records = OpenRowById(rs, u"*", u"gather_id_web", id, conn);
   gathering::IdRule rule = gathering::ReadIdRule(records);

@@ -10,7 +10,7 @@ class IdRuleEditForm : public DatabasePage {
  public:
   IdRuleEditForm();
   Variant rs, id;
-  void InitFunction3();
+  void WriteEditPage();
 };
 
 }  // namespace ostrakan::admin

@@ -7,10 +7,10 @@ namespace ostrakan::admin {
 
 IdRuleEditSave::IdRuleEditSave() : IdRuleFormOk(u"\\admin\\gather_id_web_edit_ok") {
   Property(u"id", id);
-  Block(u"InitFunction3", &IdRuleEditSave::InitFunction3);
+  Block(u"InitFunction3", &IdRuleEditSave::StoreEditedRule);
 }
 
-void IdRuleEditSave::InitFunction3() {
+void IdRuleEditSave::StoreEditedRule() {
   id = CurrentRequest().Form(u"id");
   RequireId(id, conn);
   StorePostedRule(id);

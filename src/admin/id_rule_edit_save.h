@@ -10,7 +10,7 @@ class IdRuleEditSave : public IdRuleFormOk {
  public:
   IdRuleEditSave();
   Variant id;
-  void InitFunction3();
+  void StoreEditedRule();
 };
 
 }  // namespace ostrakan::admin

@@ -6,10 +6,10 @@
 namespace ostrakan::admin {
 
 IdRuleFileWriter::IdRuleFileWriter() : DatabasePage(u"\\admin\\gather_id_web_update") {
-  Block(u"InitFunction3", &IdRuleFileWriter::InitFunction3);
+  Block(u"InitFunction3", &IdRuleFileWriter::WriteRuleFile);
 }
 
-void IdRuleFileWriter::InitFunction3() {
+void IdRuleFileWriter::WriteRuleFile() {
   const Server& server = CurrentServer();
   const std::filesystem::path templatePath(server.MapPath(u"template\\gather_id_web_template.asp"));
   const std::filesystem::path target(server.MapPath(u"gather_id_web_list.asp"));

@@ -10,7 +10,7 @@ namespace ostrakan::admin {
 class IdRuleFileWriter : public DatabasePage {
  public:
   IdRuleFileWriter();
-  void InitFunction3();
+  void WriteRuleFile();
 };
 
 }  // namespace ostrakan::admin

@@ -7,11 +7,11 @@ namespace ostrakan::admin {
 
 IdRuleList::IdRuleList() : DatabasePage(u"\\admin\\gather_id_web_manage") {
   Property(u"rs", rs);
-  Block(u"InitFunction3", &IdRuleList::InitFunction3);
-  Block(u"InitFunction4", &IdRuleList::InitFunction4);
+  EmptyBlock(u"InitFunction3");
+  Block(u"InitFunction4", &IdRuleList::WriteRuleRows);
 }
 
-void IdRuleList::InitFunction4() {
+void IdRuleList::WriteRuleRows() {
   ado::Recordset& rows =
       OpenRecordset(rs, u"select id,web,range from gather_id_web order by id desc", conn);
   gathering::WriteIdRuleRows(CurrentResponse(), rows);

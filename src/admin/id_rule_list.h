@@ -10,8 +10,7 @@ class IdRuleList : public DatabasePage {
  public:
   IdRuleList();
   Variant rs;
-  void InitFunction3() {}
-  void InitFunction4();
+  void WriteRuleRows();
 };
 
 }  // namespace ostrakan::admin

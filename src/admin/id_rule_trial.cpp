@@ -14,8 +14,8 @@ IdRuleTrial::IdRuleTrial() : IdRulePage(u"\\admin\\gather_id_web_verify") {
         std::pair{u"TitleEnd", &TitleEnd}, std::pair{u"ContentStart", &ContentStart},
         std::pair{u"ContentEnd", &ContentEnd}})
     Property(name, *member);
-  Block(u"InitFunction2", &IdRuleTrial::InitFunction2);
-  Block(u"InitFunction3", &IdRuleTrial::InitFunction3);
+  Block(u"InitFunction2", &IdRuleTrial::WriteSiteName);
+  Block(u"InitFunction3", &IdRuleTrial::WriteRuleId);
 }
 
 // Header, guard and, when the test form was sent, the test of every ID of the range.
@@ -31,11 +31,11 @@ void IdRuleTrial::FirstBlock() {
                                  ID_Start, ID_End);
 }
 
-void IdRuleTrial::InitFunction2() {
+void IdRuleTrial::WriteSiteName() {
   CurrentResponse().Write(HtmlText(TextOf(web)));
 }
 
-void IdRuleTrial::InitFunction3() {
+void IdRuleTrial::WriteRuleId() {
   CurrentResponse().Write(HtmlAttr(TextOf(CurrentRequest().Item(u"id"))));
 }
 

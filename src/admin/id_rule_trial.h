@@ -11,8 +11,8 @@ class IdRuleTrial : public IdRulePage {
   IdRuleTrial();
   Variant ID_Start, ID_End, N, G_Url, Html, TitleText, ContentText, TitleStart, TitleEnd,
       ContentStart, ContentEnd;
-  void InitFunction2();
-  void InitFunction3();
+  void WriteSiteName();
+  void WriteRuleId();
 
  protected:
   void FirstBlock() override;

@@ -10,19 +10,19 @@ KeywordList::KeywordList() : PagedList(u"\\admin\\keyword_manage", {u"个关键�
   Property(u"Keyword", Keyword);
   Property(u"list_sql", list_sql);
   Property(u"count_sql", count_sql);
-  Block(u"InitFunction3", &KeywordList::InitFunction3);
-  Block(u"InitFunction4", &KeywordList::InitFunction4);
-  Block(u"InitFunction5", &KeywordList::InitFunction5);
+  Block(u"InitFunction3", &KeywordList::ReadFilter);
+  EmptyBlock(u"InitFunction4");
+  Block(u"InitFunction5", &KeywordList::ListKeywords);
 }
 
 // The filter is taken as typed. It is bound into the list query as a LIKE pattern, so its own %
 // and _ still match as wildcards; a quote in it fails the list as it always has (logged, no
 // list), without running anything.
-void KeywordList::InitFunction3() {
+void KeywordList::ReadFilter() {
   Keyword = CurrentRequest().QueryString(u"keyword");
 }
 
-void KeywordList::InitFunction5() {
+void KeywordList::ListKeywords() {
   if (Equals(Keyword, Variant(u""))) {
     list_sql = u"order by id desc";
     count_sql = u"";

@@ -11,9 +11,8 @@ class KeywordList : public PagedList {
   Variant Keyword, list_sql, count_sql;
 
   KeywordList();
-  void InitFunction3();
-  void InitFunction4() {}
-  void InitFunction5();
+  void ReadFilter();
+  void ListKeywords();
   void showContent() override;
 
  protected:

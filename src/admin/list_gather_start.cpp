@@ -9,12 +9,12 @@ ListGatherStart::ListGatherStart() : DatabasePage(u"\\admin\\gather_list_db") {
   Property(u"rs", rs);
   Property(u"id", id);
   Property(u"web", web);
-  Block(u"InitFunction3", &ListGatherStart::InitFunction3);
+  Block(u"InitFunction3", &ListGatherStart::ReadRule);
   Block(u"InitFunction4", [this] { CurrentResponse().Write(HtmlAttr(TextOf(id))); });
   Block(u"InitFunction5", [this] { CurrentResponse().Write(HtmlText(TextOf(web))); });
 }
 
-void ListGatherStart::InitFunction3() {
+void ListGatherStart::ReadRule() {
   Variant requested = CurrentRequest().QueryString(u"id");
   ado::Recordset& rule = OpenRowById(rs, u"id,web", u"gather_list_web", requested, conn);
   id = rule.Field(u"id");

@@ -10,7 +10,7 @@ class ListGatherStart : public DatabasePage {
  public:
   ListGatherStart();
   Variant rs, id, web;
-  void InitFunction3();
+  void ReadRule();
 };
 
 }  // namespace ostrakan::admin

@@ -4,10 +4,10 @@
 namespace ostrakan::admin {
 
 ListRuleAdd::ListRuleAdd() : ListRuleFormOk(u"\\admin\\gather_list_web_add_ok") {
-  Block(u"InitFunction3", &ListRuleAdd::InitFunction3);
+  Block(u"InitFunction3", &ListRuleAdd::StoreNewRule);
 }
 
-void ListRuleAdd::InitFunction3() {
+void ListRuleAdd::StoreNewRule() {
   StorePostedRule(Variant());
   CurrentResponse().Write(Markup(kRuleListUpdateFrame) +
                           AlertAndGoTo(u"添加成功！", u"gather_list_web_manage.asp"));

@@ -9,7 +9,7 @@ namespace ostrakan::admin {
 class ListRuleAdd : public ListRuleFormOk {
  public:
   ListRuleAdd();
-  void InitFunction3();
+  void StoreNewRule();
 };
 
 }  // namespace ostrakan::admin

@@ -8,11 +8,11 @@ namespace ostrakan::admin {
 ListRuleEditForm::ListRuleEditForm() : DatabasePage(u"\\admin\\gather_list_web_edit") {
   Property(u"rs", rs);
   Property(u"id", id);
-  Block(u"InitFunction3", &ListRuleEditForm::InitFunction3);
+  Block(u"InitFunction3", &ListRuleEditForm::WriteEditPage);
   UseFiltration(FilterKind::QuoteUndoubling);
 }
 
-void ListRuleEditForm::InitFunction3() {
+void ListRuleEditForm::WriteEditPage() {
   id = CurrentRequest().QueryString(u"id");
   ado::Recordset& rules = OpenRowById(rs, u"*", u"gather_list_web", id, conn);
   gathering::ListRule values;

@@ -9,7 +9,7 @@ class ListRuleEditForm : public DatabasePage {
  public:
   ListRuleEditForm();
   Variant rs, id;
-  void InitFunction3();
+  void WriteEditPage();
 };
 
 }  // namespace ostrakan::admin

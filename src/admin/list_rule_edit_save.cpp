@@ -7,10 +7,10 @@ namespace ostrakan::admin {
 
 ListRuleEditSave::ListRuleEditSave() : ListRuleFormOk(u"\\admin\\gather_list_web_edit_ok") {
   Property(u"id", id);
-  Block(u"InitFunction3", &ListRuleEditSave::InitFunction3);
+  Block(u"InitFunction3", &ListRuleEditSave::StoreEditedRule);
 }
 
-void ListRuleEditSave::InitFunction3() {
+void ListRuleEditSave::StoreEditedRule() {
   id = CurrentRequest().Item(u"id");
   RequireId(id, conn);
   StorePostedRule(id);

@@ -10,7 +10,7 @@ class ListRuleEditSave : public ListRuleFormOk {
  public:
   ListRuleEditSave();
   Variant id;
-  void InitFunction3();
+  void StoreEditedRule();
 };
 
 }  // namespace ostrakan::admin

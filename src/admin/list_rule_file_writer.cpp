@@ -12,10 +12,10 @@ ListRuleFileWriter::ListRuleFileWriter() : DatabasePage(u"\\admin\\gather_list_w
                               {u"gather_web_list", &gather_web_list},
                               {u"ohtml", &ohtml}})
     Property(name, *member);
-  Block(u"InitFunction3", &ListRuleFileWriter::InitFunction3);
+  Block(u"InitFunction3", &ListRuleFileWriter::WriteRuleFile);
 }
 
-void ListRuleFileWriter::InitFunction3() {
+void ListRuleFileWriter::WriteRuleFile() {
   RegenerateRuleList(conn);
   CloseAndRelease(conn);
 }

@@ -10,7 +10,7 @@ class ListRuleFileWriter : public DatabasePage {
  public:
   ListRuleFileWriter();
   Variant rs, fso, otemplate, osearch, gather_web_list, ohtml;
-  void InitFunction3();
+  void WriteRuleFile();
 };
 
 }  // namespace ostrakan::admin

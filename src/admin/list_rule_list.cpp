@@ -10,10 +10,10 @@ ListRuleList::ListRuleList() : DatabasePage(u"\\admin\\gather_list_web_manage") 
   Property(u"id", id);
   Property(u"web", web);
   Block(u"InitFunction3", [] {});
-  Block(u"InitFunction4", &ListRuleList::InitFunction4);
+  Block(u"InitFunction4", &ListRuleList::WriteRuleRows);
 }
 
-void ListRuleList::InitFunction4() {
+void ListRuleList::WriteRuleRows() {
   ado::Recordset& rules =
       OpenRecordset(rs, u"select id,web from gather_list_web order by id desc", conn);
   Markup out;

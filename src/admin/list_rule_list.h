@@ -10,7 +10,7 @@ class ListRuleList : public DatabasePage {
  public:
   ListRuleList();
   Variant rs, id, web;
-  void InitFunction4();
+  void WriteRuleRows();
 };
 
 }  // namespace ostrakan::admin

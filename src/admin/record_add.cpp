@@ -4,10 +4,10 @@
 namespace ostrakan::admin {
 
 RecordAdd::RecordAdd() : RecordFormOk(u"\\admin\\db_add_ok") {
-  Block(u"InitFunction3", &RecordAdd::InitFunction3);
+  Block(u"InitFunction3", &RecordAdd::StoreNewRecord);
 }
 
-void RecordAdd::InitFunction3() {
+void RecordAdd::StoreNewRecord() {
   StorePostedRecord(Variant());
   CurrentResponse().Write(AlertAndGoTo(u"添加成功！", u"db_add.asp"));
 }

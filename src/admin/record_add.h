@@ -9,7 +9,7 @@ namespace ostrakan::admin {
 class RecordAdd : public RecordFormOk {
  public:
   RecordAdd();
-  void InitFunction3();
+  void StoreNewRecord();
 };
 
 }  // namespace ostrakan::admin

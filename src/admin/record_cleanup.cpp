@@ -8,20 +8,20 @@
 namespace ostrakan::admin {
 
 RecordCleanup::RecordCleanup() : DatabasePage(u"\\admin\\db_manage_ok") {
-  Block(u"InitFunction3", &RecordCleanup::InitFunction3);
-  Block(u"del", &RecordCleanup::del);
-  Block(u"del_url", &RecordCleanup::del_url);
+  Block(u"InitFunction3", &RecordCleanup::DispatchAction);
+  Block(u"del", &RecordCleanup::DeleteUntitled);
+  Block(u"del_url", &RecordCleanup::DeleteBySourceSite);
 }
 
-void RecordCleanup::InitFunction3() {
+void RecordCleanup::DispatchAction() {
   const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
   if (action == u"del")
-    del();
+    DeleteUntitled();
   else if (action == u"del_url")
-    del_url();
+    DeleteBySourceSite();
 }
 
-void RecordCleanup::del() {
+void RecordCleanup::DeleteUntitled() {
   Guard(u"del", [&] {
     Execute(conn, u"delete from db where title is null");
     CloseAndRelease(conn);
@@ -29,7 +29,7 @@ void RecordCleanup::del() {
   });
 }
 
-void RecordCleanup::del_url() {
+void RecordCleanup::DeleteBySourceSite() {
   Guard(u"del_url", [&] {
     const std::u16string url = records::StoredAddress(CurrentRequest().QueryString(u"url"));
     // An empty address would match every record that has a source: refuse it.

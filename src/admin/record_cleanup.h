@@ -10,9 +10,9 @@ namespace ostrakan::admin {
 class RecordCleanup : public DatabasePage {
  public:
   RecordCleanup();
-  void InitFunction3();
-  void del();
-  void del_url();
+  void DispatchAction();
+  void DeleteUntitled();
+  void DeleteBySourceSite();
 };
 
 }  // namespace ostrakan::admin

@@ -3,7 +3,7 @@
 namespace ostrakan::admin {
 
 RecordCleanupForm::RecordCleanupForm() : GuardedPage(u"\\admin\\db_manage") {
-  Block(u"InitFunction2", &RecordCleanupForm::InitFunction2);
+  EmptyBlock(u"InitFunction2");
 }
 
 }  // namespace ostrakan::admin

@@ -9,7 +9,6 @@ namespace ostrakan::admin {
 class RecordCleanupForm : public GuardedPage {
  public:
   RecordCleanupForm();
-  void InitFunction2() {}
 };
 
 }  // namespace ostrakan::admin

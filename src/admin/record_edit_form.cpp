@@ -23,10 +23,10 @@ const FieldCheck kChecks[] = {
 RecordEditForm::RecordEditForm() : DatabasePage(u"\\admin\\db_edit") {
   Property(u"rs", rs);
   Property(u"id", id);
-  Block(u"InitFunction3", &RecordEditForm::InitFunction3);
+  Block(u"InitFunction3", &RecordEditForm::WriteEditPage);
 }
 
-void RecordEditForm::InitFunction3() {
+void RecordEditForm::WriteEditPage() {
   id = CurrentRequest().QueryString(u"id");
   ado::Recordset& records = OpenRowById(rs, u"*", u"db", id, conn);
   // The stored values are escaped for where they land; the browser shows and posts them

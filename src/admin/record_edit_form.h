@@ -10,7 +10,7 @@ class RecordEditForm : public DatabasePage {
  public:
   RecordEditForm();
   Variant rs, id;
-  void InitFunction3();
+  void WriteEditPage();
 };
 
 }  // namespace ostrakan::admin

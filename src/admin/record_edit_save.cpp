@@ -7,10 +7,10 @@ namespace ostrakan::admin {
 
 RecordEditSave::RecordEditSave() : RecordFormOk(u"\\admin\\db_edit_ok") {
   Property(u"id", id);
-  Block(u"InitFunction3", &RecordEditSave::InitFunction3);
+  Block(u"InitFunction3", &RecordEditSave::StoreEditedRecord);
 }
 
-void RecordEditSave::InitFunction3() {
+void RecordEditSave::StoreEditedRecord() {
   id = CurrentRequest().Form(u"id");
   RequireId(id, conn);
   StorePostedRecord(id);

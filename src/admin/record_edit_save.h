@@ -10,7 +10,7 @@ class RecordEditSave : public RecordFormOk {
  public:
   RecordEditSave();
   Variant id;
-  void InitFunction3();
+  void StoreEditedRecord();
 };
 
 }  // namespace ostrakan::admin

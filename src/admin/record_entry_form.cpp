@@ -3,7 +3,7 @@
 namespace ostrakan::admin {
 
 RecordEntryForm::RecordEntryForm() : DatabasePage(u"\\admin\\db_add") {
-  Block(u"InitFunction3", &RecordEntryForm::InitFunction3);
+  EmptyBlock(u"InitFunction3");
 }
 
 }  // namespace ostrakan::admin

@@ -9,7 +9,6 @@ namespace ostrakan::admin {
 class RecordEntryForm : public DatabasePage {
  public:
   RecordEntryForm();
-  void InitFunction3() {}
 };
 
 }  // namespace ostrakan::admin

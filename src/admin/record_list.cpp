@@ -5,11 +5,11 @@
 namespace ostrakan::admin {
 
 RecordList::RecordList() : PagedList(u"\\admin\\db_list", {u"条记录", false}) {
-  Block(u"InitFunction3", &RecordList::InitFunction3);
-  Block(u"InitFunction4", &RecordList::InitFunction4);
+  EmptyBlock(u"InitFunction3");
+  Block(u"InitFunction4", &RecordList::ListRecords);
 }
 
-void RecordList::InitFunction4() {
+void RecordList::ListRecords() {
   WriteList({u"select count(*) as db_count from db",
              u"select top 20 id,title,url,source,source_url,time from db order by id desc",
              u"select id,title,url,source,source_url,time from db order by id desc",

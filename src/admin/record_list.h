@@ -8,8 +8,7 @@ namespace ostrakan::admin {
 class RecordList : public PagedList {
  public:
   RecordList();
-  void InitFunction3() {}
-  void InitFunction4();
+  void ListRecords();
   void showContent() override;
 };
 

@@ -11,9 +11,9 @@ RecordSearch::RecordSearch() : PagedList(u"\\admin\\db_search", {u"条记录", f
   Property(u"Keyword", Keyword);
   Property(u"action", action);
   Property(u"where_sql", where_sql);
-  Block(u"InitFunction3", &RecordSearch::InitFunction3);
-  Block(u"InitFunction4", &RecordSearch::InitFunction4);
-  Block(u"InitFunction5", &RecordSearch::InitFunction5);
+  Block(u"InitFunction3", &RecordSearch::ReadSearch);
+  EmptyBlock(u"InitFunction4");
+  Block(u"InitFunction5", &RecordSearch::ListRecords);
   UseFiltration(FilterKind::SearchWords);
 }
 
@@ -21,7 +21,7 @@ RecordSearch::RecordSearch() : PagedList(u"\\admin\\db_search", {u"条记录", f
 // out, so a request without a "keyword" key is not a search: the page shows its form and
 // InitFunction5 writes nothing. A "keyword" key that is empty, or empty once filtered, is a
 // search without a word and is refused.
-void RecordSearch::InitFunction3() {
+void RecordSearch::ReadSearch() {
   const Request& request = CurrentRequest();
   if (!request.queryString.Has(u"keyword")) return;
   Keyword = request.QueryString(u"keyword");
@@ -40,7 +40,7 @@ void RecordSearch::InitFunction3() {
   searching_ = true;
 }
 
-void RecordSearch::InitFunction5() {
+void RecordSearch::ListRecords() {
   if (!searching_) return;
   const std::u16string where = TextOf(where_sql);
   const std::u16string columns = u"id,title,content,url,source,source_url,time from db ";

@@ -11,16 +11,15 @@ class RecordSearch : public PagedList {
   Variant Keyword, action, where_sql;
 
   RecordSearch();
-  void InitFunction3();
-  void InitFunction4() {}
-  void InitFunction5();
+  void ReadSearch();
+  void ListRecords();
   void showContent() override;
 
  protected:
   Markup PagerKeys() const override;
 
  private:
-  bool searching_ = false;  // a search was asked for and accepted by InitFunction3
+  bool searching_ = false;  // a search was asked for and accepted by ReadSearch
 };
 
 }  // namespace ostrakan::admin

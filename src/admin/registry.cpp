@@ -23,8 +23,8 @@
 #include "admin/id_rule_file_writer.h"
 #include "admin/id_rule_list.h"
 #include "admin/id_rule_trial.h"
-#include "admin/inc/code.h"
 #include "admin/inc/md5.h"
+#include "admin/inc/verify_picture.h"
 #include "admin/keyword_delete.h"
 #include "admin/keyword_list.h"
 #include "admin/list_gather_start.h"
@@ -73,7 +73,7 @@ std::shared_ptr<Component> Make() {
 
 const std::vector<Entry>& Table() {
   static const std::vector<Entry> table = {
-      {u"Ostrakan.Class1", Make<admin::Code>},                      // inc/code.asp
+      {u"Ostrakan.Class1", Make<admin::VerifyPicture>},             // inc/code.asp
       {u"Ostrakan.Class2", Make<admin::Md5>},                       // inc/md5.asp
       {u"Ostrakan.Class12", Make<admin::Desktop>},                  // desktop.asp
       {u"Ostrakan.Class13", Make<admin::AccountSave>},              // admin_ok.asp
@@ -82,7 +82,7 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class18", Make<admin::SignIn>},                   // login.asp
       {u"Ostrakan.Class40", Make<admin::AccountForm>},              // admin.asp
       {u"Ostrakan.Class59", Make<admin::SignOut>},                  // login_out.asp
-      {u"Ostrakan.Class64", Make<admin::VerifyPicture>},            // login_verify.asp
+      {u"Ostrakan.Class64", Make<admin::SignInCheck>},              // login_verify.asp
       // Video records
       {u"Ostrakan.Class17", Make<admin::RecordDelete>},       // db_ok.asp
       {u"Ostrakan.Class19", Make<admin::RecordEntryForm>},    // db_add.asp

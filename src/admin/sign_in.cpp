@@ -17,8 +17,8 @@ SignIn::SignIn() : WithMd5(u"\\admin\\login") {
                               {u"verifyid", &verifyid},
                               {u"id", &id}})
     Property(name, *member);
-  Block(u"InitFunction2", &SignIn::InitFunction2);
-  Block(u"InitFunction3", &SignIn::InitFunction3);
+  EmptyBlock(u"InitFunction2");
+  Block(u"InitFunction3", &SignIn::CheckAndSignIn);
   UseFiltration(FilterKind::Strict);
 }
 
@@ -26,7 +26,7 @@ void SignIn::FirstBlock() {
   OpenConnection(*this, u"InitFunction1", DB, connstr, conn);
 }
 
-void SignIn::InitFunction3() {
+void SignIn::CheckAndSignIn() {
   Guard(u"InitFunction3", [&] {
     Request& request = CurrentRequest();
     Session& session = CurrentSession();

@@ -10,8 +10,7 @@ class SignIn : public WithMd5<SitePage> {
  public:
   SignIn();
   Variant conn, connstr, rs, username, password, verifyid, id;
-  void InitFunction2() {}
-  void InitFunction3();
+  void CheckAndSignIn();
 
  protected:
   void FirstBlock() override;  // the connection

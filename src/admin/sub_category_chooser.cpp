@@ -11,22 +11,22 @@ SubCategoryChooser::SubCategoryChooser() : DatabasePage(u"\\admin\\create_sort_l
   for (auto [name, member] :
        {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}, {u"rsa", &rsa}, {u"rs", &rs}})
     Property(name, *member);
-  Block(u"InitFunction3", &SubCategoryChooser::InitFunction3);
-  Block(u"InitFunction4", &SubCategoryChooser::InitFunction4);
-  Block(u"InitFunction5", &SubCategoryChooser::InitFunction5);
+  Block(u"InitFunction3", &SubCategoryChooser::ReadParent);
+  Block(u"InitFunction4", &SubCategoryChooser::WriteParentName);
+  Block(u"InitFunction5", &SubCategoryChooser::WriteLetterGroups);
 }
 
-void SubCategoryChooser::InitFunction3() {
+void SubCategoryChooser::ReadParent() {
   sort = CurrentRequest().Item(u"sort");
   sort_id = CurrentRequest().Item(u"sort_id");
   RequireId(sort_id, conn);
 }
 
-void SubCategoryChooser::InitFunction4() {
+void SubCategoryChooser::WriteParentName() {
   CurrentResponse().Write(HtmlText(TextOf(sort)));
 }
 
-void SubCategoryChooser::InitFunction5() {
+void SubCategoryChooser::WriteLetterGroups() {
   CurrentResponse().Write(
       categories::GenerateLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
   CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));

@@ -10,9 +10,9 @@ class SubCategoryChooser : public DatabasePage {
  public:
   Variant sort, sort_id, rsa, rs;
   SubCategoryChooser();
-  void InitFunction3();  // reads "sort" and "sort_id"; a bad sort_id ends the page
-  void InitFunction4();  // the top-level category's name
-  void InitFunction5();  // the letter groups
+  void ReadParent();         // reads "sort" and "sort_id"; a bad sort_id ends the page
+  void WriteParentName();    // the top-level category's name
+  void WriteLetterGroups();  // the letter groups
 };
 
 }  // namespace ostrakan::admin

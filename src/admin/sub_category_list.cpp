@@ -11,37 +11,37 @@ SubCategoryList::SubCategoryList() : DatabasePage(u"\\admin\\sort_list") {
   for (auto [name, member] :
        {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}, {u"rs", &rs}, {u"rsa", &rsa}})
     Property(name, *member);
-  Block(u"InitFunction3", &SubCategoryList::InitFunction3);
-  Block(u"InitFunction4", &SubCategoryList::InitFunction4);
-  Block(u"InitFunction5", &SubCategoryList::InitFunction5);
-  Block(u"InitFunction6", &SubCategoryList::InitFunction6);
-  Block(u"InitFunction7", &SubCategoryList::InitFunction7);
-  Block(u"InitFunction8", &SubCategoryList::InitFunction8);
+  Block(u"InitFunction3", &SubCategoryList::ReadParent);
+  Block(u"InitFunction4", &SubCategoryList::WriteLetterOptions);
+  Block(u"InitFunction5", &SubCategoryList::WriteParentIdForAdd);
+  Block(u"InitFunction6", &SubCategoryList::WriteParentIdForBatch);
+  Block(u"InitFunction7", &SubCategoryList::WriteParentName);
+  Block(u"InitFunction8", &SubCategoryList::WriteLetterGroups);
 }
 
-void SubCategoryList::InitFunction3() {
+void SubCategoryList::ReadParent() {
   sort = CurrentRequest().QueryString(u"sort");
   sort_id = CurrentRequest().QueryString(u"sort_id");
   RequireId(sort_id, conn);
 }
 
-void SubCategoryList::InitFunction4() {
+void SubCategoryList::WriteLetterOptions() {
   CurrentResponse().Write(categories::LetterOptions(categories::Letters(ConnectionOf(conn))));
 }
 
-void SubCategoryList::InitFunction5() {
+void SubCategoryList::WriteParentIdForAdd() {
   CurrentResponse().Write(HtmlAttr(TextOf(sort_id)));
 }
 
-void SubCategoryList::InitFunction6() {
+void SubCategoryList::WriteParentIdForBatch() {
   CurrentResponse().Write(HtmlAttr(TextOf(sort_id)));
 }
 
-void SubCategoryList::InitFunction7() {
+void SubCategoryList::WriteParentName() {
   CurrentResponse().Write(HtmlText(TextOf(sort)));
 }
 
-void SubCategoryList::InitFunction8() {
+void SubCategoryList::WriteLetterGroups() {
   CurrentResponse().Write(
       categories::ManageLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
   CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));

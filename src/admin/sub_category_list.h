@@ -10,12 +10,12 @@ class SubCategoryList : public DatabasePage {
  public:
   Variant sort, sort_id, rs, rsa;
   SubCategoryList();
-  void InitFunction3();  // reads "sort" and "sort_id"; a bad sort_id ends the page
-  void InitFunction4();  // the letter options of the add form
-  void InitFunction5();  // sort_id, for a hidden field
-  void InitFunction6();  // sort_id, for a hidden field
-  void InitFunction7();  // the parent's name
-  void InitFunction8();  // the letter groups
+  void ReadParent();             // reads "sort" and "sort_id"; a bad sort_id ends the page
+  void WriteLetterOptions();     // the letter options of the add form
+  void WriteParentIdForAdd();    // sort_id, for a hidden field
+  void WriteParentIdForBatch();  // sort_id, for a hidden field
+  void WriteParentName();        // the parent's name
+  void WriteLetterGroups();      // the letter groups
 };
 
 }  // namespace ostrakan::admin

@@ -9,10 +9,10 @@ TickedSubCategoryFrames::TickedSubCategoryFrames()
     : GuardedPage(u"\\admin\\create_sort_two_instruction") {
   Property(u"nn", nn);
   Property(u"id", id);
-  Block(u"InitFunction2", &TickedSubCategoryFrames::InitFunction2);
+  Block(u"InitFunction2", &TickedSubCategoryFrames::WriteTickedFrames);
 }
 
-void TickedSubCategoryFrames::InitFunction2() {
+void TickedSubCategoryFrames::WriteTickedFrames() {
   const std::vector<Variant> ticked = RequestValues(u"id");
   for (size_t i = 0; i < ticked.size(); ++i) {
     nn = Variant(static_cast<int32_t>(i + 1));

@@ -9,7 +9,7 @@ class TickedSubCategoryFrames : public GuardedPage {
  public:
   Variant nn, id;
   TickedSubCategoryFrames();
-  void InitFunction2();
+  void WriteTickedFrames();
 };
 
 }  // namespace ostrakan::admin

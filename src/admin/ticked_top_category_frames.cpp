@@ -10,10 +10,10 @@ TickedTopCategoryFrames::TickedTopCategoryFrames()
     : SubCategoryFrames(u"\\admin\\create_sort_one_instruction") {
   Property(u"nn", nn);
   Property(u"id", id);
-  Block(u"InitFunction3", &TickedTopCategoryFrames::InitFunction3);
+  Block(u"InitFunction3", &TickedTopCategoryFrames::WriteTickedFrames);
 }
 
-void TickedTopCategoryFrames::InitFunction3() {
+void TickedTopCategoryFrames::WriteTickedFrames() {
   // Ticked values go to the generator as they are; it checks them.
   const std::vector<Variant> ticked = RequestValues(u"id");
   for (size_t i = 0; i < ticked.size(); ++i) {

@@ -9,7 +9,7 @@ namespace ostrakan::admin {
 class TickedTopCategoryFrames : public SubCategoryFrames {
  public:
   TickedTopCategoryFrames();
-  void InitFunction3();
+  void WriteTickedFrames();
 };
 
 }  // namespace ostrakan::admin

@@ -7,11 +7,11 @@ namespace ostrakan::admin {
 
 TopCategoryChooser::TopCategoryChooser() : DatabasePage(u"\\admin\\create_sort") {
   Property(u"rs", rs);
-  Block(u"InitFunction3", &TopCategoryChooser::InitFunction3);
-  Block(u"InitFunction4", &TopCategoryChooser::InitFunction4);
+  EmptyBlock(u"InitFunction3");
+  Block(u"InitFunction4", &TopCategoryChooser::WriteCategoryChoices);
 }
 
-void TopCategoryChooser::InitFunction4() {
+void TopCategoryChooser::WriteCategoryChoices() {
   CurrentResponse().Write(categories::GenerateFirstLevel(categories::TopLevel(ConnectionOf(conn))));
   CurrentSession().Set(u"url", Variant(u"sort_manage.asp"));
 }

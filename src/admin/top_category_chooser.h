@@ -9,8 +9,7 @@ class TopCategoryChooser : public DatabasePage {
  public:
   Variant rs;
   TopCategoryChooser();
-  void InitFunction3() {}
-  void InitFunction4();
+  void WriteCategoryChoices();
 };
 
 }  // namespace ostrakan::admin

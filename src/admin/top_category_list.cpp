@@ -7,11 +7,11 @@ namespace ostrakan::admin {
 
 TopCategoryList::TopCategoryList() : DatabasePage(u"\\admin\\sort_manage") {
   Property(u"rs", rs);
-  Block(u"InitFunction3", &TopCategoryList::InitFunction3);
-  Block(u"InitFunction4", &TopCategoryList::InitFunction4);
+  EmptyBlock(u"InitFunction3");
+  Block(u"InitFunction4", &TopCategoryList::WriteCategoryRows);
 }
 
-void TopCategoryList::InitFunction4() {
+void TopCategoryList::WriteCategoryRows() {
   CurrentResponse().Write(categories::ManageFirstLevel(categories::TopLevel(ConnectionOf(conn))));
   CurrentSession().Set(u"url", Variant(u"sort_manage.asp"));
 }

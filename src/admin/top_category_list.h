@@ -10,8 +10,7 @@ class TopCategoryList : public DatabasePage {
  public:
   Variant rs;
   TopCategoryList();
-  void InitFunction3() {}
-  void InitFunction4();
+  void WriteCategoryRows();
 };
 
 }  // namespace ostrakan::admin

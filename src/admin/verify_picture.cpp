@@ -4,12 +4,12 @@
 
 namespace ostrakan::admin {
 
-VerifyPicture::VerifyPicture() : Component(u"\\admin\\login_verify") {
+SignInCheck::SignInCheck() : Component(u"\\admin\\login_verify") {
   Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", &VerifyPicture::InitFunction1);
+  Block(u"InitFunction1", &SignInCheck::RequireSignIn);
 }
 
-void VerifyPicture::InitFunction1() {
+void SignInCheck::RequireSignIn() {
   PageHeaderGuard(Admin_Session);
 }
 

@@ -6,11 +6,11 @@
 
 namespace ostrakan::admin {
 
-class VerifyPicture : public Component {
+class SignInCheck : public Component {
  public:
-  VerifyPicture();
+  SignInCheck();
   Variant Admin_Session;
-  void InitFunction1();
+  void RequireSignIn();
 };
 
 }  // namespace ostrakan::admin

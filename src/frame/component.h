@@ -54,7 +54,11 @@ class Component : public Object {
   // Registers the block `name` (no argument, nothing returned): the page engine's call runs
   // `body` under the error convention, logged with the block's name.
   void Block(std::u16string name, std::function<void()> body);
-  // The same for a method of the page: Block(u"InitFunction3", &RecordList::ReadFilter).
+  // A block the page file calls that has nothing to do in the component.
+  void EmptyBlock(std::u16string name) {
+    Block(std::move(name), [] {});
+  }
+  // The same for a method of the page: Block(u"InitFunction5", &KeywordList::ListKeywords).
   template <class Page>
   void Block(std::u16string name, void (Page::*body)()) {
     Block(std::move(name), [page = static_cast<Page*>(this), body] { (page->*body)(); });

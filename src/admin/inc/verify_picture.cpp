@@ -1,4 +1,4 @@
-#include "admin/inc/code.h"
+#include "admin/inc/verify_picture.h"
 
 #include "access/verify_code.h"
 #include "platform/text/stream.h"
@@ -19,17 +19,17 @@ Bytes LoadFile(const std::u16string& path) {
 }
 }  // namespace
 
-Code::Code() : Component(u"\\admin\\inc\\code") {
-  Block(u"InitFunction1", &Code::InitFunction1);
-  Block(u"NumCode", &Code::NumCode);
+VerifyPicture::VerifyPicture() : Component(u"\\admin\\inc\\code") {
+  Block(u"InitFunction1", &VerifyPicture::WriteUnbuffered);
+  Block(u"NumCode", &VerifyPicture::DrawNewCode);
 }
 
-void Code::InitFunction1() {
+void VerifyPicture::WriteUnbuffered() {
   CurrentResponse().Buffer = false;
-  NumCode();
+  DrawNewCode();
 }
 
-void Code::NumCode() {
+void VerifyPicture::DrawNewCode() {
   Guard(u"NumCode", [&] {
     Response& response = CurrentResponse();
     response.SetExpires(-1);

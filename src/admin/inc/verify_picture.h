@@ -7,11 +7,11 @@
 
 namespace ostrakan::admin {
 
-class Code : public Component {
+class VerifyPicture : public Component {
  public:
-  Code();
-  void InitFunction1();
-  void NumCode();
+  VerifyPicture();
+  void WriteUnbuffered();
+  void DrawNewCode();
 };
 
 }  // namespace ostrakan::admin
