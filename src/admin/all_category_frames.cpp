@@ -15,7 +15,7 @@ void AllCategoryFrames::WriteAllGeneratorFrames() {
   for (const categories::Category& top : categories::TopLevel(ConnectionOf(conn))) {
     CurrentResponse().Write(
         generation::GeneratorFrame({generation::PageKind::TopLevel, Variant(top.id)}));
-    create_sort_two(Variant(top.id));
+    WriteSubCategoryFrames(Variant(top.id));
   }
 }
 

@@ -4,32 +4,18 @@
 
 namespace ostrakan::admin {
 
-DatabaseConnection::DatabaseConnection() : Component(u"\\admin\\conn") {
+DatabaseConnection::DatabaseConnection(std::u16string context, std::u16string databaseProperty)
+    : Component(std::move(context)) {
   Property(u"conn", conn);
   Property(u"connstr", connstr);
-  Property(u"DB", DB);
+  Property(std::move(databaseProperty), database);
   Property(u"Admin_Session", Admin_Session);
   Block(u"InitFunction1", &DatabaseConnection::GuardAndOpen);
 }
 
 void DatabaseConnection::GuardAndOpen() {
-  Guard(u"InitFunction1", [&] {
-    PageHeaderGuard(Admin_Session);
-    OpenConnection(*this, u"InitFunction1", DB, connstr, conn);
-  });
-}
-
-OtherDatabaseConnection::OtherDatabaseConnection() : Component(u"\\admin\\connstr") {
-  Property(u"conn", conn);
-  Property(u"connstr", connstr);
-  Property(u"ODB", ODB);
-  Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", &OtherDatabaseConnection::GuardAndOpen);
-}
-
-void OtherDatabaseConnection::GuardAndOpen() {
   PageHeaderGuard(Admin_Session);
-  OpenConnection(*this, u"InitFunction1", ODB, connstr, conn);
+  OpenConnection(*this, u"InitFunction1", database, connstr, conn);
 }
 
 }  // namespace ostrakan::admin

@@ -10,16 +10,24 @@ namespace ostrakan::admin {
 
 class DatabaseConnection : public Component {
  public:
-  DatabaseConnection();
-  Variant conn, connstr, DB, Admin_Session;
+  Variant conn, connstr, database, Admin_Session;
   void GuardAndOpen();
+
+ protected:
+  // `databaseProperty` is the name the page file gives the database's path (DB or ODB).
+  DatabaseConnection(std::u16string context, std::u16string databaseProperty);
 };
 
-class OtherDatabaseConnection : public Component {
+// conn.asp: the site's database, DB.
+class SiteDatabaseConnection : public DatabaseConnection {
  public:
-  OtherDatabaseConnection();
-  Variant conn, connstr, ODB, Admin_Session;
-  void GuardAndOpen();
+  SiteDatabaseConnection() : DatabaseConnection(u"\\admin\\conn", u"DB") {}
+};
+
+// connstr.asp: the other database, ODB.
+class OtherDatabaseConnection : public DatabaseConnection {
+ public:
+  OtherDatabaseConnection() : DatabaseConnection(u"\\admin\\connstr", u"ODB") {}
 };
 
 }  // namespace ostrakan::admin

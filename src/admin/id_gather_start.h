@@ -1,17 +1,14 @@
-// gather_id_db.asp (Ostrakan.Class52): the start form of an ID gathering run for one rule.
+// gather_id_db.asp (Ostrakan.Class52): the start form of an ID gathering run for one rule; the
+// page file sets `id` from the request.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/gather_start_page.h"
 
 namespace ostrakan::admin {
 
-class IdGatherStart : public DatabasePage {
+class IdGatherStart : public GatherStartPage {
  public:
   IdGatherStart();
-  Variant rs, id, web;
-  void ReadRule();
-  void WriteSiteName();
-  void WriteRuleId();
 };
 
 }  // namespace ostrakan::admin

@@ -77,7 +77,7 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class2", Make<admin::Md5>},                       // inc/md5.asp
       {u"Ostrakan.Class12", Make<admin::Desktop>},                  // desktop.asp
       {u"Ostrakan.Class13", Make<admin::AccountSave>},              // admin_ok.asp
-      {u"Ostrakan.Class15", Make<admin::DatabaseConnection>},       // conn.asp
+      {u"Ostrakan.Class15", Make<admin::SiteDatabaseConnection>},   // conn.asp
       {u"Ostrakan.Class16", Make<admin::OtherDatabaseConnection>},  // connstr.asp
       {u"Ostrakan.Class18", Make<admin::SignIn>},                   // login.asp
       {u"Ostrakan.Class40", Make<admin::AccountForm>},              // admin.asp

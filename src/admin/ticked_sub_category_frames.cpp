@@ -1,7 +1,6 @@
 #include "admin/ticked_sub_category_frames.h"
 
-#include "admin/category_blocks.h"
-#include "generation/rebuild_plan.h"
+#include "admin/sub_category_frames.h"
 
 namespace ostrakan::admin {
 
@@ -13,12 +12,7 @@ TickedSubCategoryFrames::TickedSubCategoryFrames()
 }
 
 void TickedSubCategoryFrames::WriteTickedFrames() {
-  const std::vector<Variant> ticked = RequestValues(u"id");
-  for (size_t i = 0; i < ticked.size(); ++i) {
-    nn = Variant(static_cast<int32_t>(i + 1));
-    CurrentResponse().Write(
-        generation::GeneratorFrame({generation::PageKind::SubCategory, ticked[i]}));
-  }
+  admin::WriteTickedFrames(generation::PageKind::SubCategory, nn);
 }
 
 }  // namespace ostrakan::admin

@@ -14,14 +14,8 @@ TickedTopCategoryFrames::TickedTopCategoryFrames()
 }
 
 void TickedTopCategoryFrames::WriteTickedFrames() {
-  // Ticked values go to the generator as they are; it checks them.
-  const std::vector<Variant> ticked = RequestValues(u"id");
-  for (size_t i = 0; i < ticked.size(); ++i) {
-    nn = Variant(static_cast<int32_t>(i + 1));
-    CurrentResponse().Write(
-        generation::GeneratorFrame({generation::PageKind::TopLevel, ticked[i]}));
-    create_sort_two(ticked[i]);
-  }
+  admin::WriteTickedFrames(generation::PageKind::TopLevel, nn,
+                           [this](const Variant& top) { WriteSubCategoryFrames(top); });
   CloseAndRelease(conn);
 }
 
