@@ -1,50 +1,30 @@
 #include "admin/sub_category_list.h"
 
-#include "admin/category_blocks.h"
 #include "categories/tree_markup.h"
 #include "frame/data_access.h"
 #include "frame/escape.h"
 
 namespace ostrakan::admin {
 
-SubCategoryList::SubCategoryList() : DatabasePage(u"\\admin\\sort_list") {
-  for (auto [name, member] :
-       {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}, {u"rs", &rs}, {u"rsa", &rsa}})
-    Property(name, *member);
-  Block(u"InitFunction3", &SubCategoryList::ReadParent);
+SubCategoryList::SubCategoryList() : SubCategoryPage(u"\\admin\\sort_list") {
+  Block(u"InitFunction3", [this] {
+    const Request& request = CurrentRequest();
+    ReadParent(request.QueryString(u"sort"), request.QueryString(u"sort_id"));
+  });
   Block(u"InitFunction4", &SubCategoryList::WriteLetterOptions);
-  Block(u"InitFunction5", &SubCategoryList::WriteParentIdForAdd);
-  Block(u"InitFunction6", &SubCategoryList::WriteParentIdForBatch);
+  // The hidden sort_id field of each of the page's two forms.
+  Block(u"InitFunction5", &SubCategoryList::WriteParentId);
+  Block(u"InitFunction6", &SubCategoryList::WriteParentId);
   Block(u"InitFunction7", &SubCategoryList::WriteParentName);
-  Block(u"InitFunction8", &SubCategoryList::WriteLetterGroups);
-}
-
-void SubCategoryList::ReadParent() {
-  sort = CurrentRequest().QueryString(u"sort");
-  sort_id = CurrentRequest().QueryString(u"sort_id");
-  RequireId(sort_id, conn);
+  Block(u"InitFunction8", [this] { WriteLetterGroups(categories::ManageLetterGroups); });
 }
 
 void SubCategoryList::WriteLetterOptions() {
   CurrentResponse().Write(categories::LetterOptions(categories::Letters(ConnectionOf(conn))));
 }
 
-void SubCategoryList::WriteParentIdForAdd() {
+void SubCategoryList::WriteParentId() {
   CurrentResponse().Write(HtmlAttr(TextOf(sort_id)));
-}
-
-void SubCategoryList::WriteParentIdForBatch() {
-  CurrentResponse().Write(HtmlAttr(TextOf(sort_id)));
-}
-
-void SubCategoryList::WriteParentName() {
-  CurrentResponse().Write(HtmlText(TextOf(sort)));
-}
-
-void SubCategoryList::WriteLetterGroups() {
-  CurrentResponse().Write(
-      categories::ManageLetterGroups(categories::LetterGroups(ConnectionOf(conn), sort_id)));
-  CurrentSession().Set(u"url", Variant(SortListAddress(sort, sort_id)));
 }
 
 }  // namespace ostrakan::admin

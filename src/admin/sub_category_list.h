@@ -2,20 +2,15 @@
 // by letter group, with the add form's letter choices.
 #pragma once
 
-#include "frame/database_page.h"
+#include "admin/sub_category_page.h"
 
 namespace ostrakan::admin {
 
-class SubCategoryList : public DatabasePage {
+class SubCategoryList : public SubCategoryPage {
  public:
-  Variant sort, sort_id, rs, rsa;
   SubCategoryList();
-  void ReadParent();             // reads "sort" and "sort_id"; a bad sort_id ends the page
-  void WriteLetterOptions();     // the letter options of the add form
-  void WriteParentIdForAdd();    // sort_id, for a hidden field
-  void WriteParentIdForBatch();  // sort_id, for a hidden field
-  void WriteParentName();        // the parent's name
-  void WriteLetterGroups();      // the letter groups
+  void WriteLetterOptions();  // the letter options of the add form
+  void WriteParentId();       // sort_id, for a hidden field
 };
 
 }  // namespace ostrakan::admin
