@@ -7,7 +7,6 @@
 namespace ostrakan::admin {
 
 AllCategoryFrames::AllCategoryFrames() : SubCategoryFrames(u"\\admin\\create_all_instruction") {
-  Property(u"rs", rs);
   Block(u"InitFunction3", &AllCategoryFrames::WriteAllGeneratorFrames);
 }
 

@@ -10,8 +10,7 @@ namespace ostrakan::admin {
 
 CategoryBatchAdd::CategoryBatchAdd() : DatabasePage(u"\\admin\\sort_batch_add_ok") {
   UseFiltration(FilterKind::BlanksKept);
-  for (auto [name, member] : {std::pair{u"rs", &rs},
-                              {u"sort_id", &sort_id},
+  for (auto [name, member] : {std::pair{u"sort_id", &sort_id},
                               {u"alphabetical_id", &alphabetical_id},
                               {u"sort_list", &sort_list}})
     Property(name, *member);

@@ -8,7 +8,7 @@ namespace ostrakan::admin {
 
 class CategoryBatchAdd : public DatabasePage {
  public:
-  Variant rs, sort_id, alphabetical_id, sort_list;
+  Variant sort_id, alphabetical_id, sort_list;
   CategoryBatchAdd();
   void AddCategoryLines();
 };

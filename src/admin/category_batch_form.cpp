@@ -11,11 +11,8 @@
 namespace ostrakan::admin {
 
 CategoryBatchForm::CategoryBatchForm() : DatabasePage(u"\\admin\\sort_batch_add") {
-  for (auto [name, member] : {std::pair{u"rs", &rs},
-                              {u"id", &id},
-                              {u"sort", &sort},
-                              {u"sort_id", &sort_id},
-                              {u"locality", &locality}})
+  for (auto [name, member] :
+       {std::pair{u"id", &id}, {u"sort", &sort}, {u"sort_id", &sort_id}, {u"locality", &locality}})
     Property(name, *member);
   Block(u"InitFunction3", &CategoryBatchForm::ReadParent);
   EmptyBlock(u"InitFunction4");

@@ -9,7 +9,7 @@ namespace ostrakan::admin {
 
 class CategoryBatchForm : public DatabasePage {
  public:
-  Variant rs, id, sort, sort_id, locality;
+  Variant id, sort, sort_id, locality;
   CategoryBatchForm();
   void ReadParent();      // the parent and its path
   void WriteParentId();   // the parent id, for the hidden field

@@ -13,14 +13,7 @@ constexpr int32_t kFileFailure = 75;
 
 CategoryGenerator::CategoryGenerator(std::u16string context, generation::PageKind kind)
     : DatabasePage(std::move(context)), kind_(kind) {
-  for (auto [name, member] : {std::pair{u"rs", &rs},
-                              {u"id", &id},
-                              {u"sort", &sort},
-                              {u"fso", &fso},
-                              {u"otemplate", &otemplate},
-                              {u"pellumar", &pellumar},
-                              {u"ohtml", &ohtml}})
-    Property(name, *member);
+  Property(u"id", id);
   Block(u"InitFunction3", &CategoryGenerator::WriteCategoryPage);
 }
 
@@ -36,23 +29,16 @@ void CategoryGenerator::WriteCategoryPage() {
     case Generated::Outcome::Unknown:
       WriteAndEnd(u"该记录不存在或错误！");
     case Generated::Outcome::Failed:
-      sort = result.name;
       throw ScriptError(kFileFailure, FromUtf8(result.failure));
     case Generated::Outcome::Written:
-      sort = result.name;
       CurrentResponse().Write(HtmlText(result.name) + u" >> 生成HTML成功！");
   }
 }
 
 TopCategoryPageWriter::TopCategoryPageWriter()
-    : CategoryGenerator(u"\\admin\\create_sort_one_ok", generation::PageKind::TopLevel) {
-  Property(u"rsa", rsa);
-  Property(u"sort_list", sort_list);
-}
+    : CategoryGenerator(u"\\admin\\create_sort_one_ok", generation::PageKind::TopLevel) {}
 
 SubCategoryPageWriter::SubCategoryPageWriter()
-    : CategoryGenerator(u"\\admin\\create_sort_two_ok", generation::PageKind::SubCategory) {
-  Property(u"db_list", db_list);
-}
+    : CategoryGenerator(u"\\admin\\create_sort_two_ok", generation::PageKind::SubCategory) {}
 
 }  // namespace ostrakan::admin

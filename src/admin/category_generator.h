@@ -13,7 +13,7 @@ namespace ostrakan::admin {
 
 class CategoryGenerator : public DatabasePage {
  public:
-  Variant rs, id, sort, fso, otemplate, pellumar, ohtml;
+  Variant id;
   void WriteCategoryPage();
 
  protected:
@@ -25,13 +25,11 @@ class CategoryGenerator : public DatabasePage {
 
 class TopCategoryPageWriter : public CategoryGenerator {
  public:
-  Variant rsa, sort_list;
   TopCategoryPageWriter();
 };
 
 class SubCategoryPageWriter : public CategoryGenerator {
  public:
-  Variant db_list;
   SubCategoryPageWriter();
 };
 

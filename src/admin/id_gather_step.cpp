@@ -12,8 +12,7 @@ IdGatherStep::IdGatherStep() : IdRulePage(u"\\admin\\gather_id_db_ok") {
   for (auto [name, member] :
        {std::pair{u"conn", &conn}, std::pair{u"connstr", &connstr}, std::pair{u"rs", &rs},
         std::pair{u"id", &id}, std::pair{u"ID_Start", &ID_Start}, std::pair{u"ID_End", &ID_End},
-        std::pair{u"DB_Num", &DB_Num}, std::pair{u"G_Url", &G_Url}, std::pair{u"Html", &Html},
-        std::pair{u"TitleText", &TitleText}, std::pair{u"ContentText", &ContentText}})
+        std::pair{u"DB_Num", &DB_Num}})
     Property(name, *member);
 }
 
@@ -55,18 +54,11 @@ void IdGatherStep::FirstBlock() {
   gathering::IdExtractor extractor;
   const gathering::IdStepResult result = gathering::GatherIdPage(
       *gathering::IdPageSource(CurrentServer().factory()), extractor, Rule(), step.idStart);
-  G_Url = gathering::IdPageAddress(TextOf(Gather_Url), step.idStart);
   if (result.noData) {
     out.Write(u"<br>第 " + HtmlText(step.idStart) + u" 页找不到相关数据");
   } else {
-    TitleText = result.record.title;
-    ContentText = result.record.content;
     gathering::IdRecordStore()->Save(ConnectionOf(conn), result.record);
   }
-  G_Url = u"";
-  Html = u"";
-  TitleText = u"";
-  ContentText = u"";
   ConnectionOf(conn).Close();  // a step that completed the run has no connection left
   conn = Variant::Nothing();
   out.Write(gathering::ContinuationScript(step));

@@ -10,7 +10,7 @@ namespace ostrakan::admin {
 class IdGatherStep : public IdRulePage {
  public:
   IdGatherStep();
-  Variant conn, connstr, rs, id, ID_Start, ID_End, DB_Num, G_Url, Html, TitleText, ContentText;
+  Variant conn, connstr, rs, id, ID_Start, ID_End, DB_Num;
 
  protected:
   void FirstBlock() override;

@@ -7,12 +7,7 @@
 namespace ostrakan::admin {
 
 IdRuleTrial::IdRuleTrial() : IdRulePage(u"\\admin\\gather_id_web_verify") {
-  for (auto [name, member] :
-       {std::pair{u"ID_Start", &ID_Start}, std::pair{u"ID_End", &ID_End}, std::pair{u"N", &N},
-        std::pair{u"G_Url", &G_Url}, std::pair{u"Html", &Html}, std::pair{u"TitleText", &TitleText},
-        std::pair{u"ContentText", &ContentText}, std::pair{u"TitleStart", &TitleStart},
-        std::pair{u"TitleEnd", &TitleEnd}, std::pair{u"ContentStart", &ContentStart},
-        std::pair{u"ContentEnd", &ContentEnd}})
+  for (auto [name, member] : {std::pair{u"ID_Start", &ID_Start}, std::pair{u"ID_End", &ID_End}})
     Property(name, *member);
   Block(u"InitFunction2", &IdRuleTrial::WriteSiteName);
   Block(u"InitFunction3", &IdRuleTrial::WriteRuleId);

@@ -9,8 +9,7 @@ namespace ostrakan::admin {
 class IdRuleTrial : public IdRulePage {
  public:
   IdRuleTrial();
-  Variant ID_Start, ID_End, N, G_Url, Html, TitleText, ContentText, TitleStart, TitleEnd,
-      ContentStart, ContentEnd;
+  Variant ID_Start, ID_End;
   void WriteSiteName();
   void WriteRuleId();
 

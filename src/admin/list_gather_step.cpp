@@ -78,7 +78,6 @@ void ListGatherStep::FirstBlock() {
   G_Url = gathering::PageAddress(extractor.rule(), TextOf(Word), page);
   Html = GetHTTPPage(G_Url);
   auto outcome = extractor.Cut(TextOf(Html), [&](const gathering::ListEntry& e) { Store(e); });
-  SN = Variant(static_cast<int32_t>(extractor.sn()));
   if (outcome == gathering::ListExtractor::Outcome::NoResults)
     response.Write(u"<br>第 " + HtmlText(TextOf(Page_Start)) + u" 页找不到相关数据");
   CloseAndRelease(conn);

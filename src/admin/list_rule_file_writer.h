@@ -9,7 +9,7 @@ namespace ostrakan::admin {
 class ListRuleFileWriter : public DatabasePage {
  public:
   ListRuleFileWriter();
-  Variant rs, fso, otemplate, osearch, gather_web_list, ohtml;
+
   void WriteRuleFile();
 };
 

@@ -20,7 +20,6 @@ void ListRuleTrial::FirstBlock() {
   gathering::ListExtractor extractor(Rule());
   const long last = CLng(Page_End);
   for (long p = CLng(Page_Start); p <= last; ++p) {
-    N = Variant(static_cast<int32_t>(p));
     G_Url = gathering::PageAddress(extractor.rule(), TextOf(Word), p);
     Html = GetHTTPPage(G_Url);
     auto outcome = extractor.Cut(TextOf(Html), [&](const gathering::ListEntry& e) {
@@ -32,7 +31,6 @@ void ListRuleTrial::FirstBlock() {
              u"<br><br>";
       response.Write(out);
     });
-    SN = Variant(static_cast<int32_t>(extractor.sn()));
     if (outcome == gathering::ListExtractor::Outcome::NoResults) response.Write(u"找不到相关数据");
   }
 }

@@ -15,16 +15,16 @@ PagedList::PagedList(std::u16string context, records::PagerStyle style)
         return Variant();
       },
       2);
-  for (auto [name, member] : {std::pair{u"Time1", &Time1},
-                              {u"Time2", &Time2},
-                              {u"rs", &rs},
-                              {u"db_count", &db_count},
-                              {u"page", &page},
-                              {u"pn", &pn},
-                              {u"currentPage", &currentPage},
-                              {u"sql", &sql},
-                              {u"totalPut", &totalPut},
-                              {u"TotalPages", &TotalPages}})
+  for (auto [name, member] : {
+           std::pair{u"Time1", &Time1},
+           {u"Time2", &Time2},
+           {u"rs", &rs},
+           {u"db_count", &db_count},
+           {u"page", &page},
+           {u"currentPage", &currentPage},
+           {u"sql", &sql},
+           {u"totalPut", &totalPut},
+       })
     Property(name, *member);
 }
 

@@ -27,7 +27,7 @@ struct ListQueries {
 
 class PagedList : public DatabasePage {
  public:
-  Variant Time1, Time2, rs, db_count, page, pn, currentPage, sql, totalPut, TotalPages;
+  Variant Time1, Time2, rs, db_count, page, currentPage, sql, totalPut;
 
   // Writes the pager line for `totalnumber` rows in pages of `maxperpage`.
   void showpage(const Variant& totalnumber, const Variant& maxperpage);

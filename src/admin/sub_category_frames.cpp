@@ -27,13 +27,11 @@ void SubCategoryFrames::WriteSubCategoryFrames(const Variant& parent) {
   });
 }
 
-void WriteTickedFrames(generation::PageKind kind, Variant& count,
+void WriteTickedFrames(generation::PageKind kind,
                        const std::function<void(const Variant&)>& after) {
-  const std::vector<Variant> ticked = RequestValues(u"id");
-  for (size_t i = 0; i < ticked.size(); ++i) {
-    count = Variant(static_cast<int32_t>(i + 1));
-    CurrentResponse().Write(generation::GeneratorFrame({kind, ticked[i]}));
-    if (after) after(ticked[i]);
+  for (const Variant& ticked : RequestValues(u"id")) {
+    CurrentResponse().Write(generation::GeneratorFrame({kind, ticked}));
+    if (after) after(ticked);
   }
 }
 

@@ -13,7 +13,7 @@ namespace ostrakan::admin {
 
 class SubCategoryFrames : public DatabasePage {
  public:
-  Variant rs, nn, id;
+  Variant id;
   // Writes the frames of the sub-category pages of `parent` (the public method
   // create_sort_two).
   void WriteSubCategoryFrames(const Variant& parent);
@@ -23,9 +23,8 @@ class SubCategoryFrames : public DatabasePage {
 };
 
 // Writes one generator frame of `kind` for each ticked "id" of the request (the ticked values
-// go to the generator as they are; it checks them), counting them in `count` (the page's nn);
-// `after` runs after each frame with its id.
-void WriteTickedFrames(generation::PageKind kind, Variant& count,
+// go to the generator as they are; it checks them); `after` runs after each frame with its id.
+void WriteTickedFrames(generation::PageKind kind,
                        const std::function<void(const Variant&)>& after = {});
 
 }  // namespace ostrakan::admin

@@ -7,8 +7,7 @@
 namespace ostrakan::admin {
 
 SubCategoryPage::SubCategoryPage(std::u16string context) : DatabasePage(std::move(context)) {
-  for (auto [name, member] :
-       {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}, {u"rs", &rs}, {u"rsa", &rsa}})
+  for (auto [name, member] : {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}})
     Property(name, *member);
 }
 

@@ -13,7 +13,7 @@ namespace ostrakan::admin {
 
 class SubCategoryPage : public DatabasePage {
  public:
-  Variant sort, sort_id, rs, rsa;
+  Variant sort, sort_id;
   void WriteParentName();
 
  protected:

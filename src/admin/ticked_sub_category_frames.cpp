@@ -6,13 +6,12 @@ namespace ostrakan::admin {
 
 TickedSubCategoryFrames::TickedSubCategoryFrames()
     : GuardedPage(u"\\admin\\create_sort_two_instruction") {
-  Property(u"nn", nn);
   Property(u"id", id);
   Block(u"InitFunction2", &TickedSubCategoryFrames::WriteTickedFrames);
 }
 
 void TickedSubCategoryFrames::WriteTickedFrames() {
-  admin::WriteTickedFrames(generation::PageKind::SubCategory, nn);
+  admin::WriteTickedFrames(generation::PageKind::SubCategory);
 }
 
 }  // namespace ostrakan::admin

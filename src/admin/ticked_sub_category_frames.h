@@ -7,7 +7,7 @@ namespace ostrakan::admin {
 
 class TickedSubCategoryFrames : public GuardedPage {
  public:
-  Variant nn, id;
+  Variant id;
   TickedSubCategoryFrames();
   void WriteTickedFrames();
 };

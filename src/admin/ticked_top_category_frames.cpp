@@ -8,13 +8,12 @@ namespace ostrakan::admin {
 
 TickedTopCategoryFrames::TickedTopCategoryFrames()
     : SubCategoryFrames(u"\\admin\\create_sort_one_instruction") {
-  Property(u"nn", nn);
   Property(u"id", id);
   Block(u"InitFunction3", &TickedTopCategoryFrames::WriteTickedFrames);
 }
 
 void TickedTopCategoryFrames::WriteTickedFrames() {
-  admin::WriteTickedFrames(generation::PageKind::TopLevel, nn,
+  admin::WriteTickedFrames(generation::PageKind::TopLevel,
                            [this](const Variant& top) { WriteSubCategoryFrames(top); });
   CloseAndRelease(conn);
 }

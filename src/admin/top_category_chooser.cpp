@@ -6,7 +6,6 @@
 namespace ostrakan::admin {
 
 TopCategoryChooser::TopCategoryChooser() : DatabasePage(u"\\admin\\create_sort") {
-  Property(u"rs", rs);
   EmptyBlock(u"InitFunction3");
   Block(u"InitFunction4", &TopCategoryChooser::WriteCategoryChoices);
 }

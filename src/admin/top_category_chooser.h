@@ -7,7 +7,6 @@ namespace ostrakan::admin {
 
 class TopCategoryChooser : public DatabasePage {
  public:
-  Variant rs;
   TopCategoryChooser();
   void WriteCategoryChoices();
 };

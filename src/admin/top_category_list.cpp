@@ -6,7 +6,6 @@
 namespace ostrakan::admin {
 
 TopCategoryList::TopCategoryList() : DatabasePage(u"\\admin\\sort_manage") {
-  Property(u"rs", rs);
   EmptyBlock(u"InitFunction3");
   Block(u"InitFunction4", &TopCategoryList::WriteCategoryRows);
 }

@@ -8,7 +8,6 @@ namespace ostrakan::admin {
 
 class TopCategoryList : public DatabasePage {
  public:
-  Variant rs;
   TopCategoryList();
   void WriteCategoryRows();
 };
