@@ -44,7 +44,7 @@ void KeywordList::ListKeywords() {
             });
 }
 
-void KeywordList::showContent() {
+void KeywordList::WriteRows() {
   Guard(u"showContent", [&] {
     auto records = rs.As<ado::Recordset>();
     if (!records) throw ObjectRequired();

@@ -13,7 +13,7 @@ class KeywordList : public PagedList {
   KeywordList();
   void ReadFilter();
   void ListKeywords();
-  void showContent() override;
+  void WriteRows() override;
 
  protected:
   Markup PagerKeys() const override;

@@ -18,7 +18,7 @@ void RecordList::ListRecords() {
             [&] { return u"db_list.asp?page=" + CStr(currentPage); });
 }
 
-void RecordList::showContent() {
+void RecordList::WriteRows() {
   Guard(u"showContent", [&] { records::WriteRecordBody(CurrentResponse(), rs, conn); });
 }
 

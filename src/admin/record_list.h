@@ -9,7 +9,7 @@ class RecordList : public PagedList {
  public:
   RecordList();
   void ListRecords();
-  void showContent() override;
+  void WriteRows() override;
 };
 
 }  // namespace ostrakan::admin

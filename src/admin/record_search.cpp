@@ -55,7 +55,7 @@ void RecordSearch::ListRecords() {
             });
 }
 
-void RecordSearch::showContent() {
+void RecordSearch::WriteRows() {
   Guard(u"showContent", [&] { records::WriteRecordBody(CurrentResponse(), rs, conn); });
 }
 

@@ -13,7 +13,7 @@ class RecordSearch : public PagedList {
   RecordSearch();
   void ReadSearch();
   void ListRecords();
-  void showContent() override;
+  void WriteRows() override;
 
  protected:
   Markup PagerKeys() const override;
