@@ -13,48 +13,32 @@ constexpr int32_t kFileFailure = 75;
 
 CategoryGenerator::CategoryGenerator(std::u16string context, generation::PageKind kind)
     : DatabasePage(std::move(context)), kind_(kind) {
-  for (auto [name, member] : {std::pair{u"rs", &rs},
-                              {u"id", &id},
-                              {u"sort", &sort},
-                              {u"fso", &fso},
-                              {u"otemplate", &otemplate},
-                              {u"pellumar", &pellumar},
-                              {u"ohtml", &ohtml}})
-    Property(name, *member);
-  Block(u"InitFunction3", [this] { InitFunction3(); });
+  Property(u"id", id);
+  Block(u"InitFunction3", &CategoryGenerator::WriteCategoryPage);
 }
 
-void CategoryGenerator::InitFunction3() {
-  Guard(u"InitFunction3", [&] {
-    const generation::FrontEnd site{CurrentServer().siteRoot(), TextOf(WebSite_Title),
-                                    generation::ShowsSource(Source_Show)};
-    const Generated result =
-        generation::GeneratePage(kind_, ConnectionOf(conn), fs::FileSystem::Real(), site, id);
-    switch (result.outcome) {
-      case Generated::Outcome::BadId:
-        conn = Variant::Nothing();
-        WriteAndEnd(u"非法ID参数");
-      case Generated::Outcome::Unknown:
-        WriteAndEnd(u"该记录不存在或错误！");
-      case Generated::Outcome::Failed:
-        sort = result.name;
-        throw ScriptError(kFileFailure, FromUtf8(result.failure));
-      case Generated::Outcome::Written:
-        sort = result.name;
-        CurrentResponse().Write(HtmlText(result.name) + u" >> 生成HTML成功！");
-    }
-  });
+void CategoryGenerator::WriteCategoryPage() {
+  const generation::FrontEnd site{CurrentServer().siteRoot(), TextOf(WebSite_Title),
+                                  generation::ShowsSource(Source_Show)};
+  const Generated result =
+      generation::GeneratePage(kind_, ConnectionOf(conn), fs::FileSystem::Real(), site, id);
+  switch (result.outcome) {
+    case Generated::Outcome::BadId:
+      conn = Variant::Nothing();
+      WriteAndEnd(u"非法ID参数");
+    case Generated::Outcome::Unknown:
+      WriteAndEnd(u"该记录不存在或错误！");
+    case Generated::Outcome::Failed:
+      throw ScriptError(kFileFailure, FromUtf8(result.failure));
+    case Generated::Outcome::Written:
+      CurrentResponse().Write(HtmlText(result.name) + u" >> 生成HTML成功！");
+  }
 }
 
-CreateSortOneOk::CreateSortOneOk()
-    : CategoryGenerator(u"\\admin\\create_sort_one_ok", generation::PageKind::TopLevel) {
-  Property(u"rsa", rsa);
-  Property(u"sort_list", sort_list);
-}
+TopCategoryPageWriter::TopCategoryPageWriter()
+    : CategoryGenerator(u"\\admin\\create_sort_one_ok", generation::PageKind::TopLevel) {}
 
-CreateSortTwoOk::CreateSortTwoOk()
-    : CategoryGenerator(u"\\admin\\create_sort_two_ok", generation::PageKind::SubCategory) {
-  Property(u"db_list", db_list);
-}
+SubCategoryPageWriter::SubCategoryPageWriter()
+    : CategoryGenerator(u"\\admin\\create_sort_two_ok", generation::PageKind::SubCategory) {}
 
 }  // namespace ostrakan::admin

@@ -13,8 +13,8 @@ namespace ostrakan::admin {
 
 class CategoryGenerator : public DatabasePage {
  public:
-  Variant rs, id, sort, fso, otemplate, pellumar, ohtml;
-  void InitFunction3();
+  Variant id;
+  void WriteCategoryPage();
 
  protected:
   CategoryGenerator(std::u16string context, generation::PageKind kind);
@@ -23,16 +23,14 @@ class CategoryGenerator : public DatabasePage {
   generation::PageKind kind_;
 };
 
-class CreateSortOneOk : public CategoryGenerator {
+class TopCategoryPageWriter : public CategoryGenerator {
  public:
-  Variant rsa, sort_list;
-  CreateSortOneOk();
+  TopCategoryPageWriter();
 };
 
-class CreateSortTwoOk : public CategoryGenerator {
+class SubCategoryPageWriter : public CategoryGenerator {
  public:
-  Variant db_list;
-  CreateSortTwoOk();
+  SubCategoryPageWriter();
 };
 
 }  // namespace ostrakan::admin

@@ -9,10 +9,9 @@ namespace ostrakan::admin {
 class Desktop : public GuardedPage {
  public:
   Desktop();
-  void InitFunction2() {}
-  void InitFunction3();
-  void InitFunction4();
-  void InitFunction5();
+  void WriteSignedInName();
+  void WriteLastSignInAddress();
+  void WriteLastSignInTime();
 };
 
 }  // namespace ostrakan::admin

@@ -15,23 +15,8 @@ ListGatheringPage::ListGatheringPage(std::u16string context) : SitePage(std::mov
   for (auto [name, member] : {std::pair{u"Keyword", &Keyword},
                               {u"Page_Start", &Page_Start},
                               {u"Page_End", &Page_End},
-                              {u"N", &N},
-                              {u"SN", &SN},
-                              {u"CurrentLocation", &CurrentLocation},
                               {u"G_Url", &G_Url},
                               {u"Html", &Html},
-                              {u"ImageStart", &ImageStart},
-                              {u"ImageEnd", &ImageEnd},
-                              {u"ImageText", &ImageText},
-                              {u"UrlStart", &UrlStart},
-                              {u"UrlEnd", &UrlEnd},
-                              {u"UrlText", &UrlText},
-                              {u"TitleStart", &TitleStart},
-                              {u"TitleEnd", &TitleEnd},
-                              {u"TitleText", &TitleText},
-                              {u"ContentStart", &ContentStart},
-                              {u"ContentEnd", &ContentEnd},
-                              {u"ContentText", &ContentText},
                               {u"Word", &Word}})
     Property(name, *member);
   // InitFunction1 takes the 13 settings and the 20 rule fields.

@@ -14,9 +14,7 @@ class ListGatheringPage : public SitePage {
  public:
   // The rule's fields, named as in the rule file (web, Url, Gather_Url, ...).
   std::array<Variant, 20> ruleValues;
-  Variant Keyword, Page_Start, Page_End, N, SN, CurrentLocation, G_Url, Html, ImageStart, ImageEnd,
-      ImageText, UrlStart, UrlEnd, UrlText, TitleStart, TitleEnd, TitleText, ContentStart,
-      ContentEnd, ContentText, Word;
+  Variant Keyword, Page_Start, Page_End, G_Url, Html, Word;
 
   // GetHTTPPage(address): the page decoded with the rule's charset, "" on any failure.
   Variant GetHTTPPage(const Variant& address);

@@ -7,24 +7,24 @@ namespace ostrakan::admin {
 
 PagedList::PagedList(std::u16string context, records::PagerStyle style)
     : DatabasePage(std::move(context)), style_(std::move(style)) {
-  Block(u"showContent", [this] { showContent(); });
+  Block(u"showContent", &PagedList::WriteRows);
   Method(
       u"showpage",
       [this](Args& a) {
-        showpage(a.at(0), a.at(1));
+        WritePager(a.at(0), a.at(1));
         return Variant();
       },
       2);
-  for (auto [name, member] : {std::pair{u"Time1", &Time1},
-                              {u"Time2", &Time2},
-                              {u"rs", &rs},
-                              {u"db_count", &db_count},
-                              {u"page", &page},
-                              {u"pn", &pn},
-                              {u"currentPage", &currentPage},
-                              {u"sql", &sql},
-                              {u"totalPut", &totalPut},
-                              {u"TotalPages", &TotalPages}})
+  for (auto [name, member] : {
+           std::pair{u"Time1", &Time1},
+           {u"Time2", &Time2},
+           {u"rs", &rs},
+           {u"db_count", &db_count},
+           {u"page", &page},
+           {u"currentPage", &currentPage},
+           {u"sql", &sql},
+           {u"totalPut", &totalPut},
+       })
     Property(name, *member);
 }
 
@@ -47,8 +47,8 @@ void PagedList::WriteList(const ListQueries& q, const std::function<std::u16stri
         Variant::Integer(records::ShownPage(CInt(currentPage), CDbl(totalPut), q.pageSize));
     if (CInt(currentPage) != 1)
       records.Move(static_cast<long>((CInt(currentPage) - 1) * q.pageSize));
-    showContent();
-    showpage(totalPut, Variant(q.pageSize));
+    WriteRows();
+    WritePager(totalPut, Variant(q.pageSize));
   }
   Session& session = CurrentSession();
   session.Set(u"url", Variant(u""));
@@ -57,7 +57,7 @@ void PagedList::WriteList(const ListQueries& q, const std::function<std::u16stri
   CurrentResponse().Write(records::ElapsedLine(CDbl(Time1), CDbl(Time2)));
 }
 
-void PagedList::showpage(const Variant& totalnumber, const Variant& maxperpage) {
+void PagedList::WritePager(const Variant& totalnumber, const Variant& maxperpage) {
   Guard(u"showpage", [&] {
     CurrentResponse().Write(records::PagerLine(style_, PagerKeys(), totalnumber, CDbl(maxperpage),
                                                CDbl(currentPage), db_count));

@@ -3,7 +3,7 @@
 // A list page counts its rows once (the count then travels in the pager's links as
 // "db_count"), reads "page", opens its query (limited to one page on page 1, the whole ordered
 // query on later pages), clamps the page number, moves the record set to the page's first row,
-// writes the body (`showContent`, the page's own) and the pager line (`showpage`), keeps the
+// writes the body (`WriteRows`, the page's own) and the pager line (`WritePager`), keeps the
 // list's address in Session "url" for the pages that edit or delete, and ends with the time the
 // page took followed by " 秒".
 #pragma once
@@ -27,14 +27,15 @@ struct ListQueries {
 
 class PagedList : public DatabasePage {
  public:
-  Variant Time1, Time2, rs, db_count, page, pn, currentPage, sql, totalPut, TotalPages;
+  Variant Time1, Time2, rs, db_count, page, currentPage, sql, totalPut;
 
   // Writes the pager line for `totalnumber` rows in pages of `maxperpage`.
-  void showpage(const Variant& totalnumber, const Variant& maxperpage);
-  virtual void showContent() = 0;
+  void WritePager(const Variant& totalnumber, const Variant& maxperpage);
+  virtual void WriteRows() = 0;
 
  protected:
-  // Registers the list properties and the methods showContent and showpage.
+  // Registers the list properties, the block showContent (WriteRows) and the method showpage
+  // (WritePager).
   PagedList(std::u16string context, records::PagerStyle style);
 
   // The list: count, page, query, clamp, move, body and pager, Session "url", time line.

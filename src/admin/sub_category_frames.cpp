@@ -10,13 +10,13 @@ SubCategoryFrames::SubCategoryFrames(std::u16string context) : DatabasePage(std:
   Method(
       u"create_sort_two",
       [this](Args& args) {
-        create_sort_two(args.at(0));
+        WriteSubCategoryFrames(args.at(0));
         return Variant();
       },
       1);
 }
 
-void SubCategoryFrames::create_sort_two(const Variant& parent) {
+void SubCategoryFrames::WriteSubCategoryFrames(const Variant& parent) {
   Guard(u"create_sort_two", [&] {
     // The parent's id went into the statement as a number; anything else failed there.
     if (!IsValidId(parent)) TypeMismatch();
@@ -25,6 +25,14 @@ void SubCategoryFrames::create_sort_two(const Variant& parent) {
       frames += generation::GeneratorFrame(job);
     CurrentResponse().Write(frames);
   });
+}
+
+void WriteTickedFrames(generation::PageKind kind,
+                       const std::function<void(const Variant&)>& after) {
+  for (const Variant& ticked : RequestValues(u"id")) {
+    CurrentResponse().Write(generation::GeneratorFrame({kind, ticked}));
+    if (after) after(ticked);
+  }
 }
 
 }  // namespace ostrakan::admin

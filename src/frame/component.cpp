@@ -32,9 +32,9 @@ void Component::Method(std::u16string name, MethodFn fn, size_t arity) {
   methods_.push_back({std::move(name), std::move(fn), arity});
 }
 
-void Component::Block(std::u16string name, std::function<void()> fn) {
-  Method(std::move(name), [fn = std::move(fn)](Args&) {
-    fn();
+void Component::Block(std::u16string name, std::function<void()> body) {
+  Method(name, [this, name, body = std::move(body)](Args&) {
+    Guard(name, body);
     return Variant();
   });
 }

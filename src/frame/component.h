@@ -51,8 +51,18 @@ class Component : public Object {
  protected:
   void Property(std::u16string name, Variant& member);
   void Method(std::u16string name, MethodFn fn, size_t arity = 0);
-  // Registers a block that takes no argument and returns nothing.
-  void Block(std::u16string name, std::function<void()> fn);
+  // Registers the block `name` (no argument, nothing returned): the page engine's call runs
+  // `body` under the error convention, logged with the block's name.
+  void Block(std::u16string name, std::function<void()> body);
+  // A block the page file calls that has nothing to do in the component.
+  void EmptyBlock(std::u16string name) {
+    Block(std::move(name), [] {});
+  }
+  // The same for a method of the page: Block(u"InitFunction5", &KeywordList::ListKeywords).
+  template <class Page>
+  void Block(std::u16string name, void (Page::*body)()) {
+    Block(std::move(name), [page = static_cast<Page*>(this), body] { (page->*body)(); });
+  }
 
   // Gives the component its public method `filtration` with the page's variant of the filter.
   void UseFiltration(FilterKind kind);

@@ -9,15 +9,14 @@ namespace ostrakan {
 class DatabasePage : public GuardedPage {
  public:
   Variant conn, connstr;
-  void InitFunction2() {
-    Guard(u"InitFunction2", [&] { OpenConnection(*this, u"InitFunction2", DB, connstr, conn); });
-  }
+  // The connection block.
+  void OpenDatabase() { OpenConnection(*this, u"InitFunction2", DB, connstr, conn); }
 
  protected:
   explicit DatabasePage(std::u16string context) : GuardedPage(std::move(context)) {
     Property(u"conn", conn);
     Property(u"connstr", connstr);
-    Block(u"InitFunction2", [this] { InitFunction2(); });
+    Block(u"InitFunction2", &DatabasePage::OpenDatabase);
   }
 };
 

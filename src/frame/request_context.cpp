@@ -1,6 +1,6 @@
 #include "frame/request_context.h"
 
-#include "platform/object_factory.h"
+#include "core/script_error.h"
 
 namespace ostrakan {
 
@@ -25,9 +25,6 @@ ScopedObjectContext::~ScopedObjectContext() {
 
 void AttachRequestContext() {
   attached = objectContext ? *objectContext : RequestContext{};
-  auto control = std::make_shared<ScriptControl>();
-  control->Language = u"JScript";
-  attached.scriptControl = control;
 }
 
 void DetachRequestContext() {
@@ -36,7 +33,6 @@ void DetachRequestContext() {
   attached.session.reset();
   attached.request.reset();
   attached.response.reset();
-  attached.scriptControl.reset();
 }
 
 const RequestContext& CurrentContext() {

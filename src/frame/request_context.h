@@ -22,7 +22,6 @@ struct RequestContext {
   std::shared_ptr<Session> session;
   std::shared_ptr<Request> request;
   std::shared_ptr<Response> response;
-  ObjectRef scriptControl;  // created at every attach, used by no block
 };
 
 // Publishes `objects` as the thread's object context until destroyed.

@@ -11,16 +11,14 @@ RowDeletePage::RowDeletePage(std::u16string context, std::u16string_view table, 
       afterOne_(std::move(afterOne)),
       afterTicked_(std::move(afterTicked)) {
   Block(u"InitFunction3", [this] {
-    Guard(u"InitFunction3", [&] {
-      const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
-      if (action == u"del")
-        DeleteOne();
-      else if (action == u"alldel" && afterTicked_)
-        DeleteTicked();
-    });
+    const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
+    if (action == u"del")
+      DeleteOne();
+    else if (action == u"alldel" && afterTicked_)
+      DeleteTicked();
   });
-  Block(u"delete", [this] { DeleteOne(); });
-  if (afterTicked_) Block(u"alldelete", [this] { DeleteTicked(); });
+  Block(u"delete", &RowDeletePage::DeleteOne);
+  if (afterTicked_) Block(u"alldelete", &RowDeletePage::DeleteTicked);
 }
 
 void RowDeletePage::DeleteOne() {

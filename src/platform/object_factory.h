@@ -28,7 +28,7 @@ class ObjectFactory {
   std::vector<std::pair<std::u16string, Maker>> makers_;
 };
 
-// A script control that only remembers its Language; created with every request context.
+// A script control that only remembers its Language: the ProgID stays creatable, inert.
 class ScriptControl : public Object {
  public:
   std::u16string Language;

@@ -22,7 +22,7 @@ class Recorder : public SitePage {
     Property(u"Extra", Extra);
     Block(u"Show", [this] { CurrentResponse().Write(u"[" + HtmlText(TextOf(id)) + u"]"); });
     Block(u"Stop", [] { CurrentResponse().Write(u"stopped"), EndResponse(); });
-    Block(u"Crash", [] { throw std::runtime_error("boom"); });
+    Method(u"Crash", [](Args&) -> Variant { throw std::runtime_error("boom"); });
     Method(
         u"Wide",
         [](Args& args) {

@@ -20,20 +20,15 @@ class Probe : public SitePage {
   Probe() : SitePage(u"\\admin\\probe") {
     Property(u"conn", conn);
     Property(u"connstr", connstr);
-    Block(u"InitFunction2", [this] {
-      Guard(u"InitFunction2",
-            [this] { OpenConnection(*this, u"InitFunction2", DB, connstr, conn); });
-    });
-    Block(u"InitFunction3", [this] { Guard(u"InitFunction3", [] { throw TypeMismatch(); }); });
-    Block(u"InitFunction4", [this] {
-      Guard(u"InitFunction4", [this] { Guard(u"Helper", [] { WriteAndEnd(u"stop"); }); });
-    });
-    Block(u"InitFunction5",
-          [this] { Guard(u"InitFunction5", [] { throw std::runtime_error("disk full"); }); });
-    Block(u"InitFunction6",
-          [this] { Guard(u"InitFunction6", [] { (void)std::vector<int>().at(3); }); });
-    Block(u"InitFunction7", [this] { Guard(u"InitFunction7", [this] { ran7 = true; }); });
+    // Each block is guarded by its registration, logged with the block's name.
+    Block(u"InitFunction2", [this] { OpenConnection(*this, u"InitFunction2", DB, connstr, conn); });
+    Block(u"InitFunction3", [] { throw TypeMismatch(); });
+    Block(u"InitFunction4", [this] { Guard(u"Helper", [] { WriteAndEnd(u"stop"); }); });
+    Block(u"InitFunction5", [] { throw std::runtime_error("disk full"); });
+    Block(u"InitFunction6", [] { (void)std::vector<int>().at(3); });
+    Block(u"InitFunction7", &Probe::Mark);
   }
+  void Mark() { ran7 = true; }
   Variant conn, connstr;
   bool ran7 = false;
 

@@ -53,11 +53,9 @@ class TestPage : public SitePage {
       CurrentResponse().Write(u"deep");
     });
     // Fails between Application.Lock and Unlock; the error is logged and swallowed.
-    Block(u"LockAndFail", [this] {
-      Guard(u"LockAndFail", [] {
-        CurrentApplication().Lock();
-        throw std::runtime_error("failed while holding the application lock");
-      });
+    Block(u"LockAndFail", [] {
+      CurrentApplication().Lock();
+      throw std::runtime_error("failed while holding the application lock");
     });
     Block(u"LockedVisit", [] {
       Application& a = CurrentApplication();
@@ -75,10 +73,10 @@ class TestPage : public SitePage {
                                   ? u"fetched " + HtmlText(FromUtf8(std::to_string(r.status)))
                                   : u"not fetched: " + HtmlText(FromUtf8(r.error)));
     });
-    Block(u"Crash", [] { throw std::runtime_error("boom: escaped the component"); });
-    Block(u"GuardedCrash", [this] {
-      Guard(u"GuardedCrash", [] { throw std::runtime_error("kept inside the component"); });
-    });
+    // A method without the block guard: its error escapes the component.
+    Method(u"Crash",
+           [](Args&) -> Variant { throw std::runtime_error("boom: escaped the component"); });
+    Block(u"GuardedCrash", [] { throw std::runtime_error("kept inside the component"); });
   }
 
  protected:

@@ -97,8 +97,7 @@ class TestRequest {
                                           ObjectFactory::Default()),
                  std::move(session),
                  std::make_shared<Request>(),
-                 std::make_shared<Response>(),
-                 nullptr},
+                 std::make_shared<Response>()},
         scope_(objects_) {
     objects_.request->serverVariables.Add(u"REMOTE_ADDR", u"127.0.0.9");
   }

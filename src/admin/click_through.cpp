@@ -1,0 +1,41 @@
+#include "admin/click_through.h"
+
+#include "frame/data_access.h"
+#include "frame/page_blocks.h"
+#include "generation/click_through.h"
+
+namespace ostrakan::admin {
+
+namespace {
+
+[[noreturn]] void NotFound(const Markup& message) {
+  CurrentResponse().Status = u"404 Not Found";
+  WriteAndEnd(message);
+}
+
+}  // namespace
+
+ClickThrough::ClickThrough() : SitePage(u"\\goto") {
+  Property(u"conn", conn);
+  Property(u"connstr", connstr);
+  Property(u"id", id);
+  Block(u"InitFunction2", &ClickThrough::CountClickAndRedirect);
+}
+
+void ClickThrough::CountClickAndRedirect() {
+  if (!IsValidId(id)) NotFound(u"非法ID参数");
+  // The page lives at the site root, so the database path is taken from the root itself.
+  Server& server = CurrentServer();
+  connstr = u"DBQ=" + server.MapPath(u"/" + TextOf(DB)) +
+            u";DefaultDir=;DRIVER={Microsoft Access Driver (*.mdb)};";
+  conn = server.CreateObject(u"ADODB.CONNECTION");
+  ado::Connection& connection = ConnectionOf(conn);
+  connection.Open(connstr.str());
+  std::optional<std::u16string> address = generation::CountClick(connection, id);
+  CloseAndRelease(conn);
+  if (!address) NotFound(u"该记录不存在或错误！");
+  CurrentResponse().Redirect(*address);
+  EndResponse();
+}
+
+}  // namespace ostrakan::admin

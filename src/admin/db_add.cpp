@@ -1,9 +1,0 @@
-#include "admin/db_add.h"
-
-namespace ostrakan::admin {
-
-DbAdd::DbAdd() : DatabasePage(u"\\admin\\db_add") {
-  Block(u"InitFunction3", [this] { InitFunction3(); });
-}
-
-}  // namespace ostrakan::admin

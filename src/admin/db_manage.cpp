@@ -1,9 +1,0 @@
-#include "admin/db_manage.h"
-
-namespace ostrakan::admin {
-
-DbManage::DbManage() : GuardedPage(u"\\admin\\db_manage") {
-  Block(u"InitFunction2", [this] { InitFunction2(); });
-}
-
-}  // namespace ostrakan::admin

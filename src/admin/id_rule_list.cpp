@@ -1,0 +1,22 @@
+#include "admin/id_rule_list.h"
+
+#include "frame/data_access.h"
+#include "gathering/id_rule_store.h"
+
+namespace ostrakan::admin {
+
+IdRuleList::IdRuleList() : DatabasePage(u"\\admin\\gather_id_web_manage") {
+  Property(u"rs", rs);
+  EmptyBlock(u"InitFunction3");
+  Block(u"InitFunction4", &IdRuleList::WriteRuleRows);
+}
+
+void IdRuleList::WriteRuleRows() {
+  ado::Recordset& rows =
+      OpenRecordset(rs, u"select id,web,range from gather_id_web order by id desc", conn);
+  gathering::WriteIdRuleRows(CurrentResponse(), rows);
+  CloseAndRelease(rs);
+  CloseAndRelease(conn);
+}
+
+}  // namespace ostrakan::admin

@@ -1,0 +1,30 @@
+#include "admin/sub_category_list.h"
+
+#include "categories/tree_markup.h"
+#include "frame/data_access.h"
+#include "frame/escape.h"
+
+namespace ostrakan::admin {
+
+SubCategoryList::SubCategoryList() : SubCategoryPage(u"\\admin\\sort_list") {
+  Block(u"InitFunction3", [this] {
+    const Request& request = CurrentRequest();
+    ReadParent(request.QueryString(u"sort"), request.QueryString(u"sort_id"));
+  });
+  Block(u"InitFunction4", &SubCategoryList::WriteLetterOptions);
+  // The hidden sort_id field of each of the page's two forms.
+  Block(u"InitFunction5", &SubCategoryList::WriteParentId);
+  Block(u"InitFunction6", &SubCategoryList::WriteParentId);
+  Block(u"InitFunction7", &SubCategoryList::WriteParentName);
+  Block(u"InitFunction8", [this] { WriteLetterGroups(categories::ManageLetterGroups); });
+}
+
+void SubCategoryList::WriteLetterOptions() {
+  CurrentResponse().Write(categories::LetterOptions(categories::Letters(ConnectionOf(conn))));
+}
+
+void SubCategoryList::WriteParentId() {
+  CurrentResponse().Write(HtmlAttr(TextOf(sort_id)));
+}
+
+}  // namespace ostrakan::admin
