@@ -45,20 +45,9 @@ bool StartsWithWord(std::u16string_view s, std::u16string_view word) {
 }
 
 // Reads a double-quoted literal starting at s[i] onto `out` (a doubled quote stands for one);
-// i ends after the closing quote.
 void ReadLiteral(std::u16string_view s, size_t& i, std::u16string& out, int lineNo) {
-  for (++i;; ++i) {
-    if (i >= s.size()) throw AssignmentSyntaxError(lineNo, "unterminated quoted value");
-    if (s[i] != u'"') {
-      out += s[i];
-    } else if (i + 1 < s.size() && s[i + 1] == u'"') {
-      out += u'"';
-      ++i;
-    } else {
-      ++i;
-      return;
-    }
-  }
+  if (!ReadQuotedLiteral(s, i, out))
+    throw AssignmentSyntaxError(lineNo, "unterminated quoted value");
 }
 
 // Reads `name = value [' comment]`. Returns nullopt when the line does not start as an
@@ -202,6 +191,21 @@ const CaseArm* FindCaseArm(const std::vector<CaseArm>& arms, std::u16string_view
     }
   }
   return otherwise;
+}
+
+bool ReadQuotedLiteral(std::u16string_view s, size_t& i, std::u16string& out) {
+  for (++i; i < s.size(); ++i) {
+    if (s[i] != u'"') {
+      out += s[i];
+    } else if (i + 1 < s.size() && s[i + 1] == u'"') {
+      out += u'"';
+      ++i;
+    } else {
+      ++i;
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace ostrakan::engine

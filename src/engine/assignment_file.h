@@ -47,6 +47,10 @@ struct AssignmentSyntaxError : std::runtime_error {
 // Every line must be an assignment, blank, a comment (') or a script delimiter (<% or %>).
 std::vector<Assignment> ParseAssignments(std::u16string_view text);
 
+// Reads the quoted literal whose opening '"' is s[i], a doubled quote standing for one, into
+// `out`; i ends just after the closing quote. False when the literal never closes.
+bool ReadQuotedLiteral(std::u16string_view s, size_t& i, std::u16string& out);
+
 // The case arms of a rule file in file order. Lines outside the arms and lines inside an arm
 // that are not assignments ("Select Case id", "End Select", "<%", "Dim x") are skipped; a line
 // inside an arm that starts as an assignment but is malformed is an error.

@@ -1,5 +1,7 @@
 #include "engine/page_file.h"
 
+#include "engine/assignment_file.h"
+
 #include <optional>
 
 namespace ostrakan::engine {
@@ -46,18 +48,7 @@ std::vector<Token> Tokenize(std::u16string_view s, int line) {
       tokens.push_back({Token::Kind::Number, std::u16string(s.substr(start, i - start))});
     } else if (c == u'"') {
       std::u16string value;
-      for (++i;; ++i) {
-        if (i >= s.size()) throw PageSyntaxError(line, "unterminated string");
-        if (s[i] != u'"') {
-          value += s[i];
-        } else if (i + 1 < s.size() && s[i + 1] == u'"') {
-          value += u'"';
-          ++i;
-        } else {
-          ++i;
-          break;
-        }
-      }
+      if (!ReadQuotedLiteral(s, i, value)) throw PageSyntaxError(line, "unterminated string");
       tokens.push_back({Token::Kind::String, std::move(value)});
     } else if (c == u'=' || c == u'(' || c == u')') {
       tokens.push_back({Token::Kind::Symbol, std::u16string(1, c)});
