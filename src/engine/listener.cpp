@@ -63,7 +63,7 @@ int Bind(const std::string& address) {
 
 Listener::Listener(boost::asio::io_context& io, const std::string& address, Accepted accepted)
     : io_(io),
-      acceptor_(boost::asio::make_strand(io)),
+      acceptor_(accepting_),
       pause_(acceptor_.get_executor()),
       accepted_(std::move(accepted)) {
   int fd;
@@ -81,42 +81,54 @@ Listener::Listener(boost::asio::io_context& io, const std::string& address, Acce
   acceptor_.assign(v6 ? boost::asio::ip::tcp::v6() : boost::asio::ip::tcp::v4(), fd);
 }
 
+Listener::~Listener() {
+  Stop();
+}
+
 void Listener::Start() {
-  boost::asio::post(acceptor_.get_executor(), [this] { Accept(); });
+  // Posted first: run() returns at once when it finds no work.
+  boost::asio::post(accepting_, [this] { Accept(); });
+  thread_ = std::thread([this] { accepting_.run(); });
 }
 
 void Listener::Stop() {
-  boost::asio::post(acceptor_.get_executor(), [this] {
+  boost::asio::post(accepting_, [this] {
     boost::system::error_code ignored;
     acceptor_.close(ignored);
     pause_.cancel();
   });
+  // The accept under way and the pause end with operation_aborted, and run() with them.
+  if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id()) thread_.join();
 }
 
 void Listener::Accept() {
-  acceptor_.async_accept(boost::asio::make_strand(io_),
-                         [this](boost::system::error_code ec, boost::asio::ip::tcp::socket socket) {
-                           if (!acceptor_.is_open()) return;
-                           if (ec == boost::asio::error::no_descriptors ||
-                               ec == boost::asio::error::no_buffer_space ||
-                               ec == boost::asio::error::no_memory) {
-                             // Out of descriptors: give open connections a moment to end rather
-                             // than spin.
-                             pause_.expires_after(std::chrono::milliseconds(20));
-                             pause_.async_wait([this](boost::system::error_code e) {
-                               if (!e && acceptor_.is_open()) Accept();
-                             });
-                             return;
-                           }
-                           if (!ec) {
-                             boost::system::error_code ignored;
-                             // Without this an answer written in two pieces waits for the client's
-                             // delayed ACK.
-                             socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
-                             accepted_(std::move(socket));
-                           }
-                           Accept();
-                         });
+  acceptor_.async_accept(
+      boost::asio::make_strand(io_),
+      [this](boost::system::error_code ec, boost::asio::ip::tcp::socket socket) {
+        if (!acceptor_.is_open()) return;
+        if (ec == boost::asio::error::no_descriptors || ec == boost::asio::error::no_buffer_space ||
+            ec == boost::asio::error::no_memory) {
+          // Out of descriptors: give open connections a moment to end rather
+          // than spin.
+          pause_.expires_after(std::chrono::milliseconds(20));
+          pause_.async_wait([this](boost::system::error_code e) {
+            if (!e && acceptor_.is_open()) Accept();
+          });
+          return;
+        }
+        if (!ec) {
+          boost::system::error_code ignored;
+          // Without this an answer written in two pieces waits for the client's
+          // delayed ACK.
+          socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
+          // The connection is made on its strand, so its memory comes from the
+          // I/O threads' arenas rather than this thread's.
+          auto strand = socket.get_executor();
+          boost::asio::post(strand,
+                            [this, s = std::move(socket)]() mutable { accepted_(std::move(s)); });
+        }
+        Accept();
+      });
 }
 
 }  // namespace ostrakan::engine
