@@ -5,7 +5,8 @@
 // socket on the thread that accepts it and keeps the records for reuse until the io_context
 // goes; accepted there, they stay together in that thread's allocator arena instead of being
 // scattered between the connections' memory on the I/O threads, where each would keep a page
-// from being given back after a crowd of connections has left.
+// from being given back after a crowd of connections has left. The connection itself (its
+// strand included) is made on an I/O thread.
 #pragma once
 
 #include <boost/asio/io_context.hpp>
@@ -36,6 +37,7 @@ class Listener {
 
  private:
   void Accept();
+  void HandOn(boost::asio::ip::tcp::socket accepted);  // on an I/O thread
 
   boost::asio::io_context& io_;        // the connections'
   boost::asio::io_context accepting_;  // the acceptor's, run by thread_
@@ -43,6 +45,7 @@ class Listener {
   boost::asio::steady_timer pause_;  // out of descriptors: a short pause before the next accept
   Accepted accepted_;
   int port_ = 0;
+  boost::asio::ip::tcp protocol_ = boost::asio::ip::tcp::v4();
   std::thread thread_;
 };
 
