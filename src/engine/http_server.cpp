@@ -128,10 +128,17 @@ void HttpServer::Forget(Connection* gone) {
     // Many connections have come and gone (a crowd of idle clients left): the allocator keeps
     // what they used unless asked to give it back.
     if (connections_.size() < peakConnections_ / 4 && peakConnections_ >= kTrimAfter) {
-      // Trimmed again as the crowd thins further, down to a few hundred.
+      // Trimmed again as the crowd thins further, down to a few hundred, and once more when
+      // the last connection has gone.
       peakConnections_ = connections_.size();
+      crowdLeaving_ = true;
+      trim = true;
+    } else if (crowdLeaving_ && connections_.empty()) {
+      crowdLeaving_ = false;
       trim = true;
     }
+    // The map's buckets, sized for the crowd, go too.
+    if (trim) connections_.rehash(0);
   }
   if (trim) boost::asio::post(io_, [] { malloc_trim(0); });
 }

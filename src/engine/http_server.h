@@ -70,6 +70,7 @@ class HttpServer {
   std::mutex connectionsMutex_;
   std::unordered_map<Connection*, std::weak_ptr<Connection>> connections_;
   size_t peakConnections_ = 0;  // since memory was last given back
+  bool crowdLeaving_ = false;   // memory was given back; once more when no connection is left
   boost::asio::io_context io_;
   boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work_;
   std::unique_ptr<Listener> listener_;

@@ -63,7 +63,7 @@ int Bind(const std::string& address) {
 
 Listener::Listener(boost::asio::io_context& io, const std::string& address, Accepted accepted)
     : io_(io),
-      acceptor_(boost::asio::make_strand(io)),
+      acceptor_(accepting_),
       pause_(acceptor_.get_executor()),
       accepted_(std::move(accepted)) {
   int fd;
@@ -78,45 +78,69 @@ Listener::Listener(boost::asio::io_context& io, const std::string& address, Acce
   bool v6 = a.ss_family == AF_INET6;
   port_ = v6 ? ntohs(reinterpret_cast<sockaddr_in6*>(&a)->sin6_port)
              : ntohs(reinterpret_cast<sockaddr_in*>(&a)->sin_port);
-  acceptor_.assign(v6 ? boost::asio::ip::tcp::v6() : boost::asio::ip::tcp::v4(), fd);
+  protocol_ = v6 ? boost::asio::ip::tcp::v6() : boost::asio::ip::tcp::v4();
+  acceptor_.assign(protocol_, fd);
+}
+
+Listener::~Listener() {
+  Stop();
 }
 
 void Listener::Start() {
-  boost::asio::post(acceptor_.get_executor(), [this] { Accept(); });
+  // Posted first: run() returns at once when it finds no work.
+  boost::asio::post(accepting_, [this] { Accept(); });
+  thread_ = std::thread([this] { accepting_.run(); });
 }
 
 void Listener::Stop() {
-  boost::asio::post(acceptor_.get_executor(), [this] {
+  boost::asio::post(accepting_, [this] {
     boost::system::error_code ignored;
     acceptor_.close(ignored);
     pause_.cancel();
   });
+  // The accept under way and the pause end with operation_aborted, and run() with them.
+  if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id()) thread_.join();
+}
+
+void Listener::HandOn(boost::asio::ip::tcp::socket accepted) {
+  // The socket moves to a strand of its own here, on an I/O thread, so that the strand and
+  // everything the connection allocates come from the I/O threads' arenas. The reactor's
+  // record that release() returns to its pool is the one assign() takes again.
+  boost::system::error_code ec;
+  int fd = accepted.release(ec);
+  if (ec) return;
+  boost::asio::ip::tcp::socket socket(boost::asio::make_strand(io_));
+  socket.assign(protocol_, fd, ec);
+  if (ec) {
+    ::close(fd);
+    return;
+  }
+  accepted_(std::move(socket));
 }
 
 void Listener::Accept() {
-  acceptor_.async_accept(boost::asio::make_strand(io_),
-                         [this](boost::system::error_code ec, boost::asio::ip::tcp::socket socket) {
-                           if (!acceptor_.is_open()) return;
-                           if (ec == boost::asio::error::no_descriptors ||
-                               ec == boost::asio::error::no_buffer_space ||
-                               ec == boost::asio::error::no_memory) {
-                             // Out of descriptors: give open connections a moment to end rather
-                             // than spin.
-                             pause_.expires_after(std::chrono::milliseconds(20));
-                             pause_.async_wait([this](boost::system::error_code e) {
-                               if (!e && acceptor_.is_open()) Accept();
-                             });
-                             return;
-                           }
-                           if (!ec) {
-                             boost::system::error_code ignored;
-                             // Without this an answer written in two pieces waits for the client's
-                             // delayed ACK.
-                             socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
-                             accepted_(std::move(socket));
-                           }
-                           Accept();
-                         });
+  acceptor_.async_accept(io_.get_executor(), [this](boost::system::error_code ec,
+                                                    boost::asio::ip::tcp::socket socket) {
+    if (!acceptor_.is_open()) return;
+    if (ec == boost::asio::error::no_descriptors || ec == boost::asio::error::no_buffer_space ||
+        ec == boost::asio::error::no_memory) {
+      // Out of descriptors: give open connections a moment to end rather
+      // than spin.
+      pause_.expires_after(std::chrono::milliseconds(20));
+      pause_.async_wait([this](boost::system::error_code e) {
+        if (!e && acceptor_.is_open()) Accept();
+      });
+      return;
+    }
+    if (!ec) {
+      boost::system::error_code ignored;
+      // Without this an answer written in two pieces waits for the client's
+      // delayed ACK.
+      socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
+      boost::asio::post(io_, [this, s = std::move(socket)]() mutable { HandOn(std::move(s)); });
+    }
+    Accept();
+  });
 }
 
 }  // namespace ostrakan::engine
