@@ -10,7 +10,8 @@
 // 3. Closes them and prints the server's memory 10 seconds later.
 // Everything talks to 127.0.0.1 only. Needs `ulimit -n` above IDLE + SLOW + 100 for node.
 // Usage: node bench/slow_clients.mjs build/release/ostrakan [idle] [slow] [seconds]
-import { execFileSync } from 'node:child_process';
+import { execFile } from 'node:child_process';
+import { promisify } from 'node:util';
 import { readFileSync, readdirSync } from 'node:fs';
 import net from 'node:net';
 import { join, dirname, resolve } from 'node:path';
@@ -27,8 +28,11 @@ const sleep = (ms) => new Promise((ok) => setTimeout(ok, ms));
 const rssMiB = (pid) =>
   Number(readFileSync(`/proc/${pid}/status`, 'utf8').match(/VmRSS:\s+(\d+) kB/)[1]) / 1024;
 
-function wrk(url, extra = []) {
-  const out = execFileSync('wrk', ['-t2', '-c16', `-d${seconds}s`, '--latency', ...extra, url]).toString();
+// wrk runs beside node's event loop, so the slow clients keep trickling and closed ones are
+// replaced while it measures.
+async function wrk(url, extra = []) {
+  const { stdout: out } =
+    await promisify(execFile)('wrk', ['-t2', '-c16', `-d${seconds}s`, '--latency', ...extra, url]);
   const errors = out.match(/Socket errors: connect (\d+), read (\d+), write (\d+), timeout (\d+)/);
   return {
     rps: Number(out.match(/Requests\/sec:\s+([\d.]+)/)[1]),
@@ -64,8 +68,8 @@ try {
   const page = `${site.base}/admin/desktop.asp`;
   console.log(`wrk -t2 -c16 -d${seconds}s on loopback, ${new Date().toISOString()}`);
   const startRss = rssMiB(pid);
-  show('quiet: admin/css/style.css', wrk(file));
-  show('quiet: admin/desktop.asp', wrk(page, ['-H', `Cookie: ${cookie}`]));
+  show('quiet: admin/css/style.css', await wrk(file));
+  show('quiet: admin/desktop.asp', await wrk(page, ['-H', `Cookie: ${cookie}`]));
   // Page threads keep the stack pages their pages touched: the crowd is measured from here.
   const quietRss = rssMiB(pid);
 
@@ -100,8 +104,9 @@ try {
   await sleep(3000);
   console.log(`${open.size} idle or slow connections open; server ${rssMiB(pid).toFixed(1)} MiB ` +
     `(at start ${startRss.toFixed(1)} MiB, after the quiet runs ${quietRss.toFixed(1)} MiB)`);
-  show('loaded: admin/css/style.css', wrk(file));
-  show('loaded: admin/desktop.asp', wrk(page, ['-H', `Cookie: ${cookie}`]));
+  show('loaded: admin/css/style.css', await wrk(file));
+  show('loaded: admin/desktop.asp', await wrk(page, ['-H', `Cookie: ${cookie}`]));
+  console.log(`${open.size} idle or slow connections open after the loaded runs`);
   peakRss = Math.max(peakRss, rssMiB(pid));
   console.log(`connections replaced after the server closed them: ${replaced}; ` +
     `server memory at most ${peakRss.toFixed(1)} MiB`);
