@@ -56,6 +56,8 @@ try {
     headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
   }).then((r) => r.arrayBuffer());
   const id = site.sql('select max(id) from gather_list_web;');
+  // A record for goto.asp to count and redirect to.
+  const record = site.sql("insert into db(title, url) values('r', 'http://127.0.0.1/'); select max(id) from db;");
   if (!id) throw new Error('the rule was not added');
 
   const blocked = [];
@@ -68,7 +70,7 @@ try {
   const signIn = [], goto = [], file = [];
   for (let i = 0; i < 200; ++i) {
     signIn.push(await timed(`${site.base}/admin/login.asp`));
-    goto.push(await timed(`${site.base}/goto.asp?id=1`));
+    goto.push(await timed(`${site.base}/goto.asp?id=${record}`));
     file.push(await timed(`${site.base}/admin/css/style.css`));
   }
   summary('admin/login.asp', signIn);
