@@ -95,9 +95,7 @@ class TestRequest {
       : objects_{std::make_shared<Application>(),
                  std::make_shared<Server>(site.root(), std::move(pagePath),
                                           ObjectFactory::Default()),
-                 std::move(session),
-                 std::make_shared<Request>(),
-                 std::make_shared<Response>()},
+                 std::move(session), std::make_shared<Request>(), std::make_shared<Response>()},
         scope_(objects_) {
     objects_.request->serverVariables.Add(u"REMOTE_ADDR", u"127.0.0.9");
   }
