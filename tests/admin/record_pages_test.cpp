@@ -124,7 +124,8 @@ TEST_F(RecordPages, MaintenanceRemovesUntitledRecordsOrOneSourceSite) {
 }
 
 // One table over the guarded administration pages of every family (records, keywords, search,
-// ID rules): a visitor who is not signed in gets the sign-in alert and changes nothing.
+// ID rules, page generation): a visitor who is not signed in gets the sign-in alert and changes
+// nothing.
 TEST_F(RecordPages, EveryGuardedPageRefusesAVisitorWhoIsNotSignedIn) {
   Sql(site.database(),
       "insert into db (id, title, url) values (1, 'a', 'v.com/1'), (2, null, 'b');"
@@ -138,7 +139,8 @@ TEST_F(RecordPages, EveryGuardedPageRefusesAVisitorWhoIsNotSignedIn) {
       {u"Ostrakan.Class28", 3}, {u"Ostrakan.Class29", 3}, {u"Ostrakan.Class30", 3},
       {u"Ostrakan.Class39", 3}, {u"Ostrakan.Class61", 3}, {u"Ostrakan.Class10", 5},
       {u"Ostrakan.Class11", 3}, {u"Ostrakan.Class14", 5}, {u"Ostrakan.Class38", 4},
-      {u"Ostrakan.Class47", 3}};
+      {u"Ostrakan.Class47", 3}, {u"Ostrakan.Class21", 3}, {u"Ostrakan.Class58", 3},
+      {u"Ostrakan.Class26", 3}};
   for (const auto& [progId, blocks] : pages)
     EXPECT_EQ(Run(progId, blocks, query, form).text, kNotSignedIn) << ToUtf8(progId);
   EXPECT_EQ(Value("select group_concat(coalesce(title, '-') || url) from db"), "av.com/1,-b");
