@@ -33,11 +33,6 @@ class AccessPages : public AdminPages {
   }
 };
 
-std::u16string Alert(std::u16string_view text, std::u16string_view back = u"history.go(-1);") {
-  return u"<Script>window.alert('" + std::u16string(text) + u"');" + std::u16string(back) +
-         u"</Script>";
-}
-
 TEST_F(AccessPages, RefusalsSayWhatIsWrongAndChangeNothing) {
   EXPECT_EQ(SignIn(u"", u"secret", u"1234"), Alert(u"管理帐号不能空！"));
   EXPECT_EQ(SignIn(u" '() ", u"secret", u"1234"), Alert(u"管理帐号不能空！"));  // once filtered

@@ -136,9 +136,6 @@ TEST_F(IdRulePages, BadIdsAndMissingRulesChangeNothing) {
   EXPECT_EQ(Store(u"7", u"X").text, kMissing);
   EXPECT_EQ(Delete(u"remove", u"1").text, u"");  // any other action than "del" does nothing
   EXPECT_EQ(site.log(), "");
-  session = std::make_shared<Session>();
-  EXPECT_EQ(Add(RuleForm(u"B")).text, kNotSignedIn);
-  EXPECT_EQ(Run(u"Ostrakan.Class38", 4).text, kNotSignedIn);
   EXPECT_EQ(Rules(), "1:A:");
 }
 

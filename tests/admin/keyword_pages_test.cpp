@@ -138,14 +138,5 @@ TEST_F(KeywordPages, BadIdsAreRefusedBeforeTheyReachTheDatabase) {
   EXPECT_EQ(site.log(), "");
 }
 
-TEST_F(KeywordPages, NothingIsListedOrDeletedWithoutASignedInAdministrator) {
-  AddWords(2);
-  session = std::make_shared<Session>();
-  EXPECT_EQ(List({}), kNotSignedIn);
-  EXPECT_EQ(Ok({{u"action", u"del"}, {u"id", u"1"}}), kNotSignedIn);
-  EXPECT_EQ(Ok({{u"action", u"alldel"}, {u"id", u"1"}, {u"id", u"2"}}), kNotSignedIn);
-  EXPECT_EQ(Remaining(), "1,2");
-}
-
 }  // namespace
 }  // namespace ostrakan

@@ -123,17 +123,28 @@ TEST_F(RecordPages, MaintenanceRemovesUntitledRecordsOrOneSourceSite) {
   EXPECT_EQ(site.log(), "");
 }
 
-TEST_F(RecordPages, EveryRecordPageRefusesAVisitorWhoIsNotSignedIn) {
+// One table over the guarded administration pages of every family (records, keywords, search,
+// ID rules, page generation): a visitor who is not signed in gets the sign-in alert and changes
+// nothing.
+TEST_F(RecordPages, EveryGuardedPageRefusesAVisitorWhoIsNotSignedIn) {
   Sql(site.database(),
-      "insert into db (id, title, url) values (1, 'a', 'v.com/1'), (2, null, 'b')");
+      "insert into db (id, title, url) values (1, 'a', 'v.com/1'), (2, null, 'b');"
+      "insert into keyword (id, keyword, hot) values (1, 'k1', 1), (2, 'k2', 2)");
   session->Remove(u"Ostrakan_Admin");
-  const Keys query = {{u"action", u"del"}, {u"id", u"1"}, {u"url", u"v.com"}};
-  for (const char16_t* progId :
-       {u"Ostrakan.Class17", u"Ostrakan.Class19", u"Ostrakan.Class20", u"Ostrakan.Class28",
-        u"Ostrakan.Class29", u"Ostrakan.Class30", u"Ostrakan.Class39", u"Ostrakan.Class61"})
-    EXPECT_EQ(Run(progId, 3, query, {{u"id", u"1"}, {u"url", u"new.com"}}).text, kNotSignedIn)
-        << ToUtf8(progId);
+  const Keys query = {
+      {u"action", u"del"}, {u"id", u"1"}, {u"url", u"v.com"}, {u"keyword", u"panda"}};
+  const Keys form = {{u"id", u"1"}, {u"url", u"new.com"}, {u"Web", u"B"}};
+  const std::pair<const char16_t*, int> pages[] = {
+      {u"Ostrakan.Class17", 3}, {u"Ostrakan.Class19", 3}, {u"Ostrakan.Class20", 3},
+      {u"Ostrakan.Class28", 3}, {u"Ostrakan.Class29", 3}, {u"Ostrakan.Class30", 3},
+      {u"Ostrakan.Class39", 3}, {u"Ostrakan.Class61", 3}, {u"Ostrakan.Class10", 5},
+      {u"Ostrakan.Class11", 3}, {u"Ostrakan.Class14", 5}, {u"Ostrakan.Class38", 4},
+      {u"Ostrakan.Class47", 3}, {u"Ostrakan.Class21", 3}, {u"Ostrakan.Class58", 3},
+      {u"Ostrakan.Class26", 3}};
+  for (const auto& [progId, blocks] : pages)
+    EXPECT_EQ(Run(progId, blocks, query, form).text, kNotSignedIn) << ToUtf8(progId);
   EXPECT_EQ(Value("select group_concat(coalesce(title, '-') || url) from db"), "av.com/1,-b");
+  EXPECT_EQ(Value("select group_concat(id) from (select id from keyword order by id)"), "1,2");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Reading what a list page wrote: the ids of its check boxes and its pager line.
+// Reading what a list page wrote: the ids of its check boxes.
 #pragma once
 
 #include <string>
@@ -17,13 +17,6 @@ inline std::vector<int> Ids(const std::u16string& text) {
     ids.push_back(std::stoi(ToUtf8(text.substr(value, text.find(u'\'', value) - value))));
   }
   return ids;
-}
-
-// The pager line: between the body's last "<br>" and the time line's "<br>".
-inline std::u16string PagerOf(const std::u16string& text) {
-  const std::u16string body = text.substr(0, text.rfind(u"<br>"));
-  size_t br = body.rfind(u"<br>");
-  return body.substr(br + 4, body.rfind(u"页") + 1 - (br + 4));
 }
 
 }  // namespace ostrakan::testing
