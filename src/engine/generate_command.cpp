@@ -10,6 +10,7 @@
 #include "generation/category_pages.h"
 #include "generation/rebuild_plan.h"
 #include "platform/ado/connection.h"
+#include "platform/fs/batched_writes.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -35,6 +36,10 @@ void DrawProgress(std::ostream& err, size_t done, size_t total) {
   err << "\r[" << std::string(filled, '#') << std::string(kWidth - filled, '.') << "] " << done
       << "/" << total << std::flush;
 }
+
+// Pages are flushed to disk together, this many at a time: one flush per page would cost more
+// than building it, and a batch still lets pages appear while a long rebuild runs.
+constexpr size_t kPagesPerFlush = 256;
 
 }  // namespace
 
@@ -63,22 +68,45 @@ int RunGenerate(const GenerateOptions& o, std::ostream& out, std::ostream& err) 
                                     generation::ShowsSource(setup.Get(u"Source_Show"))};
     const std::vector<generation::PageJob> jobs =
         ids.empty() ? generation::WholeSitePlan(*conn) : generation::ChosenPlan(*conn, ids);
+    fs::BatchedWrites batch(fs::FileSystem::Real());
+    std::vector<std::pair<size_t, std::filesystem::path>> staged;  // pages waiting in the batch
+    size_t firstFailed = jobs.size();
+    auto fail = [&](size_t i, const Generated& result) {
+      ++failed;
+      if (i < firstFailed) {
+        firstFailed = i;
+        firstProblem = Problem(jobs[i], result);
+      }
+    };
+    auto commit = [&] {
+      for (const auto& [file, problem] : batch.Commit())
+        for (const auto& [i, page] : staged)
+          if (page == file) {
+            Generated lost;
+            lost.failure = problem;
+            --files;
+            fail(i, lost);
+            break;
+          }
+      staged.clear();
+    };
     for (size_t i = 0; i < jobs.size(); ++i) {
       Generated result;
       try {
-        result =
-            generation::GeneratePage(jobs[i].kind, *conn, fs::FileSystem::Real(), site, jobs[i].id);
+        result = generation::GeneratePage(jobs[i].kind, *conn, batch, site, jobs[i].id);
       } catch (const ScriptError& e) {
         result.failure = ToUtf8(e.description);
       }
       if (result.outcome == Generated::Outcome::Written) {
         ++files;
+        staged.emplace_back(i, result.file);
       } else {
-        ++failed;
-        if (firstProblem.empty()) firstProblem = Problem(jobs[i], result);
+        fail(i, result);
       }
+      if (staged.size() >= kPagesPerFlush) commit();
       if (o.progress) DrawProgress(err, i + 1, jobs.size());
     }
+    commit();
     if (o.progress) err << "\n";
   } catch (const ScriptError& e) {
     err << "ostrakan generate: " << ToUtf8(e.description) << "\n";

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <thread>
 
+#include "platform/fs/batched_writes.h"
 #include "platform/fs/file_system.h"
 #include "support/page_harness.h"
 
@@ -60,6 +61,54 @@ TEST(RealFileSystem, WrittenFilesFollowTheUmaskWhichNoWriteChanges) {
   EXPECT_EQ(changes, 0);
   EXPECT_EQ(std::filesystem::status(dir.path() / "page.html").permissions(),
             std::filesystem::perms(0640));
+}
+
+size_t Entries(const std::filesystem::path& folder) {
+  return std::distance(std::filesystem::directory_iterator(folder), {});
+}
+
+// Batched writes change no target until Commit, then all at once; one that cannot be put in
+// place is reported and leaves its target and the others' alone; what is never committed leaves
+// nothing behind.
+TEST(BatchedWrites, PutFilesInPlaceOnlyOnCommitAndCleanUpOtherwise) {
+  testing::TempDir dir;
+  FileSystem& real = FileSystem::Real();
+  ASSERT_FALSE(real.WriteAtomic(dir.path() / "a.html", "old a").has_value());
+  std::filesystem::create_directories(dir.path() / "list/b.html");  // not replaceable by a file
+  std::string bytes;
+  {
+    BatchedWrites batch(real);
+    EXPECT_TRUE(batch.WriteAtomic(dir.path() / "none/x.html", "x").has_value());
+    EXPECT_FALSE(batch.WriteAtomic(dir.path() / "a.html", "new a").has_value());
+    EXPECT_FALSE(batch.WriteAtomic(dir.path() / "list/c.html", "c").has_value());
+    EXPECT_FALSE(batch.WriteAtomic(dir.path() / "list/b.html", "b").has_value());
+    EXPECT_EQ(batch.staged(), 3u);
+    EXPECT_FALSE(batch.Read(dir.path() / "a.html", bytes).has_value());
+    EXPECT_EQ(bytes, "old a");
+    EXPECT_FALSE(real.Exists(dir.path() / "list/c.html"));
+    const auto failed = batch.Commit();
+    ASSERT_EQ(failed.size(), 1u);
+    EXPECT_EQ(failed[0].first, dir.path() / "list/b.html");
+    EXPECT_EQ(failed[0].second.rfind("cannot replace " + (dir.path() / "list/b.html").string(), 0),
+              0u);
+    EXPECT_EQ(batch.staged(), 0u);
+    EXPECT_FALSE(batch.WriteAtomic(dir.path() / "a.html", "dropped").has_value());
+  }
+  EXPECT_FALSE(real.Read(dir.path() / "a.html", bytes).has_value());
+  EXPECT_EQ(bytes, "new a");
+  EXPECT_FALSE(real.Read(dir.path() / "list/c.html", bytes).has_value());
+  EXPECT_EQ(bytes, "c");
+  EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "list/b.html"));
+  EXPECT_EQ(Entries(dir.path()), 2u);  // a.html and list/: no temporary file left
+  EXPECT_EQ(Entries(dir.path() / "list"), 2u);
+
+  // Over a memory double the writes go straight through.
+  MemoryFileSystem memory;
+  memory.MakeFolder("/site");
+  BatchedWrites batch(memory);
+  EXPECT_FALSE(batch.WriteAtomic("/site/p.html", "p").has_value());
+  EXPECT_EQ(memory.files().at("/site/p.html"), "p");
+  EXPECT_TRUE(batch.Commit().empty());
 }
 
 TEST(MemoryFileSystem, FailsWhereTheDiskWould) {

@@ -35,28 +35,43 @@ int CreateTemporary(const std::filesystem::path& folder, const std::string& name
 
 }  // namespace
 
+int WriteTemporary(const std::filesystem::path& path, std::string_view bytes, std::string& temp,
+                   std::string& problem) {
+  const std::filesystem::path folder =
+      path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+  const int fd = CreateTemporary(folder, path.filename().string(), temp);
+  if (fd < 0) {
+    problem = Failure("cannot create a temporary file beside", path, errno);
+    return -1;
+  }
+  size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      problem = Failure("cannot write", path, errno);
+      ::close(fd);
+      ::unlink(temp.c_str());
+      return -1;
+    }
+    done += static_cast<size_t>(n);
+  }
+  return fd;
+}
+
 std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
                                            std::string_view bytes) {
   const std::filesystem::path folder =
       path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
-  std::string temp;
-  const int fd = CreateTemporary(folder, path.filename().string(), temp);
-  if (fd < 0) return Failure("cannot create a temporary file beside", path, errno);
+  std::string temp, problem;
+  const int fd = WriteTemporary(path, bytes, temp, problem);
+  if (fd < 0) return problem;
   auto fail = [&](const char* what) {
     const int err = errno;
     ::close(fd);
     ::unlink(temp.c_str());
     return Failure(what, path, err);
   };
-  size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return fail("cannot write");
-    }
-    done += static_cast<size_t>(n);
-  }
   if (::fsync(fd) != 0) return fail("cannot flush");
   if (::close(fd) != 0) {
     const int err = errno;

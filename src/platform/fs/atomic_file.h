@@ -19,4 +19,10 @@ namespace ostrakan::fs {
 std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
                                            std::string_view bytes);
 
+// The first half of WriteFileAtomic: writes the bytes to a new temporary file beside path
+// (named in `temp`) and returns its descriptor, still open and not flushed, or -1 with the
+// failure in `problem` (nothing left behind).
+int WriteTemporary(const std::filesystem::path& path, std::string_view bytes, std::string& temp,
+                   std::string& problem);
+
 }  // namespace ostrakan::fs
