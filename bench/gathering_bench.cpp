@@ -162,6 +162,65 @@ void BM_FetchOnly(benchmark::State& state) {
 }
 BENCHMARK(BM_FetchOnly)->Unit(benchmark::kMillisecond)->UseRealTime();
 
+// Result pages of about 1 MiB with 2,000 entries each (some 400 bytes of markup between
+// entries, as real pages have).
+constexpr int kLargePages = 20, kLargeEntries = 2000;
+
+std::string LargeResultPage(int page) {
+  std::string html = testing::FixtureResultPage(page, kLargeEntries);
+  const std::string padding = "<div class=\"Pad\">" + std::string(380, 'x') + "</div>";
+  for (size_t at = html.find("<li class=\"v\">"); at != std::string::npos;
+       at = html.find("<li class=\"v\">", at + padding.size() + 1))
+    html.insert(at + 14, padding);
+  return html;
+}
+
+struct LargeFixture {
+  LargeFixture() {
+    for (int p = 1; p <= kLargePages; ++p)
+      remote.Set("/big/" + std::to_string(p) + ".html", {200, LargeResultPage(p)});
+  }
+  testing::RemoteSite remote;
+};
+
+void BM_HeadlessRunLargePages(benchmark::State& state) {
+  LargeFixture f;
+  testing::TempDir dir;
+  const fsys::path site = dir.path() / "site";
+  std::ostringstream out, err;
+  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
+  const std::string rule = testing::InsertFixtureRule(site / "data/ostrakan.db",
+                                                      f.remote.Url("/big/[page].html?q=[keyword]"));
+  engine::GatherOptions o;
+  o.site = site;
+  o.ruleId = std::stoll(rule);
+  o.first = 1;
+  o.last = kLargePages;
+  o.delayMs = 0;
+  for (auto _ : state) {
+    std::ostringstream o1, e1;
+    if (engine::RunGather(o, o1, e1) != 0) state.SkipWithError("run failed");
+  }
+  state.counters["pages/s"] = benchmark::Counter(
+      static_cast<double>(kLargePages * state.iterations()), benchmark::Counter::kIsRate);
+  state.counters["entries/s"] =
+      benchmark::Counter(static_cast<double>(kLargePages * kLargeEntries * state.iterations()),
+                         benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_HeadlessRunLargePages)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void BM_FetchOnlyLargePages(benchmark::State& state) {
+  LargeFixture f;
+  auto fetcher = http::MakeCurlFetcher();
+  for (auto _ : state)
+    for (int p = 1; p <= kLargePages; ++p)
+      benchmark::DoNotOptimize(
+          fetcher->Get(f.remote.Url("/big/" + std::to_string(p) + ".html?q=%E7%94%B5")));
+  state.counters["pages/s"] = benchmark::Counter(
+      static_cast<double>(kLargePages * state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_FetchOnlyLargePages)->Unit(benchmark::kMillisecond)->UseRealTime();
+
 // The ID run: one page and one record per ID, so fetching weighs more than for a list run.
 constexpr int kRunIds = 500;
 

@@ -5,6 +5,7 @@
 //   e.g. node bench/large_tables.mjs build/release/ostrakan 10 100000 1000000
 // Needs the sqlite3 command-line shell (Debian package sqlite3) to fill the tables.
 import { execFileSync } from 'node:child_process';
+import { fill } from './large_site.mjs';
 import { readFileSync } from 'node:fs';
 import { join, dirname } from 'node:path';
 import { fileURLToPath } from 'node:url';
@@ -14,28 +15,6 @@ process.env.OSTRAKAN_BINARY = process.argv[2] ?? process.env.OSTRAKAN_BINARY;
 const seconds = process.argv[3] ?? '10';
 const sizes = process.argv.length > 4 ? process.argv.slice(4).map(Number) : [100000, 1000000];
 const { startSite, signInOverHttp } = await import(join(here, '../tests/browser/harness.mjs'));
-
-// Fills db with `records` rows (one title in 1,000 holds the word 功夫) and keyword with a
-// tenth as many words.
-function fill(site, records) {
-  const keywords = Math.max(1, Math.floor(records / 10));
-  const sql = `
-    PRAGMA journal_mode = WAL;
-    BEGIN;
-    WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ${records})
-    INSERT INTO db (title, content, url, source, source_url, click, time)
-    SELECT '视频标题 ' || i || CASE WHEN i % 1000 = 0 THEN ' 功夫' ELSE '' END,
-           '这是第 ' || i || ' 条视频的描述文字。',
-           'video' || (i % 50) || '.test/play/' || i || '.html',
-           '来源站点' || (i % 50), 'video' || (i % 50) || '.test',
-           i % 997, datetime('2026-01-01', '+' || (i % 300) || ' days')
-    FROM n;
-    WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ${keywords})
-    INSERT INTO keyword (keyword, hot) SELECT '关键词' || i, i % 5000 FROM n;
-    COMMIT;`;
-  execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], { input: sql });
-  return keywords;
-}
 
 function memory(pid) {
   const status = readFileSync(`/proc/${pid}/status`, 'utf8');
