@@ -53,10 +53,14 @@ class SmallFiles {
  public:
   static constexpr off_t kMaxFile = 64 << 10;
   static constexpr size_t kMaxBytes = 16u << 20;
+  static constexpr time_t kSettleSeconds = 2;
 
   // The file's bytes when it is small and unchanged since `st`; nullptr otherwise.
   std::shared_ptr<const std::string> Get(const std::string& path, const struct stat& st) {
     if (!S_ISREG(st.st_mode) || st.st_size > kMaxFile) return nullptr;
+    // A file written in the last moments may be written again within the same tick of the
+    // file system's clock, with the same size: it could not be told from the kept copy.
+    if (st.st_mtim.tv_sec >= ::time(nullptr) - kSettleSeconds) return nullptr;
     const Stamp stamp{st.st_dev, st.st_ino, st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size};
     {
       std::lock_guard lock(mutex_);
