@@ -46,6 +46,7 @@ const site = await startSite();
 const otherSite = other ? await startSite({ program: other }) : null;
 try {
   const cookie = await signInOverHttp(site);
+  const otherCookie = otherSite && (await signInOverHttp(otherSite));
   console.log(`wrk -t2 -c${connections} -d${seconds}s on loopback, ${new Date().toISOString()}`);
   const base = wrk(`${hello.base}/`);
   const rows = [['beast hello (yardstick)', base]];
@@ -53,7 +54,6 @@ try {
   rows.push(['admin/css/style.css', wrk(`${site.base}/admin/css/style.css`)]);
   rows.push(['admin/desktop.asp', wrk(`${site.base}/admin/desktop.asp`, ['-H', `Cookie: ${cookie}`])]);
   if (otherSite) {
-    const otherCookie = await signInOverHttp(otherSite);
     rows.push(['other: style.css', wrk(`${otherSite.base}/admin/css/style.css`)]);
     rows.push(['other: desktop.asp',
       wrk(`${otherSite.base}/admin/desktop.asp`, ['-H', `Cookie: ${otherCookie}`])]);

@@ -20,6 +20,7 @@ constexpr size_t kReadPiece = 16384;
 constexpr size_t kFilePiece = 65536;
 constexpr std::chrono::milliseconds kLinger{2000};
 constexpr std::chrono::milliseconds kLastWrite{1000};  // for an answer while the server stops
+constexpr int kMaxDepth = 8;  // answers given on one stack, one pipelined request after another
 
 std::string PeerAddress(const asio::ip::tcp::socket& socket) {
   error_code ec;
@@ -84,18 +85,31 @@ void Connection::Stop() {
   });
 }
 
+// The time-out moves several times per request (waiting, reading, answering); moving the
+// timer itself each time would cancel and queue a wait every time. Only the deadline moves:
+// a wait that ends before it waits again, and the timer is moved only to an earlier time.
 void Connection::Arm(std::chrono::milliseconds after) {
+  deadline_ = std::chrono::steady_clock::now() + after;
+  if (timerWaiting_ && timer_.expiry() <= deadline_) return;
+  WaitForDeadline();
+}
+
+void Connection::WaitForDeadline() {
   unsigned round = ++timerRound_;
-  timer_.expires_after(after);
+  timerWaiting_ = true;
+  timer_.expires_at(deadline_);  // a wait for a later time ends as stale
   timer_.async_wait([self = shared_from_this(), round](const error_code& ec) {
     std::lock_guard lock(self->mutex_);
-    if (!ec && round == self->timerRound_) self->OnTimeout();
+    if (round != self->timerRound_) return;
+    self->timerWaiting_ = false;
+    if (ec || self->deadline_ == Deadline::max()) return;
+    if (std::chrono::steady_clock::now() < self->deadline_) return self->WaitForDeadline();
+    self->OnTimeout();
   });
 }
 
 void Connection::Disarm() {
-  ++timerRound_;
-  timer_.cancel();
+  deadline_ = Deadline::max();  // a wait under way ends without effect
 }
 
 void Connection::OnTimeout() {
@@ -192,15 +206,24 @@ void Connection::OnRequest(RequestHead head) {
   handler_(std::move(head.request),
            [self = shared_from_this()](HttpResponse r) { self->Deliver(std::move(r)); });
   inHandler_ = false;
+  if (!early_) return;
+  HttpResponse r = std::move(*early_);
+  early_.reset();
+  // Answered at once: go on here, unless pipelined requests have taken this stack deep.
+  if (depth_ < kMaxDepth) {
+    ++depth_;
+    Respond(std::move(r));
+    --depth_;
+    return;
+  }
+  OnStrand([r = std::move(r)](Connection& c) mutable { c.Respond(std::move(r)); });
 }
 
 void Connection::Deliver(HttpResponse r) {
   std::unique_lock lock(mutex_);
   if (!inHandler_) return Respond(std::move(r));
-  // Answered from inside the handler (a file, a refusal): the strand goes on with it once
-  // the handler has returned, rather than deeper down this stack.
-  lock.unlock();
-  OnStrand([r = std::move(r)](Connection& c) mutable { c.Respond(std::move(r)); });
+  // Answered from inside the handler (a file, a refusal): sent once the handler has returned.
+  early_ = std::move(r);
 }
 
 void Connection::Respond(HttpResponse r) {
@@ -303,6 +326,8 @@ void Connection::Close() {
   if (phase_ == Phase::Closed) return;
   phase_ = Phase::Closed;
   Disarm();
+  ++timerRound_;
+  timer_.cancel();  // the wait holds the connection
   CloseFile();
   error_code ignored;
   socket_.close(ignored);

@@ -69,6 +69,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void CloseFile();
   void Arm(std::chrono::milliseconds after);
   void Disarm();
+  void WaitForDeadline();
   void OnTimeout();
   // Runs `step` on the connection's strand, under the connection's lock.
   template <class F>
@@ -83,9 +84,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // Held by whoever acts for the connection: its strand, or a page thread delivering an
   // answer. Recursive: an answer that completes at once goes on to the next request.
   std::recursive_mutex mutex_;
-  bool inHandler_ = false;  // handler_ is running for this connection under mutex_
+  bool inHandler_ = false;             // handler_ is running for this connection under mutex_
+  std::optional<HttpResponse> early_;  // the answer the handler gave before it returned
+  int depth_ = 0;                      // answers under way on this stack
 
   Phase phase_ = Phase::Request;
+  using Deadline = std::chrono::steady_clock::time_point;
+  Deadline deadline_ = Deadline::max();  // when the time-out strikes; max: none
+  bool timerWaiting_ = false;
   unsigned timerRound_ = 0;  // a timer that fires for an earlier round is stale
   bool first_ = true;        // no request has been read yet
   bool stopping_ = false;
