@@ -3,8 +3,9 @@
 // (bench/hello/hello_beast.cpp), then against the engine for a static file
 // (admin/css/style.css) and a signed-in page (desktop.asp). Prints requests per second and each
 // as a ratio of the yardstick's. When the build has hello_civetweb (civetweb installed), it is
-// measured too, for comparison with earlier figures.
-// Usage: node bench/engine_overhead.mjs build/release [seconds] [connections]
+// measured too, for comparison with earlier figures. Given another ostrakan executable (an
+// earlier version's Release build), it is measured in the same run, for a before and after.
+// Usage: node bench/engine_overhead.mjs build/release [seconds] [connections] [other-ostrakan]
 //   (the folder holds the Release build of the targets ostrakan and hello_beast)
 import { execFileSync, spawn } from 'node:child_process';
 import { existsSync } from 'node:fs';
@@ -15,6 +16,7 @@ const here = dirname(fileURLToPath(import.meta.url));
 const build = resolve(process.argv[2] ?? 'build/release');
 const seconds = process.argv[3] ?? '10';
 const connections = process.argv[4] ?? '16';
+const other = process.argv[5] ? resolve(process.argv[5]) : null;
 process.env.OSTRAKAN_BINARY = join(build, 'ostrakan');
 const { startSite, signInOverHttp } = await import(join(here, '../tests/browser/harness.mjs'));
 
@@ -41,14 +43,21 @@ async function startHello(program) {
 const hello = await startHello('hello_beast');
 const civetweb = existsSync(join(build, 'hello_civetweb')) ? await startHello('hello_civetweb') : null;
 const site = await startSite();
+const otherSite = other ? await startSite({ program: other }) : null;
 try {
   const cookie = await signInOverHttp(site);
+  const otherCookie = otherSite && (await signInOverHttp(otherSite));
   console.log(`wrk -t2 -c${connections} -d${seconds}s on loopback, ${new Date().toISOString()}`);
   const base = wrk(`${hello.base}/`);
   const rows = [['beast hello (yardstick)', base]];
   if (civetweb) rows.push(['civetweb hello', wrk(`${civetweb.base}/`)]);
   rows.push(['admin/css/style.css', wrk(`${site.base}/admin/css/style.css`)]);
   rows.push(['admin/desktop.asp', wrk(`${site.base}/admin/desktop.asp`, ['-H', `Cookie: ${cookie}`])]);
+  if (otherSite) {
+    rows.push(['other: style.css', wrk(`${otherSite.base}/admin/css/style.css`)]);
+    rows.push(['other: desktop.asp',
+      wrk(`${otherSite.base}/admin/desktop.asp`, ['-H', `Cookie: ${otherCookie}`])]);
+  }
   for (const [name, r] of rows)
     console.log(`${name.padEnd(24)} ${r.rps.toFixed(0).padStart(8)} req/s  ${(r.rps / base.rps).toFixed(2)}x` +
       `  p99 ${r.p99}  non-2xx ${r.errors}`);
@@ -56,4 +65,5 @@ try {
   hello.stop();
   civetweb?.stop();
   await site.stop();
+  await otherSite?.stop();
 }

@@ -1,8 +1,14 @@
 #include "engine/static_files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <ctime>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
 
 #include "frame/response.h"
 
@@ -38,6 +44,85 @@ std::string ContentTypeFor(std::string_view fileName) {
   return "application/octet-stream";
 }
 
+namespace {
+
+// Small files (the administration's style sheet, scripts and pictures) are kept in memory,
+// keyed by path and checked against the one stat every request makes anyway: a changed time,
+// size or file is read again. Larger files are sent from the disk in pieces.
+class SmallFiles {
+ public:
+  static constexpr off_t kMaxFile = 64 << 10;
+  static constexpr size_t kMaxBytes = 16u << 20;
+  static constexpr time_t kSettleSeconds = 2;
+
+  // The file's bytes when it is small and unchanged since `st`; nullptr otherwise.
+  std::shared_ptr<const std::string> Get(const std::string& path, const struct stat& st) {
+    if (!S_ISREG(st.st_mode) || st.st_size > kMaxFile) return nullptr;
+    // A file written in the last moments may be written again within the same tick of the
+    // file system's clock, with the same size: it could not be told from the kept copy.
+    if (st.st_mtim.tv_sec >= ::time(nullptr) - kSettleSeconds) return nullptr;
+    const Stamp stamp{st.st_dev, st.st_ino, st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size};
+    {
+      std::lock_guard lock(mutex_);
+      auto it = files_.find(path);
+      if (it != files_.end() && it->second.stamp == stamp) return it->second.bytes;
+    }
+    auto bytes = Read(path, stamp);
+    if (!bytes) return nullptr;
+    std::lock_guard lock(mutex_);
+    if (held_ + bytes->size() > kMaxBytes) {
+      files_.clear();
+      held_ = 0;
+    }
+    auto [it, added] = files_.try_emplace(path);
+    if (!added) held_ -= it->second.bytes->size();
+    it->second = {stamp, bytes};
+    held_ += bytes->size();
+    return bytes;
+  }
+
+ private:
+  struct Stamp {
+    dev_t device;
+    ino_t inode;
+    time_t seconds;
+    long nanoseconds;
+    off_t size;
+    bool operator==(const Stamp&) const = default;
+  };
+  struct Entry {
+    Stamp stamp;
+    std::shared_ptr<const std::string> bytes;
+  };
+
+  // The bytes, only when the open file is still the one that was stat'ed (one being
+  // replaced or written is sent from the disk this time).
+  static std::shared_ptr<const std::string> Read(const std::string& path, const Stamp& stamp) {
+    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return nullptr;
+    auto bytes = std::make_shared<std::string>(static_cast<size_t>(stamp.size), '\0');
+    size_t got = 0;
+    while (got < bytes->size()) {
+      ssize_t n = ::read(fd, bytes->data() + got, bytes->size() - got);
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) break;
+      got += static_cast<size_t>(n);
+    }
+    struct stat st;
+    bool same =
+        got == bytes->size() && ::fstat(fd, &st) == 0 &&
+        Stamp{st.st_dev, st.st_ino, st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size} == stamp;
+    ::close(fd);
+    return same ? bytes : nullptr;
+  }
+
+  std::mutex mutex_;
+  std::unordered_map<std::string, Entry> files_;
+  size_t held_ = 0;
+};
+
+}  // namespace
+
 HttpResponse ServeStaticFile(const std::filesystem::path& file, const HttpRequest& request) {
   struct stat st;
   if (stat(file.c_str(), &st) != 0) return HttpResponse::Plain(404, "404 Not Found");
@@ -49,7 +134,11 @@ HttpResponse ServeStaticFile(const std::filesystem::path& file, const HttpReques
     return r;
   }
   r.headers.emplace_back("Content-Type", ContentTypeFor(file.filename().string()));
-  r.file = file;
+  static SmallFiles small;
+  if (auto bytes = small.Get(file.native(), st))
+    r.body = *bytes;
+  else
+    r.file = file;
   return r;
 }
 

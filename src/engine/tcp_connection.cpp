@@ -20,6 +20,7 @@ constexpr size_t kReadPiece = 16384;
 constexpr size_t kFilePiece = 65536;
 constexpr std::chrono::milliseconds kLinger{2000};
 constexpr std::chrono::milliseconds kLastWrite{1000};  // for an answer while the server stops
+constexpr int kMaxDepth = 8;  // answers given on one stack, one pipelined request after another
 
 std::string PeerAddress(const asio::ip::tcp::socket& socket) {
   error_code ec;
@@ -55,15 +56,25 @@ void Connection::CloseFile() {
   file_ = -1;
 }
 
+template <class F>
+void Connection::OnStrand(F&& step) {
+  asio::post(socket_.get_executor(),
+             [self = shared_from_this(), step = std::forward<F>(step)]() mutable {
+               std::lock_guard lock(self->mutex_);
+               step(*self);
+             });
+}
+
 void Connection::Start() {
   peer_ = PeerAddress(socket_);
   error_code ignored;
   socket_.non_blocking(true, ignored);
-  asio::post(socket_.get_executor(), [self = shared_from_this()] { self->ReadRequest(); });
+  OnStrand([](Connection& c) { c.ReadRequest(); });
 }
 
 void Connection::Stop() {
-  asio::post(socket_.get_executor(), [self = shared_from_this()] {
+  OnStrand([](Connection& c) {
+    Connection* self = &c;
     self->stopping_ = true;
     if (self->phase_ == Phase::Request || self->phase_ == Phase::Linger) {
       self->Close();
@@ -74,17 +85,31 @@ void Connection::Stop() {
   });
 }
 
+// The time-out moves several times per request (waiting, reading, answering); moving the
+// timer itself each time would cancel and queue a wait every time. Only the deadline moves:
+// a wait that ends before it waits again, and the timer is moved only to an earlier time.
 void Connection::Arm(std::chrono::milliseconds after) {
+  deadline_ = std::chrono::steady_clock::now() + after;
+  if (timerWaiting_ && timer_.expiry() <= deadline_) return;
+  WaitForDeadline();
+}
+
+void Connection::WaitForDeadline() {
   unsigned round = ++timerRound_;
-  timer_.expires_after(after);
+  timerWaiting_ = true;
+  timer_.expires_at(deadline_);  // a wait for a later time ends as stale
   timer_.async_wait([self = shared_from_this(), round](const error_code& ec) {
-    if (!ec && round == self->timerRound_) self->OnTimeout();
+    std::lock_guard lock(self->mutex_);
+    if (round != self->timerRound_) return;
+    self->timerWaiting_ = false;
+    if (ec || self->deadline_ == Deadline::max()) return;
+    if (std::chrono::steady_clock::now() < self->deadline_) return self->WaitForDeadline();
+    self->OnTimeout();
   });
 }
 
 void Connection::Disarm() {
-  ++timerRound_;
-  timer_.cancel();
+  deadline_ = Deadline::max();  // a wait under way ends without effect
 }
 
 void Connection::OnTimeout() {
@@ -128,6 +153,7 @@ void Connection::ReadRequest() {
           static const std::string kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
           asio::async_write(socket_, asio::buffer(kContinue),
                             [self = shared_from_this()](const error_code& ec, size_t) {
+                              std::lock_guard lock(self->mutex_);
                               if (ec) return self->Close();
                               if (self->phase_ == Phase::Request) self->WaitForBytes();
                             });
@@ -142,7 +168,10 @@ void Connection::ReadRequest() {
 
 void Connection::WaitForBytes() {
   socket_.async_wait(asio::ip::tcp::socket::wait_read,
-                     [self = shared_from_this()](const error_code& ec) { self->OnReadable(ec); });
+                     [self = shared_from_this()](const error_code& ec) {
+                       std::lock_guard lock(self->mutex_);
+                       self->OnReadable(ec);
+                     });
 }
 
 void Connection::OnReadable(const error_code& ec) {
@@ -173,11 +202,28 @@ void Connection::OnRequest(RequestHead head) {
     return Respond(std::move(r));
   }
   head.request.remoteAddr = peer_;
-  auto self = shared_from_this();
-  handler_(std::move(head.request), [self](HttpResponse r) {
-    asio::post(self->socket_.get_executor(),
-               [self, r = std::move(r)]() mutable { self->Respond(std::move(r)); });
-  });
+  inHandler_ = true;
+  handler_(std::move(head.request),
+           [self = shared_from_this()](HttpResponse r) { self->Deliver(std::move(r)); });
+  inHandler_ = false;
+  if (!early_) return;
+  HttpResponse r = std::move(*early_);
+  early_.reset();
+  // Answered at once: go on here, unless pipelined requests have taken this stack deep.
+  if (depth_ < kMaxDepth) {
+    ++depth_;
+    Respond(std::move(r));
+    --depth_;
+    return;
+  }
+  OnStrand([r = std::move(r)](Connection& c) mutable { c.Respond(std::move(r)); });
+}
+
+void Connection::Deliver(HttpResponse r) {
+  std::unique_lock lock(mutex_);
+  if (!inHandler_) return Respond(std::move(r));
+  // Answered from inside the handler (a file, a refusal): sent once the handler has returned.
+  early_ = std::move(r);
 }
 
 void Connection::Respond(HttpResponse r) {
@@ -199,10 +245,10 @@ void Connection::Respond(HttpResponse r) {
     return SendOut();
   }
   fileLeft_ = length;
-  SendFilePiece();  // the head leaves with the file's first piece
+  if (SendFilePiece()) SendOut();  // the head leaves with the file's first piece
 }
 
-void Connection::SendFilePiece() {
+bool Connection::SendFilePiece() {
   size_t start = out_.size();
   size_t n = std::min(fileLeft_, kFilePiece);
   out_.resize(start + n);
@@ -210,21 +256,37 @@ void Connection::SendFilePiece() {
   do {
     got = ::read(file_, out_.data() + start, n);
   } while (got < 0 && errno == EINTR);
-  if (got <= 0 && n > 0) return Close();  // the file shrank: the client must see it end short
+  if (got <= 0 && n > 0) {
+    Close();  // the file shrank: the client must see it end short
+    return false;
+  }
   out_.resize(start + static_cast<size_t>(got));
   fileLeft_ -= static_cast<size_t>(got);
-  SendOut();
+  return true;
 }
 
 void Connection::SendOut() {
+  // Written at once while the socket takes it (a small answer fits its buffer), on whichever
+  // thread holds the connection; the rest is left to the I/O threads.
+  while (true) {
+    error_code ec;
+    size_t n = socket_.write_some(asio::buffer(out_), ec);
+    if (ec == asio::error::would_block || ec == asio::error::try_again) break;
+    if (ec) return Close();
+    out_.erase(0, n);
+    if (!out_.empty()) continue;
+    if (fileLeft_ == 0) return AnswerDone();
+    if (!SendFilePiece()) return;
+  }
   writing_ = true;
   asio::async_write(socket_, asio::buffer(out_),
                     [self = shared_from_this()](const error_code& ec, size_t) {
+                      std::lock_guard lock(self->mutex_);
                       self->writing_ = false;
                       if (ec || self->phase_ != Phase::Answer) return self->Close();
                       self->out_.clear();
-                      if (self->fileLeft_ > 0) return self->SendFilePiece();
-                      self->AnswerDone();
+                      if (self->fileLeft_ > 0 && !self->SendFilePiece()) return;
+                      self->SendOut();
                     });
 }
 
@@ -264,6 +326,8 @@ void Connection::Close() {
   if (phase_ == Phase::Closed) return;
   phase_ = Phase::Closed;
   Disarm();
+  ++timerRound_;
+  timer_.cancel();  // the wait holds the connection
   CloseFile();
   error_code ignored;
   socket_.close(ignored);

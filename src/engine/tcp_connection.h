@@ -15,6 +15,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -31,7 +32,9 @@ struct ConnectionOptions {
 
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  // Called once with the answer, from any thread.
+  // Called once with the answer, from any thread. A page thread that calls it writes the
+  // answer itself when the socket takes it at once, and waits for the next request on the
+  // connection's behalf, so a page costs no hand-off back to an I/O thread.
   using Reply = std::function<void(HttpResponse)>;
   // Answers a request (remoteAddr is the peer's address), now or later through `reply`.
   using Handler = std::function<void(HttpRequest request, Reply reply)>;
@@ -55,9 +58,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void WaitForBytes();
   void OnReadable(const boost::system::error_code& ec);
   void OnRequest(RequestHead head);
+  void Deliver(HttpResponse response);  // from any thread
   void Respond(HttpResponse response);
   void SendOut();
-  void SendFilePiece();
+  bool SendFilePiece();  // false: the file ended early and the connection is closed
   void AnswerDone();
   void Refuse(HeadError error);  // a copy: the reader that holds it goes
   void Linger();
@@ -65,7 +69,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void CloseFile();
   void Arm(std::chrono::milliseconds after);
   void Disarm();
+  void WaitForDeadline();
   void OnTimeout();
+  // Runs `step` on the connection's strand, under the connection's lock.
+  template <class F>
+  void OnStrand(F&& step);
 
   boost::asio::ip::tcp::socket socket_;
   boost::asio::steady_timer timer_;
@@ -73,8 +81,17 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Handler handler_;
   Gone gone_;
   std::string peer_;
+  // Held by whoever acts for the connection: its strand, or a page thread delivering an
+  // answer. Recursive: an answer that completes at once goes on to the next request.
+  std::recursive_mutex mutex_;
+  bool inHandler_ = false;             // handler_ is running for this connection under mutex_
+  std::optional<HttpResponse> early_;  // the answer the handler gave before it returned
+  int depth_ = 0;                      // answers under way on this stack
 
   Phase phase_ = Phase::Request;
+  using Deadline = std::chrono::steady_clock::time_point;
+  Deadline deadline_ = Deadline::max();  // when the time-out strikes; max: none
+  bool timerWaiting_ = false;
   unsigned timerRound_ = 0;  // a timer that fires for an earlier round is stale
   bool first_ = true;        // no request has been read yet
   bool stopping_ = false;

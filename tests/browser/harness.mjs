@@ -29,14 +29,14 @@ function freePort() {
 
 // A new site made by `ostrakan init` (administrator admin, password secret123), served until
 // stop(). `prepare(siteDir)`, when given, runs between making the site and serving it. The
-// benchmarks in bench/ use it too.
-export async function startSite({ prepare } = {}) {
+// benchmarks in bench/ use it too, `program` to serve with another build.
+export async function startSite({ prepare, program = binary } = {}) {
   const dir = mkdtempSync(join(tmpdir(), 'ostrakan-browser-'));
   const site = join(dir, 'site');
-  execFileSync(binary, ['init', site, '--password', 'secret123']);
+  execFileSync(program, ['init', site, '--password', 'secret123']);
   if (prepare) await prepare(site);
   const port = await freePort();
-  const child = spawn(binary, ['serve', '--site', site, '--listen', `127.0.0.1:${port}`], {
+  const child = spawn(program, ['serve', '--site', site, '--listen', `127.0.0.1:${port}`], {
     stdio: ['ignore', 'ignore', 'inherit'],
   });
   const base = `http://127.0.0.1:${port}`;

@@ -21,30 +21,17 @@ class MalformedRequests : public EngineTest {
   }
 };
 
-TEST_F(MalformedRequests, AmbiguousLengthsAndBrokenChunksAreRefused) {
+// Which bytes are refused with which status is the request reader's own test; here each
+// kind of refusal closes the connection before the request smuggled after it is read.
+TEST_F(MalformedRequests, RefusalsCloseTheConnection) {
   const std::string post = "POST /echo.asp HTTP/1.1\r\nHost: a\r\n";
   ExpectRefusedAndClosed(post + "Content-Length: 3\r\nContent-Length: 5\r\n\r\nf=abc");
-  ExpectRefusedAndClosed(post +
-                         "Content-Length: 3\r\nTransfer-Encoding: chunked\r\n\r\n"
-                         "3\r\nf=a\r\n0\r\n\r\n");
-  ExpectRefusedAndClosed(post + "Transfer-Encoding: chunked\r\n\r\nzz\r\nf=a\r\n0\r\n\r\n");
-  ExpectRefusedAndClosed(post +
-                         "Transfer-Encoding: chunked\r\n\r\nFFFFFFFFFFFFFFFF\r\nf=a\r\n0\r\n\r\n");
-  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost: a\r\nHost: b\r\n\r\n");
-  // A coding this server cannot undo: the body's end is unknown.
-  ExpectRefusedAndClosed(post + "Transfer-Encoding: gzip\r\n\r\nf=a", 501);
-}
-
-// Only CRLF ends a line: a proxy that took a bare LF differently would see other requests.
-TEST_F(MalformedRequests, BareLineFeedsAreRefusedInHeadsAndChunks) {
-  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\nHost: a\n\n");
+  ExpectRefusedAndClosed(post + "Transfer-Encoding: chunked\r\n\r\n3\r\nf=a\r\n0\n\n");
   ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost: a\nX-Test: b\r\n\r\n");
-  ExpectRefusedAndClosed(
-      "POST /echo.asp HTTP/1.1\r\nHost: a\r\nTransfer-Encoding: chunked\r\n\r\n"
-      "3\r\nf=a\r\n0\n\n");
-  ExpectRefusedAndClosed(
-      "POST /echo.asp HTTP/1.1\r\nHost: a\r\nTransfer-Encoding: chunked\r\n\r\n"
-      "3\r\nf=a\r\n0\r\nGET /x HTTP/1.1\r\n\r\n");
+  ExpectRefusedAndClosed(post + "Transfer-Encoding: gzip\r\n\r\nf=a", 501);
+  ExpectRefusedAndClosed("GET /" + std::string(9000, 'a') + " HTTP/1.1\r\nHost: a\r\n\r\n", 414);
+  ExpectRefusedAndClosed("GET / HTTP/1.1\r\nX: " + std::string(20000, 'a') + "\r\n\r\n", 431);
+  ExpectRefusedAndClosed("GET / HTTP/2.0\r\nHost: a\r\n\r\n", 505);
 }
 
 TEST_F(MalformedRequests, SameLengthTwiceAndGoodChunksStillWork) {
@@ -63,26 +50,6 @@ TEST_F(MalformedRequests, SameLengthTwiceAndGoodChunksStillWork) {
       "Content-Length: 3\r\nContent-Length: 3\r\nConnection: close\r\n\r\nf=x");
   answer = d.ReadAll(closed);
   EXPECT_NE(answer.find("f=[x]"), std::string::npos) << answer;
-}
-
-TEST_F(MalformedRequests, BrokenHeadsAreRefusedWithTheirOwnStatus) {
-  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost: a\r\n folded: line\r\n\r\n");
-  ExpectRefusedAndClosed("GET /echo.asp\r\nHost: a\r\n\r\n");
-  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost a\r\n\r\n");
-  ExpectRefusedAndClosed("GET * HTTP/1.1\r\nHost: a\r\n\r\n");
-  ExpectRefusedAndClosed("GET ftp://a/echo.asp HTTP/1.1\r\nHost: a\r\n\r\n");
-  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nX-Test: a\r\n\r\n");  // no Host
-  ExpectRefusedAndClosed("GET /" + std::string(9000, 'a') + " HTTP/1.1\r\nHost: a\r\n\r\n", 414);
-
-  RawConnection c(server_->port());
-  c.Send("GET / HTTP/2.0\r\nHost: a\r\n\r\n");
-  bool closed = false;
-  EXPECT_TRUE(c.ReadAll(closed).starts_with("HTTP/1.1 505 "));
-  EXPECT_TRUE(closed);
-  RawConnection d(server_->port());
-  d.Send("GET / HTTP/1.1\r\nX: " + std::string(20000, 'a') + "\r\n\r\n");
-  EXPECT_TRUE(d.ReadAll(closed).starts_with("HTTP/1.1 431 "));
-  EXPECT_TRUE(closed);
 }
 
 // A pipelined request after an absolute-form one and "OPTIONS *" on the same connection.

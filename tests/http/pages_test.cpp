@@ -1,5 +1,5 @@
 // Running page files over loopback: headers a page sets, failures, full-size stacks, files that
-// change while the site runs, parallel pages, and the client address a page sees behind a proxy.
+// change while the site runs, and parallel pages.
 #include <future>
 
 #include "http/engine_fixture.h"
@@ -78,22 +78,6 @@ TEST_F(Pages, ParallelPagesKeepTheirOwnSessionsAndGetTheApplicationLockBackFromA
   EXPECT_EQ(answers.size(), 8u);  // every visit counted once, under the lock
   EXPECT_EQ(answers.count("visit 8"), 1u);
   EXPECT_EQ(answers.count("mixed up"), 0u);
-}
-
-// Behind nginx every request comes from loopback; with --behind-proxy the engine takes the
-// client's address (for REMOTE_ADDR and the sign-in throttle) from X-Real-IP.
-TEST_F(Pages, TheClientAddressComesFromTheProxyOnlyWhenAsked) {
-  WriteAnsi(root_ / "addr.asp", u"<%= Request.ServerVariables(\"REMOTE_ADDR\") %>");
-  engine::ServerOptions options;
-  options.siteRoot = root_;
-  options.listen = "127.0.0.1:0";
-  options.threads = 2;
-  options.behindProxy = true;
-  engine::HttpServer proxied(options);
-  HttpClient viaProxy(proxied.port());
-  EXPECT_EQ(viaProxy.Get("/addr.asp", {"X-Real-IP: 203.0.113.7"}).body, "203.0.113.7");
-  EXPECT_EQ(viaProxy.Get("/addr.asp").body, "127.0.0.1");
-  EXPECT_EQ(client().Get("/addr.asp", {"X-Real-IP: 203.0.113.7"}).body, "127.0.0.1");
 }
 
 }  // namespace

@@ -82,6 +82,13 @@ TEST_F(Requests, ServesStaticFilesWithTypesAndRevalidation) {
   EXPECT_EQ(r.status, 200);
   EXPECT_EQ(r.Header("content-length"), "6");
   EXPECT_EQ(client().Get("/admin/css/a%20b.css").body, "p{}");
+  // A file changed in place at the same size is sent as it is now, not as it was.
+  const auto past = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+  std::filesystem::last_write_time(root_ / "admin/css/a.css", past);
+  EXPECT_EQ(client().Get("/admin/css/a.css").body, "body{}");
+  std::ofstream(root_ / "admin/css/a.css", std::ios::binary) << "div{}\n";
+  std::filesystem::last_write_time(root_ / "admin/css/a.css", past + std::chrono::seconds(1));
+  EXPECT_EQ(client().Get("/admin/css/a.css").body, "div{}\n");
   EXPECT_EQ(client().Send("PUT", "/admin/css/a.css").status, 405);
   EXPECT_EQ(client().Send("DELETE", "/echo.asp").status, 405);
 
