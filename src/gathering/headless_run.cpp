@@ -26,6 +26,21 @@ std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
   return std::nullopt;
 }
 
+void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
+                  const std::function<void(const std::string& why)>& refused) {
+  for (GatheredRecord& record : records) {
+    for (std::u16string* text : {&record.title, &record.content, &record.url, &record.image})
+      std::erase(*text, u'\0');
+    ++counts.entries;
+    try {
+      ++(store.Store(record) == StoreOutcome::Inserted ? counts.inserted : counts.updated);
+    } catch (const ScriptError& e) {
+      if (refused)
+        refused("entry \"" + ToUtf8(record.url) + "\" not stored: " + ToUtf8(e.description));
+    }
+  }
+}
+
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
              const GatherUnit& gather, const RunReport& report) {
   // The next unit is fetched and cut while this one is stored; units are still gathered one
@@ -52,13 +67,9 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
         ++c.unmatched;
         break;
       case UnitOutcome::Gathered:
-        for (const GatheredRecord& record : result.records) {
-          ++c.entries;
-          if (store.Store(record) == StoreOutcome::Inserted)
-            ++c.inserted;
-          else
-            ++c.updated;
-        }
+        StoreEntries(store, result.records, c, [&](const std::string& why) {
+          if (report.failure) report.failure(unit, why);
+        });
         break;
     }
     run.next = unit + 1;

@@ -64,6 +64,12 @@ struct RunReport {
   std::function<void(long unit, const std::string& why)> failure;  // a failed unit
 };
 
+// Stores a unit's records, counting entries, inserted and updated. Remote text never stops a
+// run: NUL characters are dropped, and an entry the database still refuses is left out and
+// reported through `refused` (may be empty) instead of failing the unit.
+void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
+                  const std::function<void(const std::string& why)>& refused);
+
 // Walks run.next .. run.last: gathers each unit, then stores its records and the journal
 // update in one write transaction; marks the run finished at the end.
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,

@@ -201,11 +201,9 @@ std::string Worker::Work(const Lease& lease) {
           what = "unmatched";
           break;
         case UnitOutcome::Gathered:
-          for (const GatheredRecord& record : result.records) {
-            ++c.entries;
-            ++(info.store->Store(record) == StoreOutcome::Inserted ? c.inserted : c.updated);
-          }
-          what = std::to_string(c.entries) + " entries";
+          StoreEntries(*info.store, result.records, c,
+                       [&](const std::string& why) { what += why + "; "; });
+          what += std::to_string(c.entries) + " entries";
           break;
       }
       const std::u16string why = result.outcome == UnitOutcome::Failed      ? FromUtf8(result.why)

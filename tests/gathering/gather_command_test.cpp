@@ -213,5 +213,15 @@ TEST_F(GatherCommand, ARuleThatMatchesNothingIsFlaggedUntilItMatchesAgain) {
   EXPECT_EQ(Value("select kind from gather_rule_health"), "id");
 }
 
+TEST_F(GatherCommand, ANulInARemoteTitleDoesNotStopTheRun) {
+  std::string page = FixtureResultPage(1, 4);
+  page.insert(page.find("Video") + 2, 1, '\0');
+  remote.Set("/r/1.html", {200, page});
+  EXPECT_EQ(Run({"list", listRule, "--pages", "1-2", "--json"}), 0) << said;
+  EXPECT_NE(said.find("\"inserted\":8,\"updated\":0,\"no_results\":0,\"failed\":0"), npos);
+  EXPECT_EQ(Value("select title from db order by id limit 1"),
+            "video 影片 1-1");  // the NUL left out
+}
+
 }  // namespace
 }  // namespace ostrakan
