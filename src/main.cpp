@@ -13,6 +13,7 @@
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "engine/generate_command.h"
+#include "engine/schedule_command.h"
 #include "engine/worker_command.h"
 #include "platform/http/fetch_stop.h"
 
@@ -98,6 +99,19 @@ Usage:
       another worker. With --once the worker stops when the queue is empty, otherwise it
       waits for work until SIGINT or SIGTERM. A line per page, then a summary; with --json
       the last line is {"runs", "pages", "inserted", "updated", "failed", "unmatched"}.
+      Workers also queue the runs of the schedules that are due, each due time once.
+
+  ostrakan schedule --site DIR add list RULE_ID --pages FIRST-LAST [--keyword WORD ...]
+                    (--every INTERVAL | --cron "M H * * *") [--delay-ms N] [--retries N]
+  ostrakan schedule --site DIR add id RULE_ID --next N (--every INTERVAL | --cron "M H * * *")
+  ostrakan schedule --site DIR list [--json]
+  ostrakan schedule --site DIR remove ID
+      Gathering that runs itself. A list schedule queues one run per keyword (the sample
+      term when none is given) over the pages; an ID schedule queues the N numbers after
+      the last range the rule gathered, so a site that publishes new numbers is followed
+      as it grows. A new schedule is due at once, then every INTERVAL (30m, 6h, 1d; a
+      minute or more) or at each local time the cron line names (minute and hour, each a
+      number or *). "ostrakan worker" queues and works what is due.
 
   ostrakan --help
       This text.
@@ -243,12 +257,12 @@ int Passwd(const std::vector<std::string>& args) {
 std::string HelpFor(const std::string& command) {
   const std::string help = kHelp;
   std::string text;
-  for (size_t from = help.find("  ostrakan " + command + " "); from != std::string::npos;
-       from = help.find("  ostrakan " + command + " ", from + 1)) {
-    if (from > 0 && help[from - 1] != '\n') continue;
+  const std::string start = "  ostrakan " + command + " ";
+  for (size_t from = help.find(start); from != std::string::npos; from = help.find(start, from)) {
     size_t to = help.find("\n\n  ostrakan ", from);
     to = to == std::string::npos ? help.size() : to + 2;
-    text += help.substr(from, to - from);
+    if (from == 0 || help[from - 1] == '\n') text += help.substr(from, to - from);
+    from = to;
   }
   return text.empty() ? help : "Usage:\n" + text;
 }
@@ -284,6 +298,12 @@ int main(int argc, char** argv) {
     if (!options) return Usage(problem);
     options->terminal = isatty(STDOUT_FILENO);
     return RunGather(*options, std::cout, std::cerr);
+  }
+  if (command == "schedule") {
+    std::string problem;
+    auto options = ParseScheduleArgs({args.begin() + 1, args.end()}, problem);
+    if (!options) return Usage(problem);
+    return RunSchedule(*options, std::cout, std::cerr);
   }
   if (command == "worker") {
     std::string problem;

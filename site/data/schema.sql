@@ -158,6 +158,25 @@ CREATE TABLE IF NOT EXISTS gather_host (
   next_at INTEGER DEFAULT 0
 );
 
+-- Schedules: runs that queue themselves (see "ostrakan schedule"). keywords are one per line;
+-- next_count is how many numbers an ID schedule gathers after the rule's last range; due_at
+-- is in milliseconds since the epoch.
+CREATE TABLE IF NOT EXISTS gather_schedule (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  kind TEXT NOT NULL,
+  rule_id INTEGER NOT NULL,
+  keywords TEXT,
+  first INTEGER,
+  last INTEGER,
+  next_count INTEGER,
+  every_seconds INTEGER,
+  cron TEXT,
+  due_at INTEGER NOT NULL,
+  delay_ms INTEGER,
+  retries INTEGER,
+  retry_pause_ms INTEGER
+);
+
 -- Rules whose last run matched none of the pages it fetched: since when, and an address.
 CREATE TABLE IF NOT EXISTS gather_rule_health (
   kind TEXT NOT NULL,

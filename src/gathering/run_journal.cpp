@@ -62,6 +62,11 @@ void EnsureRunJournal(ado::Connection& conn) {
   conn.Execute(
       u"create table if not exists gather_rule_health (kind text not null, rule_id integer not "
       u"null, since datetime, sample text, primary key (kind, rule_id))");
+  conn.Execute(
+      u"create table if not exists gather_schedule (id integer primary key autoincrement, "
+      u"kind text not null, rule_id integer not null, keywords text, first integer, "
+      u"last integer, next_count integer, every_seconds integer, cron text, "
+      u"due_at integer not null, delay_ms integer, retries integer, retry_pause_ms integer)");
 }
 
 JournalRun StartRun(ado::Connection& conn, std::u16string kind, long long ruleId,

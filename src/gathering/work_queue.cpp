@@ -10,6 +10,7 @@
 #include "gathering/id_rule_store.h"
 #include "gathering/rule_health.h"
 #include "gathering/rule_run.h"
+#include "gathering/schedule.h"
 #include "platform/ado/recordset.h"
 #include "platform/ado/write_transaction.h"
 #include "platform/clock.h"
@@ -276,7 +277,12 @@ WorkSummary WorkQueue(
   EnsureRunJournal(conn);
   Worker worker(conn, fetcher, options);
   auto stopped = [&] { return options.stop && options.stop->load(); };
+  long long schedulesLookedAt = 0;
   while (!stopped()) {
+    if (const long long now = WallMs(); now - schedulesLookedAt >= 1000) {
+      QueueDueSchedules(conn, now);
+      schedulesLookedAt = now;
+    }
     if (std::optional<Lease> lease = worker.Take()) {
       const std::string what = worker.Work(*lease);
       if (unitDone) unitDone(lease->run, lease->unit, what);

@@ -36,7 +36,8 @@ struct WorkSummary {
   long pages = 0, inserted = 0, updated = 0, failed = 0, unmatched = 0;
 };
 
-// Works the queue of the database on `conn` until it is empty (once) or `stop` is set.
+// Works the queue of the database on `conn` until it is empty (once) or `stop` is set, queuing
+// the runs of due schedules (gathering/schedule.h) first and then about once a second.
 // `unitDone` (may be empty) hears of each unit this worker finished.
 WorkSummary WorkQueue(
     ado::Connection& conn, http::Fetcher& fetcher, const WorkOptions& options,
