@@ -6,7 +6,10 @@
 
 #include <future>
 
+#include <sstream>
+
 #include "engine/assignment_file.h"
+#include "engine/gather_command.h"
 #include "http/site_fixture.h"
 #include "support/remote_site.h"
 
@@ -101,6 +104,44 @@ TEST_F(GatheringPages, OtherPagesAnswerWhileOneWaitsOnASlowSite) {
   EXPECT_EQ(Get("gather_list_web_manage.asp").status, 200);
   EXPECT_EQ(slow.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
   EXPECT_EQ(slow.get().status, 200);
+}
+
+// The runs page: queued runs with their state and counts, refreshing while any is under way;
+// stopping one; a rule that matched nothing marked; remote text escaped.
+TEST_F(GatheringPages, TheRunsPageListsStopsAndRequeuesRuns) {
+  const std::string rule = Add("gb").second;
+  std::string problem;
+  for (const std::string word : {"<b>电影</b>", "news"}) {
+    auto o = engine::ParseGatherArgs(
+        {"--site", root().string(), "list", rule, "--pages", "1-3", "--keyword", word, "--queue"},
+        problem);
+    std::ostringstream out, err;
+    ASSERT_EQ(engine::RunGather(*o, out, err), 0) << err.str();
+  }
+  std::u16string page = Text(Get("gather_run_list.asp"));
+  EXPECT_NE(page.find(u"<meta http-equiv=\"refresh\""), std::u16string::npos);
+  EXPECT_NE(page.find(u"&lt;b&gt;电影&lt;/b&gt;（第 1-3 页）</td><td>等待中</td><td>0/3</td>"),
+            std::u16string::npos);
+  EXPECT_NE(page.find(u"样站 gb"), std::u16string::npos);
+  EXPECT_EQ(page.find(u"规则可能失效"), std::u16string::npos);
+
+  page = Text(Get("gather_run_list.asp?action=stop&id=1"));
+  EXPECT_NE(page.find(u"已停止采集任务 1"), std::u16string::npos);
+  EXPECT_NE(page.find(u"<td>已停止</td>"), std::u16string::npos);
+  EXPECT_EQ(Value("select count(*) from gather_unit where run_id = 1 and state = 'queued'"), "0");
+  EXPECT_NE(Text(Get("gather_run_list.asp?action=stop&id=1")).find(u"这个采集任务已经结束"),
+            std::u16string::npos);
+  Sql(database(), "update gather_unit set state = 'failed' where run_id = 2 and unit = 2");
+  Sql(database(),
+      "insert into gather_rule_health (kind, rule_id, since, sample) values "
+      "('list', " +
+          rule + ", '2026-01-01', 'x')");
+  page = Text(Get("gather_run_list.asp?action=requeue&id=2"));
+  EXPECT_NE(page.find(u"已重新排队失败的页面：1"), std::u16string::npos);
+  EXPECT_EQ(Value("select state from gather_unit where run_id = 2 and unit = 2"), "queued");
+  EXPECT_NE(page.find(u"规则可能失效"), std::u16string::npos);
+  // Signed out: the guard, nothing listed.
+  EXPECT_EQ(Text(client().Get("/admin/gather_run_list.asp")).find(u"<table"), std::u16string::npos);
 }
 
 }  // namespace
