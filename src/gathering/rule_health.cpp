@@ -31,4 +31,19 @@ std::optional<RuleWarning> RuleWarningOf(ado::Connection& conn, std::u16string_v
   return w;
 }
 
+std::vector<MarkedRule> MarkedRules(ado::Connection& conn) {
+  std::vector<MarkedRule> rules;
+  auto rs = conn.Execute(
+      u"select h.kind, h.rule_id, h.since, h.sample, case when h.kind = 'id' then (select web "
+      u"from gather_id_web where id = h.rule_id) else (select web from gather_list_web where id "
+      u"= h.rule_id) end as name from gather_rule_health h order by h.since");
+  for (; !rs->Eof(); rs->MoveNext())
+    rules.push_back({TextOf(rs->FieldAt(0)),
+                     static_cast<long long>(CDbl(rs->FieldAt(1))),
+                     TextOf(rs->FieldAt(4)),
+                     {TextOf(rs->FieldAt(2)), TextOf(rs->FieldAt(3))}});
+  rs->Close();
+  return rules;
+}
+
 }  // namespace ostrakan::gathering

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/ado/connection.h"
 
@@ -25,5 +26,14 @@ void RecordRuleHealth(ado::Connection& conn, std::u16string_view kind, long long
 // The mark of a rule, if any.
 std::optional<RuleWarning> RuleWarningOf(ado::Connection& conn, std::u16string_view kind,
                                          long long ruleId);
+
+// Every marked rule with its name (the rule's site name), oldest mark first.
+struct MarkedRule {
+  std::u16string kind;
+  long long ruleId = 0;
+  std::u16string name;
+  RuleWarning warning;
+};
+std::vector<MarkedRule> MarkedRules(ado::Connection& conn);
 
 }  // namespace ostrakan::gathering
