@@ -164,6 +164,18 @@ std::vector<Schedule> ListSchedules(ado::Connection& conn) {
   return list;
 }
 
+bool UpdateSchedule(ado::Connection& conn, const Schedule& s) {
+  EnsureRunJournal(conn);
+  if (!LoadRule(conn, s.kind, s.ruleId)) return false;
+  conn.Execute(
+      u"update gather_schedule set kind = ?, rule_id = ?, keywords = ?, first = ?, last = ?, "
+      u"next_count = ?, every_seconds = ?, cron = ?, delay_ms = ? where id = ?",
+      {Variant(s.kind), Number(s.ruleId), Variant(JoinKeywords(s.keywords)), Number(s.first),
+       Number(s.last), Number(s.next), Number(s.everySeconds), Variant(s.cron),
+       Number(s.pacing.delayMs), Number(s.id)});
+  return conn.recordsAffected() == 1;
+}
+
 bool RemoveSchedule(ado::Connection& conn, long long id) {
   EnsureRunJournal(conn);
   conn.Execute(u"delete from gather_schedule where id = ?", {Number(id)});

@@ -40,6 +40,9 @@ long long NextCronTime(std::string_view cron, long long afterMs);
 // Adds the schedule (due now); its id, or nullopt when its rule does not exist.
 std::optional<long long> AddSchedule(ado::Connection& conn, const Schedule& schedule);
 std::vector<Schedule> ListSchedules(ado::Connection& conn);
+// Rewrites the schedule `schedule.id` (its due time stays); false when it is gone or its rule
+// does not exist.
+bool UpdateSchedule(ado::Connection& conn, const Schedule& schedule);
 bool RemoveSchedule(ado::Connection& conn, long long id);
 
 // Queues the runs of every schedule due at `nowMs` that this caller wins; how many runs.

@@ -147,5 +147,41 @@ TEST_F(GatheringPages, TheRunsPageListsStopsAndRequeuesRuns) {
   EXPECT_EQ(Text(client().Get("/admin/gather_run_list.asp")).find(u"<table"), std::u16string::npos);
 }
 
+// The schedules page: a schedule added with typed Chinese keywords, edited, refused when its
+// form is wrong (nothing stored), removed.
+TEST_F(GatheringPages, TheSchedulesPageAddsEditsAndRemovesSchedules) {
+  const std::string rule = Add("gb").second;
+  const std::string form = "kind=list&rule_id=" + rule + "&keywords=" + GbkEscape(u"功夫\r\n喜剧") +
+                           "&pages=1-3&next=&cron=&delay_ms=500&every=";
+  std::u16string page = Text(Get("gather_schedule.asp?action=add", form + "6h"));
+  EXPECT_NE(page.find(u"已添加定时采集 1"), std::u16string::npos);
+  EXPECT_NE(
+      page.find(u"列表采集 " + FromUtf8(rule) + u"</td><td>功夫 喜剧 第 1-3 页</td><td>每 6h"),
+      std::u16string::npos);
+  EXPECT_EQ(Value("select keywords || '|' || delay_ms from gather_schedule"), "功夫\n喜剧|500");
+
+  page = Text(Get("gather_schedule.asp?action=edit&id=1"));
+  EXPECT_NE(page.find(u"action=\"gather_schedule.asp?action=save&id=1\""), std::u16string::npos);
+  EXPECT_NE(page.find(u">功夫\r\n喜剧\r\n</textarea>"), std::u16string::npos);
+  page = Text(Get("gather_schedule.asp?action=save&id=1", form + "1d"));
+  EXPECT_NE(page.find(u"已保存定时采集 1"), std::u16string::npos);
+  EXPECT_EQ(Value("select every_seconds from gather_schedule"), "86400");
+
+  for (const std::string bad : {form + "5s", form + "1h&cron=0+0+*+*+*",
+                                std::string("kind=id&rule_id=1&next=0&every=1h&delay_ms=0")})
+    EXPECT_NE(Text(Get("gather_schedule.asp?action=add", bad)).find(u"没有保存"),
+              std::u16string::npos)
+        << bad;
+  EXPECT_NE(Text(Get("gather_schedule.asp?action=add",
+                     "kind=id&rule_id=99&next=5&every=1h&"
+                     "delay_ms=0"))
+                .find(u"没有这个采集规则"),
+            std::u16string::npos);
+  EXPECT_EQ(Value("select count(*) from gather_schedule"), "1");
+  EXPECT_NE(Text(Get("gather_schedule.asp?action=del&id=1")).find(u"已删除定时采集 1"),
+            std::u16string::npos);
+  EXPECT_EQ(Value("select count(*) from gather_schedule"), "0");
+}
+
 }  // namespace
 }  // namespace ostrakan::testing
