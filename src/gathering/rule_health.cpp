@@ -1,5 +1,6 @@
 #include "gathering/rule_health.h"
 
+#include "gathering/run_journal.h"
 #include "platform/ado/recordset.h"
 #include "platform/clock.h"
 
@@ -44,6 +45,14 @@ std::vector<MarkedRule> MarkedRules(ado::Connection& conn) {
                      {TextOf(rs->FieldAt(2)), TextOf(rs->FieldAt(3))}});
   rs->Close();
   return rules;
+}
+
+std::set<long long> MarkedRuleIds(ado::Connection& conn, std::u16string_view kind) {
+  EnsureRunJournal(conn);
+  std::set<long long> ids;
+  for (const MarkedRule& rule : MarkedRules(conn))
+    if (rule.kind == kind) ids.insert(rule.ruleId);
+  return ids;
 }
 
 }  // namespace ostrakan::gathering

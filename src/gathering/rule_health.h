@@ -4,6 +4,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,5 +36,8 @@ struct MarkedRule {
   RuleWarning warning;
 };
 std::vector<MarkedRule> MarkedRules(ado::Connection& conn);
+
+// The ids of the marked rules of one kind (the tables are made first when missing).
+std::set<long long> MarkedRuleIds(ado::Connection& conn, std::u16string_view kind);
 
 }  // namespace ostrakan::gathering

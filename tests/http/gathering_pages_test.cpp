@@ -140,6 +140,9 @@ TEST_F(GatheringPages, TheRunsPageListsStopsAndRequeuesRuns) {
   EXPECT_NE(page.find(u"已重新排队失败的页面：1"), std::u16string::npos);
   EXPECT_EQ(Value("select state from gather_unit where run_id = 2 and unit = 2"), "queued");
   EXPECT_NE(page.find(u"规则可能失效"), std::u16string::npos);
+  EXPECT_NE(Text(Get("gather_list_web_manage.asp"))
+                .find(u"样站 gb <span class=\"warn\">规则可能失效</span>"),
+            std::u16string::npos);
   page = Text(Get("desktop.asp"));
   EXPECT_NE(page.find(u"列表采集 " + FromUtf8(rule) + u" 样站 gb：规则可能失效（2026-1-1，x）"),
             std::u16string::npos);
