@@ -1,8 +1,10 @@
 // The ostrakan command: make a site (init), serve one (serve), and the headless jobs on a site
-// (gather, generate).
+// (gather, worker, generate).
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <iostream>
 #include <string>
@@ -11,6 +13,9 @@
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "engine/generate_command.h"
+#include "engine/schedule_command.h"
+#include "engine/worker_command.h"
+#include "platform/http/fetch_stop.h"
 
 namespace {
 
@@ -57,7 +62,7 @@ Usage:
       was not written (a missing template, an unknown category ...).
 
   ostrakan gather --site DIR list RULE_ID [--keyword WORD] [--pages FIRST-LAST]
-                  [--delay-ms N] [--retries N] [--json] [--resume]
+                  [--delay-ms N] [--retries N] [--json] [--resume | --queue]
       Gather with the list-site rule RULE_ID of the site in DIR, without a browser: fetch
       its result pages FIRST to LAST (default 1-1, both gathered) for WORD (default the
       sample term), waiting N ms between fetches (default 1000) and retrying a failed fetch
@@ -65,18 +70,48 @@ Usage:
       known ones refreshed. Safe while "ostrakan serve" runs on the same site. Shows a
       progress bar on a terminal and a line per page otherwise, then a summary; with
       --json the last line is {"pages", "entries", "inserted", "updated", "no_results",
-      "failed"}. Each run is kept in the table gather_run; --resume continues the last
-      unfinished run of the rule where it stopped (or starts a new one when there is none).
-      Failed fetches are counted, not fatal; a missing site or rule exits with status 1.
+      "failed", "unmatched"}. Each run is kept in the table gather_run; --resume continues
+      the last unfinished run of the rule where it stopped (or starts a new one when there is
+      none). A page fetched with status 200 on which the rule finds no entry and no
+      no-results marker is "unmatched"; when every fetched page is, the rule is marked
+      "may be broken" and the exit status is 3 (cron can mail the operator). Failed fetches
+      are counted, not fatal (each line says why); a missing site or rule exits with status 1.
+      With --queue the run is recorded for "ostrakan worker" instead, and its number printed
+      ({"run": N} with --json).
 
   ostrakan gather --site DIR id RULE_ID --ids FIRST-LAST [--delay-ms N] [--retries N]
-                  [--json] [--resume]
+                  [--json] [--resume | --queue]
       Gather with the ID-site rule RULE_ID: fetch its numbered pages FIRST to LAST (all of
       them gathered), paced and retried as above, and store one record per page that has
       data (a page holding the rule's error marker is counted as without data). When the
       run completes, the rule's range becomes "FIRST - LAST". With --json the last line is
-      {"ids", "inserted", "updated", "no_data", "failed"}. --resume continues the last
-      unfinished ID run of the rule (--ids may then be left out).
+      {"ids", "inserted", "updated", "no_data", "failed", "unmatched"}; a page with neither
+      title nor error marker is unmatched, with exit status 3 as above. --resume continues
+      the last unfinished ID run of the rule (--ids may then be left out); --queue queues it.
+
+  ostrakan worker --site DIR [--once] [--json] [--lease-seconds N]
+      Work the site's run queue (runs queued by "gather --queue"): take one page or ID at a
+      time by a lease, so that several workers, here or on other machines sharing the
+      database, share a run without fetching or storing anything twice. At most one fetch
+      at a time goes to one remote host across all workers, with the run's pause between
+      fetches; a failed fetch is retried with a growing pause and then kept as a failed page
+      of the run. A lease not finished within N seconds (default 180) is taken over by
+      another worker. With --once the worker stops when the queue is empty, otherwise it
+      waits for work until SIGINT or SIGTERM. A line per page, then a summary; with --json
+      the last line is {"runs", "pages", "inserted", "updated", "failed", "unmatched"}.
+      Workers also queue the runs of the schedules that are due, each due time once.
+
+  ostrakan schedule --site DIR add list RULE_ID --pages FIRST-LAST [--keyword WORD ...]
+                    (--every INTERVAL | --cron "M H * * *") [--delay-ms N] [--retries N]
+  ostrakan schedule --site DIR add id RULE_ID --next N (--every INTERVAL | --cron "M H * * *")
+  ostrakan schedule --site DIR list [--json]
+  ostrakan schedule --site DIR remove ID
+      Gathering that runs itself. A list schedule queues one run per keyword (the sample
+      term when none is given) over the pages; an ID schedule queues the N numbers after
+      the last range the rule gathered, so a site that publishes new numbers is followed
+      as it grows. A new schedule is due at once, then every INTERVAL (30m, 6h, 1d; a
+      minute or more) or at each local time the cron line names (minute and hour, each a
+      number or *). "ostrakan worker" queues and works what is due.
 
   ostrakan --help
       This text.
@@ -217,14 +252,24 @@ int Passwd(const std::vector<std::string>& args) {
   return RunPasswd(o, std::cout, std::cerr);
 }
 
-// The --help text of one command: its paragraph of the whole help.
+// The --help text of one command: its paragraphs of the whole help (gather has two forms,
+// schedule and rules several).
 std::string HelpFor(const std::string& command) {
   const std::string help = kHelp;
-  const size_t from = help.find("  ostrakan " + command + " ");
-  if (from == std::string::npos) return help;
-  size_t to = help.find("\n\n  ostrakan ", from);
-  to = to == std::string::npos ? help.size() : to + 1;
-  return "Usage:\n" + help.substr(from, to - from);
+  std::string text;
+  const std::string start = "  ostrakan " + command + " ";
+  for (size_t from = help.find(start); from != std::string::npos; from = help.find(start, from)) {
+    size_t to = help.find("\n\n  ostrakan ", from);
+    to = to == std::string::npos ? help.size() : to + 2;
+    if (from == 0 || help[from - 1] == '\n') text += help.substr(from, to - from);
+    from = to;
+  }
+  return text.empty() ? help : "Usage:\n" + text;
+}
+
+std::atomic<bool> workerStop{false};
+extern "C" void StopWorker(int) {
+  workerStop = true;
 }
 
 }  // namespace
@@ -253,6 +298,23 @@ int main(int argc, char** argv) {
     if (!options) return Usage(problem);
     options->terminal = isatty(STDOUT_FILENO);
     return RunGather(*options, std::cout, std::cerr);
+  }
+  if (command == "schedule") {
+    std::string problem;
+    auto options = ParseScheduleArgs({args.begin() + 1, args.end()}, problem);
+    if (!options) return Usage(problem);
+    return RunSchedule(*options, std::cout, std::cerr);
+  }
+  if (command == "worker") {
+    std::string problem;
+    auto options = ParseWorkerArgs({args.begin() + 1, args.end()}, problem);
+    if (!options) return Usage(problem);
+    // SIGINT and SIGTERM end the worker after its unit; a fetch under way gives up at once.
+    signal(SIGINT, StopWorker);
+    signal(SIGTERM, StopWorker);
+    ostrakan::http::WatchStopSignal(&workerStop);
+    options->stop = &workerStop;
+    return RunWorker(*options, std::cout, std::cerr);
   }
   return Usage("unknown command \"" + command + "\"");
 }

@@ -10,6 +10,7 @@
   <tr><th>管理员</th><td id="admin-name"><% InitFunction3 %></td></tr>
   <tr><th>上次登录地址</th><td id="last-ip"><% InitFunction4 %></td></tr>
   <tr><th>上次登录时间</th><td id="last-time"><% InitFunction5 %></td></tr>
+<% InitFunction6 %>
 </table>
 <p class="hint">欢迎使用 <%= WebSite_Title %> 管理后台。请从左侧菜单选择要管理的项目。</p>
 </body>

@@ -23,6 +23,9 @@
   <dt>编号采集</dt>
   <dd><a href="gather_id_web_manage.asp" target="main">编号采集网站</a></dd>
   <dd><a href="gather_id_web_add.asp" target="main">添加编号采集网站</a></dd>
+  <dt>自动采集</dt>
+  <dd><a href="gather_schedule.asp" target="main">定时采集</a></dd>
+  <dd><a href="gather_run_list.asp" target="main">采集记录</a></dd>
   <dt>搜索关键词</dt>
   <dd><a href="keyword_manage.asp" target="main">关键词管理</a></dd>
   <dt>系统管理</dt>

@@ -102,9 +102,12 @@ CREATE TABLE gather_id_web (
   "range" TEXT COLLATE NOCASE
 );
 
--- Headless gathering runs ("ostrakan gather"): one row per run, kept up to date after every
--- page, so that a stopped run can be resumed at `next`; `finished` stays NULL until it ends.
-CREATE TABLE gather_run (
+-- Gathering runs ("ostrakan gather", and those queued for "ostrakan worker"): one row per
+-- run, kept up to date after every page, so that a stopped run can be resumed at `next`;
+-- `finished` stays NULL until it ends. `state` is queued, running, done or stopped; a queued
+-- run (queued = 1) keeps the pacing its workers use. Sites made before the queue get the later
+-- columns from the program when it first opens the database.
+CREATE TABLE IF NOT EXISTS gather_run (
   id INTEGER PRIMARY KEY AUTOINCREMENT,
   kind TEXT NOT NULL,
   rule_id INTEGER NOT NULL,
@@ -119,6 +122,66 @@ CREATE TABLE gather_run (
   no_results INTEGER DEFAULT 0,
   failed INTEGER DEFAULT 0,
   started DATETIME,
-  finished DATETIME
+  finished DATETIME,
+  state TEXT,
+  unmatched INTEGER DEFAULT 0,
+  queued INTEGER DEFAULT 0,
+  delay_ms INTEGER DEFAULT 1000,
+  retries INTEGER DEFAULT 2,
+  retry_pause_ms INTEGER DEFAULT 1000
 );
-CREATE INDEX gather_run_rule ON gather_run (kind, rule_id, finished);
+CREATE INDEX IF NOT EXISTS gather_run_rule ON gather_run (kind, rule_id, finished);
+
+-- The run queue: one row per page or ID of a queued run. A worker leases a unit (lease_owner,
+-- lease_until in milliseconds since the epoch) by a conditional update; state is queued, done,
+-- failed or stopped; a failed fetch waits until not_before before it is tried again.
+CREATE TABLE IF NOT EXISTS gather_unit (
+  run_id INTEGER NOT NULL,
+  unit INTEGER NOT NULL,
+  host TEXT NOT NULL,
+  state TEXT NOT NULL,
+  attempts INTEGER DEFAULT 0,
+  not_before INTEGER DEFAULT 0,
+  lease_owner TEXT,
+  lease_until INTEGER,
+  why TEXT,
+  PRIMARY KEY (run_id, unit)
+);
+CREATE INDEX IF NOT EXISTS gather_unit_state ON gather_unit (state, not_before);
+
+-- Politeness between workers: one fetch at a time per remote host (the lease), and not before
+-- next_at (the run's pause after the previous fetch).
+CREATE TABLE IF NOT EXISTS gather_host (
+  host TEXT PRIMARY KEY,
+  lease_owner TEXT,
+  lease_until INTEGER,
+  next_at INTEGER DEFAULT 0
+);
+
+-- Schedules: runs that queue themselves (see "ostrakan schedule"). keywords are one per line;
+-- next_count is how many numbers an ID schedule gathers after the rule's last range; due_at
+-- is in milliseconds since the epoch.
+CREATE TABLE IF NOT EXISTS gather_schedule (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  kind TEXT NOT NULL,
+  rule_id INTEGER NOT NULL,
+  keywords TEXT,
+  first INTEGER,
+  last INTEGER,
+  next_count INTEGER,
+  every_seconds INTEGER,
+  cron TEXT,
+  due_at INTEGER NOT NULL,
+  delay_ms INTEGER,
+  retries INTEGER,
+  retry_pause_ms INTEGER
+);
+
+-- Rules whose last run matched none of the pages it fetched: since when, and an address.
+CREATE TABLE IF NOT EXISTS gather_rule_health (
+  kind TEXT NOT NULL,
+  rule_id INTEGER NOT NULL,
+  since DATETIME,
+  sample TEXT,
+  PRIMARY KEY (kind, rule_id)
+);

@@ -1,5 +1,11 @@
 #include "admin/desktop.h"
 
+#include "frame/data_access.h"
+#include "frame/page_blocks.h"
+#include "frame/request_context.h"
+#include "gathering/rule_health.h"
+#include "gathering/run_list.h"
+
 namespace ostrakan::admin {
 
 Desktop::Desktop() : GuardedPage(u"\\admin\\desktop") {
@@ -7,6 +13,9 @@ Desktop::Desktop() : GuardedPage(u"\\admin\\desktop") {
   Block(u"InitFunction3", &Desktop::WriteSignedInName);
   Block(u"InitFunction4", &Desktop::WriteLastSignInAddress);
   Block(u"InitFunction5", &Desktop::WriteLastSignInTime);
+  Block(u"InitFunction6", &Desktop::WriteGathering);
+  Property(u"conn", conn);
+  Property(u"connstr", connstr);
 }
 
 void Desktop::WriteSignedInName() {
@@ -19,6 +28,24 @@ void Desktop::WriteLastSignInAddress() {
 
 void Desktop::WriteLastSignInTime() {
   WriteSessionValue(u"login_time");
+}
+
+void Desktop::WriteGathering() {
+  OpenConnection(*this, u"InitFunction6", DB, connstr, conn);
+  ado::Connection& connection = ConnectionOf(conn);
+  const gathering::TodaysRuns today = gathering::RunsOfToday(connection);
+  auto number = [](long long n) { return HtmlText(CStr(Variant(static_cast<double>(n)))); };
+  Response& out = CurrentResponse();
+  out.Write(u"<tr><th>今日采集</th><td id=\"gather-today\"><a href=\"gather_run_list.asp\">" +
+            number(today.runs) + u" 个任务</a>，新增记录 " + number(today.inserted) +
+            u" 条</td></tr>");
+  for (const gathering::MarkedRule& rule : gathering::MarkedRules(connection))
+    out.Write(u"<tr><th>需要注意的规则</th><td class=\"warn\">" +
+              (rule.kind == u"id" ? Markup(u"编号采集 ") : Markup(u"列表采集 ")) +
+              number(rule.ruleId) + u" " + HtmlText(rule.name) + u"：" +
+              Markup(gathering::kRuleMayBeBroken) + u"（" + HtmlText(rule.warning.since) + u"，" +
+              HtmlText(rule.warning.sample) + u"）</td></tr>");
+  CloseAndRelease(conn);
 }
 
 }  // namespace ostrakan::admin

@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "gathering/id_rule_store.h"
+#include "gathering/rule_health.h"
 
 namespace ostrakan::admin {
 
@@ -12,9 +13,10 @@ IdRuleList::IdRuleList() : DatabasePage(u"\\admin\\gather_id_web_manage") {
 }
 
 void IdRuleList::WriteRuleRows() {
+  const auto marked = gathering::MarkedRuleIds(ConnectionOf(conn), u"id");
   ado::Recordset& rows =
       OpenRecordset(rs, u"select id,web,range from gather_id_web order by id desc", conn);
-  gathering::WriteIdRuleRows(CurrentResponse(), rows);
+  gathering::WriteIdRuleRows(CurrentResponse(), rows, marked);
   CloseAndRelease(rs);
   CloseAndRelease(conn);
 }

@@ -2,6 +2,7 @@
 
 #include "frame/data_access.h"
 #include "frame/escape.h"
+#include "gathering/rule_health.h"
 
 namespace ostrakan::admin {
 
@@ -14,6 +15,7 @@ ListRuleList::ListRuleList() : DatabasePage(u"\\admin\\gather_list_web_manage") 
 }
 
 void ListRuleList::WriteRuleRows() {
+  const auto marked = gathering::MarkedRuleIds(ConnectionOf(conn), u"list");
   ado::Recordset& rules =
       OpenRecordset(rs, u"select id,web from gather_list_web order by id desc", conn);
   Markup out;
@@ -22,6 +24,9 @@ void ListRuleList::WriteRuleRows() {
     web = rules.Field(u"web");
     const Markup n = UrlQuery(TextOf(id));
     out += u"<tr><td>" + HtmlText(TextOf(web)) +
+           (marked.contains(static_cast<long long>(CDbl(id)))
+                ? u" <span class=\"warn\">" + Markup(gathering::kRuleMayBeBroken) + u"</span>"
+                : Markup()) +
            u"</td><td><span class=\"action\" onclick=\"window.open("
            u"'gather_list_web_verify.asp?id=" +
            n +

@@ -46,6 +46,8 @@
 #include "admin/record_entry_form.h"
 #include "admin/record_list.h"
 #include "admin/record_search.h"
+#include "admin/run_journal_page.h"
+#include "admin/schedule_page.h"
 #include "admin/sign_in.h"
 #include "admin/sign_out.h"
 #include "admin/site_rebuild_start.h"
@@ -122,6 +124,8 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class37", Make<admin::ListRuleTrial>},       // gather_list_web_verify.asp
       {u"Ostrakan.Class54", Make<admin::ListGatherStep>},      // gather_list_db_ok.asp
       {u"Ostrakan.Class66", Make<admin::ListGatherStart>},     // gather_list_db.asp
+      {u"Ostrakan.Class170", Make<admin::RunJournalPage>},     // gather_run_list.asp
+      {u"Ostrakan.Class171", Make<admin::SchedulePage>},       // gather_schedule.asp
       // ID-site gathering rules
       {u"Ostrakan.Class38", Make<admin::IdRuleList>},        // gather_id_web_manage.asp
       {u"Ostrakan.Class41", Make<admin::IdRuleFileWriter>},  // gather_id_web_update.asp

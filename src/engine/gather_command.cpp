@@ -11,9 +11,7 @@
 #include "engine/commands.h"
 #include "engine/site_setup.h"
 #include "frame/error_log.h"
-#include "gathering/headless_run.h"
-#include "gathering/id_rule_store.h"
-#include "gathering/list_extraction.h"
+#include "gathering/rule_run.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -79,6 +77,8 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
     };
     if (a == "--json") {
       o.json = true;
+    } else if (a == "--queue") {
+      o.queue = true;
     } else if (a == "--resume") {
       o.resume = true;
     } else if (a == "--site") {
@@ -138,6 +138,10 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
     problem = "an ID rule takes --ids FIRST-LAST, not --pages or --keyword";
     return std::nullopt;
   }
+  if (o.queue && o.resume) {
+    problem = "a queued run cannot --resume; the workers carry queued runs through";
+    return std::nullopt;
+  }
   if (o.kind == "id" && !haveIds && !o.resume) {
     problem = "an ID rule needs --ids FIRST-LAST";
     return std::nullopt;
@@ -151,100 +155,112 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
   return o;
 }
 
-int RunGather(const GatherOptions& o, std::ostream& out, std::ostream& err) {
-  if (std::string problem = CheckSite(o.site); !problem.empty()) {
-    err << "ostrakan gather: " << problem << "\n";
-    return 1;
+std::shared_ptr<ado::Connection> OpenSiteDatabase(const std::filesystem::path& site,
+                                                  const std::string& command, std::ostream& err) {
+  if (std::string problem = CheckSite(site); !problem.empty()) {
+    err << "ostrakan " << command << ": " << problem << "\n";
+    return nullptr;
   }
-  SetErrorLogPath(o.site / "data" / "PagebindLog.Log");
+  SetErrorLogPath(site / "data" / "PagebindLog.Log");
+  auto conn = std::make_shared<ado::Connection>();  // record sets keep their connection
+  conn->Open(u"DBQ=" + FromUtf8(LoadSiteSetup(site).DatabasePath(site).string()) + u";");
+  // Each page is one commit; in WAL mode NORMAL keeps every commit through a crash of this
+  // process (what --resume relies on) without a flush to disk per page.
+  conn->Execute(u"pragma synchronous = NORMAL");
+  return conn;
+}
+
+int RunGather(const GatherOptions& o, std::ostream& out, std::ostream& err) {
   try {
-    auto shared = std::make_shared<ado::Connection>();  // record sets keep their connection
-    ado::Connection& conn = *shared;
-    conn.Open(u"DBQ=" + FromUtf8(LoadSiteSetup(o.site).DatabasePath(o.site).string()) + u";");
-    gathering::EnsureRunJournal(conn);
-    // Each page is one commit; in WAL mode NORMAL keeps every commit through a crash of this
-    // process (what --resume relies on) without a flush to disk per page.
-    conn.Execute(u"pragma synchronous = NORMAL");
+    std::shared_ptr<ado::Connection> conn = OpenSiteDatabase(o.site, "gather", err);
+    if (!conn) return 1;
     const bool ids = o.kind == "id";
-    const std::u16string kind = FromUtf8(o.kind);
     const char* unit = ids ? "ID" : "page";
-    std::optional<gathering::ListRule> listRule;
-    std::optional<gathering::IdRule> idRule;
-    if (ids)
-      idRule = gathering::LoadIdRule(conn, o.ruleId);
-    else
-      listRule = gathering::LoadListRule(conn, o.ruleId);
-    if (!listRule && !idRule) {
+    gathering::RunRequest request;
+    request.kind = FromUtf8(o.kind);
+    request.ruleId = o.ruleId;
+    if (o.keyword) request.keyword = FromUtf8(*o.keyword);
+    request.first = o.first;
+    request.last = o.last;
+    request.rangeGiven = o.rangeGiven;
+    request.resume = o.resume;
+    request.pacing = {o.delayMs, o.retries, o.retryPauseMs};
+    auto noRule = [&] {
       err << "ostrakan gather: there is no " << (ids ? "ID" : "list") << " rule number " << o.ruleId
           << " in this site\n";
       return 1;
-    }
+    };
 
-    std::optional<gathering::JournalRun> run;
-    if (o.resume) run = gathering::LastUnfinishedRun(conn, kind, o.ruleId);
-    if (!run && ids && o.resume && !o.rangeGiven) {
-      err << "ostrakan gather: there is no unfinished run of ID rule " << o.ruleId
-          << " to resume, so --ids FIRST-LAST is needed\n";
-      return 1;
-    }
-    if (run) {
-      out << "resuming run " << run->id << " of rule " << o.ruleId << " at " << unit << " "
-          << run->next << " of " << run->first << "-" << run->last << "\n";
-    } else {
-      std::u16string keyword;
-      if (!ids)
-        keyword = o.keyword ? FromUtf8(*o.keyword) : std::u16string(gathering::kSampleKeyword);
-      run = gathering::StartRun(conn, kind, o.ruleId, keyword, o.first, o.last);
+    if (o.queue) {
+      const std::optional<long long> id = gathering::QueueRule(*conn, request);
+      if (!id) return noRule();
+      out << (o.json ? "{\"run\":" : "queued run ") << *id << (o.json ? "}\n" : "\n");
+      out.flush();
+      return 0;
     }
 
     std::shared_ptr<http::Fetcher> fetcher = o.fetcher ? o.fetcher : http::MakeCurlFetcher();
-    gathering::PacedFetcher paced(*fetcher, {o.delayMs, o.retries, o.retryPauseMs});
-    gathering::GatherUnit units = ids ? gathering::IdPages(*idRule, paced)
-                                      : gathering::ListPages(*listRule, run->keyword, paced);
-    const gathering::SourceSite source = ids ? gathering::SourceSite{idRule->web, idRule->url}
-                                             : gathering::SourceSite{listRule->web, listRule->url};
-
     const auto started = Clock::now();
-    const long resumedAt = run->next;
-    gathering::RunReport report;
-    report.progress = [&](const gathering::JournalRun& r) {
+    long resumedAt = o.first, previousEntries = 0;
+    gathering::RunEvents events;
+    events.resumed = [&](const gathering::JournalRun& r) {
+      resumedAt = r.next;
+      previousEntries = r.counts.entries;
+      out << "resuming run " << r.id << " of rule " << o.ruleId << " at " << unit << " " << r.next
+          << " of " << r.first << "-" << r.last << "\n"
+          << std::flush;
+    };
+    events.progress = [&](const gathering::JournalRun& r) {
       if (o.terminal) {
         std::chrono::duration<double> elapsed = Clock::now() - started;
         DrawBar(out, r, ids ? "IDs" : "pages", r.next - resumedAt, elapsed.count());
       } else {
+        // Each page's own count, then the running totals; written at once (cron keeps what a
+        // killed run said).
         const auto& c = r.counts;
-        out << unit << " " << r.next - 1 << " done: " << c.entries << " entries, " << c.inserted
-            << " inserted, " << c.updated << " updated, " << c.failed << " failed\n";
+        out << unit << " " << r.next - 1 << " done: " << c.entries - previousEntries << " entries ("
+            << c.entries << " in all), " << c.inserted << " inserted, " << c.updated << " updated, "
+            << c.failed << " failed" << std::endl;
       }
+      previousEntries = r.counts.entries;
     };
-    report.failure = [&](long n, const std::string& why) {
+    events.failure = [&](long n, const std::string& why) {
       if (o.terminal) out << "\n";
-      out << unit << " " << n << " failed: " << why << "\n";
+      out << unit << " " << n << " failed: " << why << std::endl;
     };
-    gathering::WalkRun(conn, *run, source, units, report);
+    const gathering::RunResult result = gathering::GatherRule(*conn, request, *fetcher, events);
+    if (result.status == gathering::RunStatus::NoRule) return noRule();
+    if (result.status == gathering::RunStatus::NothingToResume) {
+      err << "ostrakan gather: there is no unfinished run of ID rule " << o.ruleId
+          << " to resume, so --ids FIRST-LAST is needed\n";
+      return 1;
+    }
     if (o.terminal) out << "\n";
-    if (ids) gathering::WriteIdRange(conn, o.ruleId, run->first, run->last);
 
-    const auto& c = run->counts;
+    const auto& c = result.run.counts;
     if (ids) {
       out << "rule " << o.ruleId << ": " << c.pages << " IDs, " << c.inserted << " inserted, "
-          << c.updated << " updated, " << c.noResults << " without data, " << c.failed
-          << " failed\n";
+          << c.updated << " updated, " << c.noResults << " without data, " << c.unmatched
+          << " unmatched, " << c.failed << " failed\n";
       if (o.json)
         out << "{\"ids\":" << c.pages << ",\"inserted\":" << c.inserted
             << ",\"updated\":" << c.updated << ",\"no_data\":" << c.noResults
-            << ",\"failed\":" << c.failed << "}\n";
+            << ",\"failed\":" << c.failed << ",\"unmatched\":" << c.unmatched << "}\n";
     } else {
       out << "rule " << o.ruleId << ": " << c.pages << " pages, " << c.entries << " entries, "
           << c.inserted << " inserted, " << c.updated << " updated, " << c.noResults
-          << " without results, " << c.failed << " failed\n";
+          << " without results, " << c.unmatched << " unmatched, " << c.failed << " failed\n";
       if (o.json)
         out << "{\"pages\":" << c.pages << ",\"entries\":" << c.entries
             << ",\"inserted\":" << c.inserted << ",\"updated\":" << c.updated
-            << ",\"no_results\":" << c.noResults << ",\"failed\":" << c.failed << "}\n";
+            << ",\"no_results\":" << c.noResults << ",\"failed\":" << c.failed
+            << ",\"unmatched\":" << c.unmatched << "}\n";
     }
+    if (result.ruleMatchedNothing)
+      err << "ostrakan gather: rule " << o.ruleId
+          << " matched nothing on the pages it fetched; its remote site may have changed\n";
     out.flush();
-    return 0;
+    return result.ruleMatchedNothing ? 3 : 0;
   } catch (const ScriptError& e) {
     err << "ostrakan gather: the database failed: " << ToUtf8(e.description) << "\n";
     return 1;

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/ado/connection.h"
 #include "platform/http/fetcher.h"
 
 namespace ostrakan::engine {
@@ -25,6 +26,7 @@ struct GatherOptions {
   int retryPauseMs = 1000;
   bool json = false;
   bool resume = false;
+  bool queue = false;                      // record the run for the workers instead of running it
   bool rangeGiven = false;                 // --pages or --ids was given
   bool terminal = false;                   // draw a progress bar instead of lines
   std::shared_ptr<http::Fetcher> fetcher;  // the libcurl fetcher when null
@@ -34,8 +36,14 @@ struct GatherOptions {
 std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& args,
                                              std::string& problem);
 
-// Runs the gathering; returns the exit status (0 when the run went through, failed fetches
-// included; 1 with one sentence on `err` for a missing site or rule).
+// Runs the gathering, or queues it; returns the exit status: 0 when the run went through
+// (failed fetches included) or was queued, 3 when the rule matched none of the pages it
+// fetched, 1 with one sentence on `err` for a missing site or rule or a failing database.
 int RunGather(const GatherOptions& options, std::ostream& out, std::ostream& err);
+
+// Checks the site and opens its database for a headless command; nullptr after one sentence
+// "ostrakan COMMAND: ..." on `err`. Raises ScriptError when the database cannot be opened.
+std::shared_ptr<ado::Connection> OpenSiteDatabase(const std::filesystem::path& site,
+                                                  const std::string& command, std::ostream& err);
 
 }  // namespace ostrakan::engine

@@ -21,8 +21,24 @@ std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
     http::FetchResult r = fetcher_.Get(wire);
     last_ = std::chrono::steady_clock::now();
     if (r.completed && r.status == 200) return text::BytesToBstr(r.body, charset);
+    why_ = r.completed ? "status " + std::to_string(r.status) : r.error;
   }
   return std::nullopt;
+}
+
+void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
+                  const std::function<void(const std::string& why)>& refused) {
+  for (GatheredRecord& record : records) {
+    for (std::u16string* text : {&record.title, &record.content, &record.url, &record.image})
+      std::erase(*text, u'\0');
+    ++counts.entries;
+    try {
+      ++(store.Store(record) == StoreOutcome::Inserted ? counts.inserted : counts.updated);
+    } catch (const ScriptError& e) {
+      if (refused)
+        refused("entry \"" + ToUtf8(record.url) + "\" not stored: " + ToUtf8(e.description));
+    }
+  }
 }
 
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
@@ -47,14 +63,13 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
       case UnitOutcome::NoResults:
         ++c.noResults;
         break;
+      case UnitOutcome::Unmatched:
+        ++c.unmatched;
+        break;
       case UnitOutcome::Gathered:
-        for (const GatheredRecord& record : result.records) {
-          ++c.entries;
-          if (store.Store(record) == StoreOutcome::Inserted)
-            ++c.inserted;
-          else
-            ++c.updated;
-        }
+        StoreEntries(store, result.records, c, [&](const std::string& why) {
+          if (report.failure) report.failure(unit, why);
+        });
         break;
     }
     run.next = unit + 1;
@@ -72,18 +87,24 @@ GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher&
     UnitResult result;
     try {
       const std::u16string address = PageAddress(extractor->rule(), word, page);
+      result.address = address;
       std::optional<std::u16string> html = fetcher.Fetch(address, extractor->rule().charset);
       if (!html) {
         result.outcome = UnitOutcome::Failed;
-        result.why = "could not fetch " + ToUtf8(address);
+        result.why = ToUtf8(address) + ": " + fetcher.why();
         return result;
       }
       auto outcome = extractor->Cut(*html, [&](const ListEntry& e) {
         result.records.push_back({e.title, e.content, StoredLink(e.url), e.image});
       });
-      if (outcome == ListExtractor::Outcome::NoResults) result.outcome = UnitOutcome::NoResults;
+      if (outcome == ListExtractor::Outcome::NoResults)
+        result.outcome = UnitOutcome::NoResults;
+      else if (result.records.empty())
+        result.outcome = UnitOutcome::Unmatched;
     } catch (const ScriptError& e) {
-      result = {UnitOutcome::Failed, {}, "the rule cannot cut the page: " + ToUtf8(e.description)};
+      result.outcome = UnitOutcome::Failed;
+      result.records.clear();
+      result.why = "the rule cannot cut the page: " + ToUtf8(e.description);
     }
     return result;
   };
@@ -94,11 +115,12 @@ GatherUnit IdPages(const IdRule& rule, PacedFetcher& fetcher) {
   return [extractor, rule, &fetcher](long id) {
     UnitResult result;
     const std::u16string address = IdPageAddress(rule.gather_url, FromUtf8(std::to_string(id)));
+    result.address = address;
     try {
       std::optional<std::u16string> html = fetcher.Fetch(address, rule.charset);
       if (!html) {
         result.outcome = UnitOutcome::Failed;
-        result.why = "could not fetch " + ToUtf8(address);
+        result.why = ToUtf8(address) + ": " + fetcher.why();
         return result;
       }
       IdEntry entry = extractor->Extract(*html, rule);
@@ -106,10 +128,16 @@ GatherUnit IdPages(const IdRule& rule, PacedFetcher& fetcher) {
         result.outcome = UnitOutcome::NoResults;
         return result;
       }
+      if (entry.title.empty()) {
+        result.outcome = UnitOutcome::Unmatched;
+        return result;
+      }
       result.records.push_back(
           {std::move(entry.title), std::move(entry.description), StoredLink(address), u""});
     } catch (const ScriptError& e) {
-      result = {UnitOutcome::Failed, {}, "the rule cannot cut the page: " + ToUtf8(e.description)};
+      result.outcome = UnitOutcome::Failed;
+      result.records.clear();
+      result.why = "the rule cannot cut the page: " + ToUtf8(e.description);
     }
     return result;
   };

@@ -29,25 +29,31 @@ struct PacedFetch {
 
 // Fetches an address (non-ASCII sent as GBK bytes) and decodes it with the charset, waiting
 // `delayMs` since the previous fetch and retrying failures. Only a final 200 gives text;
-// nullopt after the last failed attempt.
+// nullopt after the last failed attempt, with why() saying what went wrong with it.
 class PacedFetcher {
  public:
   PacedFetcher(http::Fetcher& fetcher, PacedFetch pacing) : fetcher_(fetcher), pacing_(pacing) {}
   std::optional<std::u16string> Fetch(std::u16string_view address, std::u16string_view charset);
+  // Why the last failed fetch failed: "status 404", "time-out ...", "refused redirect ...".
+  const std::string& why() const { return why_; }
 
  private:
+  std::string why_;
   http::Fetcher& fetcher_;
   PacedFetch pacing_;
   std::optional<std::chrono::steady_clock::time_point> last_;
 };
 
-// What one unit gave: its entries, no results, or a failure (a fetch that did not succeed,
-// or a rule that could not cut the page; `why` says which).
-enum class UnitOutcome { Gathered, NoResults, Failed };
+// What one unit gave: its entries, no results, a page the rule did not match at all (a list
+// page with neither an entry nor the no-results marker, an ID page with neither a title nor
+// the error marker: the remote markup may have changed), or a failure (a fetch that did not
+// succeed, or a rule that could not cut the page; `why` says which).
+enum class UnitOutcome { Gathered, NoResults, Unmatched, Failed };
 struct UnitResult {
   UnitOutcome outcome = UnitOutcome::Gathered;
   std::vector<GatheredRecord> records;
   std::string why;
+  std::u16string address;  // the page fetched
 };
 
 // Fetches and cuts one unit (a page number or an ID). Runs outside any transaction.
@@ -57,6 +63,12 @@ struct RunReport {
   std::function<void(const JournalRun&)> progress;                 // after each unit
   std::function<void(long unit, const std::string& why)> failure;  // a failed unit
 };
+
+// Stores a unit's records, counting entries, inserted and updated. Remote text never stops a
+// run: NUL characters are dropped, and an entry the database still refuses is left out and
+// reported through `refused` (may be empty) instead of failing the unit.
+void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
+                  const std::function<void(const std::string& why)>& refused);
 
 // Walks run.next .. run.last: gathers each unit, then stores its records and the journal
 // update in one write transaction; marks the run finished at the end.

@@ -5,6 +5,7 @@
 #include "frame/escape.h"
 #include "frame/filtration.h"
 #include "frame/response.h"
+#include "gathering/rule_health.h"
 
 namespace ostrakan::gathering {
 
@@ -16,14 +17,17 @@ constexpr char16_t kVerifyWindow[] =
 
 }  // namespace
 
-void WriteIdRuleRows(Response& out, ado::Recordset& rows) {
+void WriteIdRuleRows(Response& out, ado::Recordset& rows, const std::set<long long>& marked) {
   Markup html;
   for (; !rows.Eof(); rows.MoveNext()) {
     // The key is a number; it still goes through the escaping of each place it lands in.
     const std::u16string id = TextOf(rows.Field(u"id"));
     const Markup idInScript = HtmlAttr(JsString(id).text());
     html += u"            <tr>\r\n";
-    html += u"<td bgcolor=\"#FFFFFF\">" + HtmlText(TextOf(rows.Field(u"web"))) + u"</td>\r\n";
+    html += u"<td bgcolor=\"#FFFFFF\">" + HtmlText(TextOf(rows.Field(u"web")));
+    if (marked.contains(static_cast<long long>(CDbl(rows.Field(u"id")))))
+      html += u" <span class=\"warn\">" + Markup(kRuleMayBeBroken) + u"</span>";
+    html += u"</td>\r\n";
     html += u"<td bgcolor=\"#FFFFFF\" align=\"center\">" + HtmlText(TextOf(rows.Field(u"range"))) +
             u"</td>\r\n";
     html +=

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 
 #include "core/variant.h"
 #include "gathering/id_rule.h"
@@ -22,7 +23,8 @@ namespace ostrakan::gathering {
 // Writes one table row per rule of `rows` (a set on "select id,web,range ..."), in the set's
 // order: site name, range, then the test, gather, edit and delete actions. The set is read to
 // its end.
-void WriteIdRuleRows(Response& out, ado::Recordset& rows);
+// Rules whose ids are in `marked` show "规则可能失效" beside their name.
+void WriteIdRuleRows(Response& out, ado::Recordset& rows, const std::set<long long>& marked = {});
 
 // The nine fields of the set's current row (Null reads as empty text).
 IdRule ReadIdRule(const ado::Recordset& row);

@@ -1,5 +1,11 @@
 #include "gathering/run_journal.h"
 
+#include <unistd.h>
+#include <initializer_list>
+#include <mutex>
+#include <random>
+
+#include "core/script_error.h"
 #include "platform/ado/recordset.h"
 #include "platform/clock.h"
 
@@ -8,6 +14,17 @@ namespace {
 
 Variant Number(long long n) {
   return Variant(static_cast<double>(n));
+}
+
+// Whether `table` has `column` (a query naming it fails when it does not).
+bool HasColumn(ado::Connection& conn, std::u16string_view table, std::u16string_view column) {
+  try {
+    conn.Execute(u"select " + std::u16string(column) + u" from " + std::u16string(table) +
+                 u" where 1 = 0");
+    return true;
+  } catch (const ScriptError&) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -22,25 +39,79 @@ void EnsureRunJournal(ado::Connection& conn) {
       u"started datetime, finished datetime)");
   conn.Execute(
       u"create index if not exists gather_run_rule on gather_run (kind, rule_id, finished)");
+  // Columns a database made before the queue lacks; the same as in data/schema.sql.
+  for (const auto& [column, type] :
+       std::initializer_list<std::pair<const char16_t*, const char16_t*>>{
+           {u"state", u"text"},
+           {u"unmatched", u"integer default 0"},
+           {u"queued", u"integer default 0"},
+           {u"delay_ms", u"integer default 1000"},
+           {u"retries", u"integer default 2"},
+           {u"retry_pause_ms", u"integer default 1000"}})
+    if (!HasColumn(conn, u"gather_run", column))
+      conn.Execute(u"alter table gather_run add column " + std::u16string(column) + u" " + type);
+  conn.Execute(
+      u"create table if not exists gather_unit (run_id integer not null, unit integer not null, "
+      u"host text not null, state text not null, attempts integer default 0, "
+      u"not_before integer default 0, lease_owner text, lease_until integer, why text, "
+      u"primary key (run_id, unit))");
+  conn.Execute(u"create index if not exists gather_unit_state on gather_unit (state, not_before)");
+  conn.Execute(
+      u"create table if not exists gather_host (host text primary key, lease_owner text, "
+      u"lease_until integer, next_at integer default 0)");
+  conn.Execute(
+      u"create table if not exists gather_rule_health (kind text not null, rule_id integer not "
+      u"null, since datetime, sample text, primary key (kind, rule_id))");
+  conn.Execute(
+      u"create table if not exists gather_schedule (id integer primary key autoincrement, "
+      u"kind text not null, rule_id integer not null, keywords text, first integer, "
+      u"last integer, next_count integer, every_seconds integer, cron text, "
+      u"due_at integer not null, delay_ms integer, retries integer, retry_pause_ms integer)");
 }
 
 JournalRun StartRun(ado::Connection& conn, std::u16string kind, long long ruleId,
                     std::u16string keyword, long first, long last) {
   JournalRun run{0, std::move(kind), ruleId, std::move(keyword), first, last, first, {}};
-  conn.Execute(
-      u"insert into gather_run (kind, rule_id, keyword, first, last, next, started) "
-      u"values (?, ?, ?, ?, ?, ?, ?)",
-      {Variant(run.kind), Number(ruleId), Variant(run.keyword), Number(first), Number(last),
-       Number(first), Variant(IsoDate(CurrentClock().Now()))});
-  run.id = static_cast<long long>(CDbl(conn.Execute(u"select last_insert_rowid()")->FieldAt(0)));
+  run.id = InsertRun(conn, run, false, {});
   return run;
+}
+
+std::string NewOwnerName() {
+  static std::mt19937_64 random{std::random_device{}()};
+  static std::mutex mutex;
+  char host[64] = "";
+  gethostname(host, sizeof host - 1);
+  std::lock_guard lock(mutex);
+  return std::string(host) + ":" + std::to_string(getpid()) + ":" +
+         std::to_string(random() % 1000000007);
+}
+
+long long InsertRun(ado::Connection& conn, const JournalRun& run, bool queued,
+                    const RunPacing& pacing) {
+  // The state holds a marker of this insert alone until the id has been read back by it, which
+  // works on every backend.
+  const std::u16string tag = u"new " + FromUtf8(NewOwnerName());
+  conn.Execute(
+      u"insert into gather_run (kind, rule_id, keyword, first, last, next, started, state, "
+      u"queued, delay_ms, retries, retry_pause_ms) values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+      {Variant(run.kind), Number(run.ruleId), Variant(run.keyword), Number(run.first),
+       Number(run.last), Number(run.first),
+       queued ? Variant::Null() : Variant(IsoDate(CurrentClock().Now())), Variant(tag),
+       Number(queued ? 1 : 0), Number(pacing.delayMs), Number(pacing.retries),
+       Number(pacing.retryPauseMs)});
+  auto rs = conn.Execute(u"select id from gather_run where state = ?", {Variant(tag)});
+  const long long id = static_cast<long long>(CDbl(rs->FieldAt(0)));
+  rs->Close();
+  conn.Execute(u"update gather_run set state = ? where id = ?",
+               {Variant(std::u16string(queued ? kRunQueued : kRunRunning)), Number(id)});
+  return id;
 }
 
 std::optional<JournalRun> LastUnfinishedRun(ado::Connection& conn, std::u16string_view kind,
                                             long long ruleId) {
   auto rs = conn.Execute(
       u"select * from gather_run where kind = ? and rule_id = ? and finished is null "
-      u"order by id desc limit 1",
+      u"and (queued is null or queued = 0) order by id desc limit 1",
       {Variant(kind), Number(ruleId)});
   if (rs->Eof()) return std::nullopt;
   JournalRun run;
@@ -52,8 +123,8 @@ std::optional<JournalRun> LastUnfinishedRun(ado::Connection& conn, std::u16strin
   run.first = n(u"first");
   run.last = n(u"last");
   run.next = n(u"next");
-  run.counts = {n(u"pages"),   n(u"entries"),    n(u"inserted"),
-                n(u"updated"), n(u"no_results"), n(u"failed")};
+  run.counts = {n(u"pages"),      n(u"entries"), n(u"inserted"), n(u"updated"),
+                n(u"no_results"), n(u"failed"),  n(u"unmatched")};
   rs->Close();
   return run;
 }
@@ -62,10 +133,11 @@ void RecordProgress(ado::Connection& conn, const JournalRun& run, bool finished)
   const RunCounts& c = run.counts;
   conn.Execute(
       u"update gather_run set next = ?, pages = ?, entries = ?, inserted = ?, updated = ?, "
-      u"no_results = ?, failed = ?, finished = ? where id = ?",
+      u"no_results = ?, failed = ?, unmatched = ?, finished = ?, state = ? where id = ?",
       {Number(run.next), Number(c.pages), Number(c.entries), Number(c.inserted), Number(c.updated),
-       Number(c.noResults), Number(c.failed),
-       finished ? Variant(IsoDate(CurrentClock().Now())) : Variant::Null(), Number(run.id)});
+       Number(c.noResults), Number(c.failed), Number(c.unmatched),
+       finished ? Variant(IsoDate(CurrentClock().Now())) : Variant::Null(),
+       Variant(std::u16string(finished ? kRunDone : kRunRunning)), Number(run.id)});
 }
 
 }  // namespace ostrakan::gathering

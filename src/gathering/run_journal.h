@@ -11,7 +11,7 @@
 namespace ostrakan::gathering {
 
 struct RunCounts {
-  long pages = 0, entries = 0, inserted = 0, updated = 0, noResults = 0, failed = 0;
+  long pages = 0, entries = 0, inserted = 0, updated = 0, noResults = 0, failed = 0, unmatched = 0;
 };
 
 struct JournalRun {
@@ -23,14 +23,34 @@ struct JournalRun {
   RunCounts counts;
 };
 
-// Creates the table when the database predates it.
+// Creates the journal and the queue's tables when the database predates them, and adds the
+// columns that later versions gave gather_run (state, unmatched, queued, pacing).
 void EnsureRunJournal(ado::Connection& conn);
+
+// A run's state: "queued", "running", "done" or "stopped".
+inline constexpr std::u16string_view kRunQueued = u"queued", kRunRunning = u"running",
+                                     kRunDone = u"done", kRunStopped = u"stopped";
 
 // Starts a run (next = first) and returns it with its id.
 JournalRun StartRun(ado::Connection& conn, std::u16string kind, long long ruleId,
                     std::u16string keyword, long first, long last);
 
-// The last unfinished run of this kind and rule, if any.
+// The pacing a queued run keeps for its workers.
+struct RunPacing {
+  int delayMs = 1000, retries = 2, retryPauseMs = 1000;
+};
+
+// Inserts the journal row of `run` (its id is ignored) and returns the new id, read back by a
+// unique marker so that it works on every backend. A queued run waits in state "queued"
+// without a start time; any other starts "running" now.
+long long InsertRun(ado::Connection& conn, const JournalRun& run, bool queued,
+                    const RunPacing& pacing);
+
+// A name unique to this process and call: "host:pid:random", for leases and markers.
+std::string NewOwnerName();
+
+// The last unfinished run of this kind and rule started by `ostrakan gather` (not one of the
+// queue's), if any.
 std::optional<JournalRun> LastUnfinishedRun(ado::Connection& conn, std::u16string_view kind,
                                             long long ruleId);
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Checks the files of deploy/ with the tools that will read them: `nginx -t` on the nginx site
-# and `systemd-analyze verify` on the unit (which must print nothing about it: unknown keys and
+# and `systemd-analyze verify` on the units (which must print nothing about it: unknown keys and
 # bad values are only warnings there). Exits 77, "skipped", when neither tool is installed.
 # Usage: check_deploy.sh SOURCE_DIR OSTRAKAN_BINARY
 set -uo pipefail
@@ -34,17 +34,19 @@ else
 fi
 
 if command -v systemd-analyze >/dev/null; then
-  # The unit names the installed binary; the check needs one that exists.
-  sed "s#/usr/local/bin/ostrakan#$binary#" "$src/deploy/ostrakan.service" >"$tmp/ostrakan.service"
-  out=$(systemd-analyze verify "$tmp/ostrakan.service" 2>&1)
-  rc=$?
-  if ((rc != 0)) || grep -q "ostrakan" <<<"$out"; then
-    echo "deploy: systemd-analyze verify finds problems in deploy/ostrakan.service:"
-    echo "$out"
-    status=1
-  else
-    echo "deploy: systemd-analyze verify accepts deploy/ostrakan.service"
-  fi
+  # The units name the installed binary; the check needs one that exists.
+  for unit in ostrakan.service ostrakan-worker.service; do
+    sed "s#/usr/local/bin/ostrakan#$binary#" "$src/deploy/$unit" >"$tmp/$unit"
+    out=$(systemd-analyze verify "$tmp/$unit" 2>&1)
+    rc=$?
+    if ((rc != 0)) || grep -q "ostrakan" <<<"$out"; then
+      echo "deploy: systemd-analyze verify finds problems in deploy/$unit:"
+      echo "$out"
+      status=1
+    else
+      echo "deploy: systemd-analyze verify accepts deploy/$unit"
+    fi
+  done
   checked=1
 else
   echo "deploy: systemd-analyze is not installed; the unit is not checked"

@@ -1,6 +1,8 @@
 // Fetching and decoding against the fixture remote site on loopback.
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 
 #include "gathering/page_fetch.h"
@@ -64,6 +66,41 @@ TEST_F(FetchTest, OnlyAFinalOkGivesABodyAndEveryFailureOrLimitGivesNothing) {
   // Schemes other than http and https are refused before anything is sent.
   EXPECT_EQ(gathering::GetHttpPage(ObjectFactory::Default(), u"file:///etc/passwd", u"utf-8"), u"");
   EXPECT_EQ(gathering::GetHttpPage(ObjectFactory::Default(), u"", u"utf-8"), u"");
+}
+
+// A failed fetch says why, in words a log reader understands.
+TEST_F(FetchTest, AFailedFetchSaysWhy) {
+  http::FetchLimits quick;
+  quick.totalTimeoutMs = 300;
+  quick.maxBodyBytes = 1024;
+  auto fetcher = http::MakeCurlFetcher(quick);
+  site_.Set("/slow", RemoteReply(200, "late").Delay(3000));
+  site_.Set("/huge", {200, std::string(4096, 'x')});
+  EXPECT_EQ(fetcher->Get(site_.Url("/slow")).error, "time-out");
+  EXPECT_EQ(fetcher->Get(site_.Url("/huge")).error, "the answer is larger than the size limit");
+  EXPECT_EQ(fetcher->Get("http://127.0.0.1:1/").error, "connection refused");
+}
+
+// Which addresses a fetch that began at a public address may not go on to.
+TEST(PrivateAddresses, LoopbackLocalNetworksAndLinkLocalArePrivate) {
+  auto isPrivate = [](const char* text) {
+    sockaddr_in6 a6{};
+    sockaddr_in a4{};
+    if (inet_pton(AF_INET, text, &a4.sin_addr) == 1) {
+      a4.sin_family = AF_INET;
+      return http::IsPrivateAddress(reinterpret_cast<sockaddr*>(&a4));
+    }
+    EXPECT_EQ(inet_pton(AF_INET6, text, &a6.sin6_addr), 1) << text;
+    a6.sin6_family = AF_INET6;
+    return http::IsPrivateAddress(reinterpret_cast<sockaddr*>(&a6));
+  };
+  for (const char* p : {"127.0.0.1", "127.9.9.9", "10.1.2.3", "172.16.0.1", "172.31.255.255",
+                        "192.168.1.1", "169.254.169.254", "0.0.0.0", "100.64.0.1", "::1",
+                        "::", "fd00::1", "fe80::1", "::ffff:127.0.0.1", "::ffff:10.0.0.1"})
+    EXPECT_TRUE(isPrivate(p)) << p;
+  for (const char* p : {"8.8.8.8", "172.32.0.1", "172.15.255.255", "192.169.0.1", "100.128.0.1",
+                        "2001:4860::8888", "::ffff:8.8.8.8"})
+    EXPECT_FALSE(isPrivate(p)) << p;
 }
 
 TEST_F(FetchTest, NonAsciiInTheAddressGoesOutAsGbkBytes) {

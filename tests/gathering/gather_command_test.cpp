@@ -71,7 +71,7 @@ TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
   ASSERT_EQ(Run({"list", listRule, "--pages", "1-3", "--json", "--keyword", "电影 hd"}), 0);
   EXPECT_TRUE(
       said.ends_with("{\"pages\":3,\"entries\":8,\"inserted\":8,\"updated\":0,"
-                     "\"no_results\":0,\"failed\":1}\n"))
+                     "\"no_results\":0,\"failed\":1,\"unmatched\":0}\n"))
       << said;
   EXPECT_NE(said.find("page 2 failed"), npos);
   EXPECT_EQ(Asked("/r/2.html"), 3);  // two retries by default
@@ -161,8 +161,8 @@ TEST_F(GatherCommand, AnIdRunStoresEachIdOnceResumesAndSurvivesABadMarker) {
   testing::Sql(db, "insert into db (title, url) values ('old', '" +
                        remote.Url("/id/2.html").substr(7) + "')");
   ASSERT_EQ(Run({"id", idRule, "--ids", "1-5", "--retries", "1", "--json"}), 0);
-  EXPECT_TRUE(
-      said.ends_with("\n{\"ids\":5,\"inserted\":2,\"updated\":1,\"no_data\":1,\"failed\":1}\n"))
+  EXPECT_TRUE(said.ends_with(
+      "\n{\"ids\":5,\"inserted\":2,\"updated\":1,\"no_data\":1,\"failed\":1,\"unmatched\":0}\n"))
       << said;
   EXPECT_NE(said.find("ID 5 failed"), npos) << said;
   EXPECT_EQ(remote.Requests().size(), 6u);  // ID 5 twice (one retry)
@@ -181,17 +181,46 @@ TEST_F(GatherCommand, AnIdRunStoresEachIdOnceResumesAndSurvivesABadMarker) {
                    idRule + ", '', 1, 4, 3, 2, 2, 2, 0, 0, 0, datetime('now'))");
   ASSERT_EQ(Run({"id", idRule, "--resume", "--json"}), 0);
   EXPECT_NE(said.find("resuming run 2 of rule " + idRule + " at ID 3 of 1-4"), npos) << said;
-  EXPECT_TRUE(
-      said.ends_with("{\"ids\":4,\"inserted\":2,\"updated\":1,\"no_data\":1,\"failed\":0}\n"))
+  EXPECT_TRUE(said.ends_with(
+      "{\"ids\":4,\"inserted\":2,\"updated\":1,\"no_data\":1,\"failed\":0,\"unmatched\":0}\n"))
       << said;
   EXPECT_EQ(remote.Requests().size(), 8u);
   EXPECT_EQ(Value("select \"range\" from gather_id_web"), "1 - 4");
 
   testing::Sql(db, "update gather_id_web set title_start = '<h1('");
   ASSERT_EQ(Run({"id", idRule, "--ids", "1-2", "--json"}), 0);
-  EXPECT_TRUE(said.ends_with("\"updated\":0,\"no_data\":0,\"failed\":2}\n")) << said;
+  EXPECT_TRUE(said.ends_with("\"updated\":0,\"no_data\":0,\"failed\":2,\"unmatched\":0}\n"))
+      << said;
   EXPECT_NE(said.find("ID 2 failed: the rule cannot cut the page"), npos) << said;
   EXPECT_EQ(Value("select count(*) || ',' || \"range\" from db, gather_id_web"), "3,1 - 2");
+}
+
+// A rule whose remote markup changed finds nothing on pages that answer 200: the run says so
+// and exits 3, the rule is marked until a run matches again.
+TEST_F(GatherCommand, ARuleThatMatchesNothingIsFlaggedUntilItMatchesAgain) {
+  for (int n = 1; n <= 2; ++n)
+    remote.Set("/r/" + std::to_string(n) + ".html", {200, "<html><body>new look</body></html>"});
+  EXPECT_EQ(Run({"list", listRule, "--pages", "1-2", "--json"}), 3);
+  EXPECT_NE(said.find("\"failed\":0,\"unmatched\":2}"), npos) << said;
+  EXPECT_NE(said.find("matched nothing"), npos) << said;
+  EXPECT_EQ(Value("select kind || rule_id || ' ' || sample from gather_rule_health"),
+            "list" + listRule + " " + remote.Url("/r/1.html?q=%E7%94%B5%E5%BD%B1"));
+  remote.Set("/r/1.html", {200, FixtureResultPage(1, 4)});
+  EXPECT_EQ(Run({"list", listRule, "--pages", "1-2"}), 0);  // one page matched: not flagged
+  EXPECT_EQ(Value("select count(*) from gather_rule_health"), "0");
+  testing::Sql(db, "update gather_id_web set title_start = '<h2>'");
+  EXPECT_EQ(Run({"id", idRule, "--ids", "1-1"}), 3);
+  EXPECT_EQ(Value("select kind from gather_rule_health"), "id");
+}
+
+TEST_F(GatherCommand, ANulInARemoteTitleDoesNotStopTheRun) {
+  std::string page = FixtureResultPage(1, 4);
+  page.insert(page.find("Video") + 2, 1, '\0');
+  remote.Set("/r/1.html", {200, page});
+  EXPECT_EQ(Run({"list", listRule, "--pages", "1-2", "--json"}), 0) << said;
+  EXPECT_NE(said.find("\"inserted\":8,\"updated\":0,\"no_results\":0,\"failed\":0"), npos);
+  EXPECT_EQ(Value("select title from db order by id limit 1"),
+            "video 影片 1-1");  // the NUL left out
 }
 
 }  // namespace

@@ -6,7 +6,10 @@
 
 #include <future>
 
+#include <sstream>
+
 #include "engine/assignment_file.h"
+#include "engine/gather_command.h"
 #include "http/site_fixture.h"
 #include "support/remote_site.h"
 
@@ -101,6 +104,86 @@ TEST_F(GatheringPages, OtherPagesAnswerWhileOneWaitsOnASlowSite) {
   EXPECT_EQ(Get("gather_list_web_manage.asp").status, 200);
   EXPECT_EQ(slow.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
   EXPECT_EQ(slow.get().status, 200);
+}
+
+// The runs page: queued runs with their state and counts, refreshing while any is under way;
+// stopping one; a rule that matched nothing marked; remote text escaped.
+TEST_F(GatheringPages, TheRunsPageListsStopsAndRequeuesRuns) {
+  const std::string rule = Add("gb").second;
+  std::string problem;
+  for (const std::string word : {"<b>电影</b>", "news"}) {
+    auto o = engine::ParseGatherArgs(
+        {"--site", root().string(), "list", rule, "--pages", "1-3", "--keyword", word, "--queue"},
+        problem);
+    std::ostringstream out, err;
+    ASSERT_EQ(engine::RunGather(*o, out, err), 0) << err.str();
+  }
+  std::u16string page = Text(Get("gather_run_list.asp"));
+  EXPECT_NE(page.find(u"<meta http-equiv=\"refresh\""), std::u16string::npos);
+  EXPECT_NE(page.find(u"&lt;b&gt;电影&lt;/b&gt;（第 1-3 页）</td><td>等待中</td><td>0/3</td>"),
+            std::u16string::npos);
+  EXPECT_NE(page.find(u"样站 gb"), std::u16string::npos);
+  EXPECT_EQ(page.find(u"规则可能失效"), std::u16string::npos);
+
+  page = Text(Get("gather_run_list.asp?action=stop&id=1"));
+  EXPECT_NE(page.find(u"已停止采集任务 1"), std::u16string::npos);
+  EXPECT_NE(page.find(u"<td>已停止</td>"), std::u16string::npos);
+  EXPECT_EQ(Value("select count(*) from gather_unit where run_id = 1 and state = 'queued'"), "0");
+  EXPECT_NE(Text(Get("gather_run_list.asp?action=stop&id=1")).find(u"这个采集任务已经结束"),
+            std::u16string::npos);
+  Sql(database(), "update gather_unit set state = 'failed' where run_id = 2 and unit = 2");
+  Sql(database(),
+      "insert into gather_rule_health (kind, rule_id, since, sample) values "
+      "('list', " +
+          rule + ", '2026-01-01', 'x')");
+  page = Text(Get("gather_run_list.asp?action=requeue&id=2"));
+  EXPECT_NE(page.find(u"已重新排队失败的页面：1"), std::u16string::npos);
+  EXPECT_EQ(Value("select state from gather_unit where run_id = 2 and unit = 2"), "queued");
+  EXPECT_NE(page.find(u"规则可能失效"), std::u16string::npos);
+  EXPECT_NE(Text(Get("gather_list_web_manage.asp"))
+                .find(u"样站 gb <span class=\"warn\">规则可能失效</span>"),
+            std::u16string::npos);
+  page = Text(Get("desktop.asp"));
+  EXPECT_NE(page.find(u"列表采集 " + FromUtf8(rule) + u" 样站 gb：规则可能失效（2026-1-1，x）"),
+            std::u16string::npos);
+  // Signed out: the guard, nothing listed.
+  EXPECT_EQ(Text(client().Get("/admin/gather_run_list.asp")).find(u"<table"), std::u16string::npos);
+}
+
+// The schedules page: a schedule added with typed Chinese keywords, edited, refused when its
+// form is wrong (nothing stored), removed.
+TEST_F(GatheringPages, TheSchedulesPageAddsEditsAndRemovesSchedules) {
+  const std::string rule = Add("gb").second;
+  const std::string form = "kind=list&rule_id=" + rule + "&keywords=" + GbkEscape(u"功夫\r\n喜剧") +
+                           "&pages=1-3&next=&cron=&delay_ms=500&every=";
+  std::u16string page = Text(Get("gather_schedule.asp?action=add", form + "6h"));
+  EXPECT_NE(page.find(u"已添加定时采集 1"), std::u16string::npos);
+  EXPECT_NE(
+      page.find(u"列表采集 " + FromUtf8(rule) + u"</td><td>功夫 喜剧 第 1-3 页</td><td>每 6h"),
+      std::u16string::npos);
+  EXPECT_EQ(Value("select keywords || '|' || delay_ms from gather_schedule"), "功夫\n喜剧|500");
+
+  page = Text(Get("gather_schedule.asp?action=edit&id=1"));
+  EXPECT_NE(page.find(u"action=\"gather_schedule.asp?action=save&id=1\""), std::u16string::npos);
+  EXPECT_NE(page.find(u">功夫\r\n喜剧\r\n</textarea>"), std::u16string::npos);
+  page = Text(Get("gather_schedule.asp?action=save&id=1", form + "1d"));
+  EXPECT_NE(page.find(u"已保存定时采集 1"), std::u16string::npos);
+  EXPECT_EQ(Value("select every_seconds from gather_schedule"), "86400");
+
+  for (const std::string bad : {form + "5s", form + "1h&cron=0+0+*+*+*",
+                                std::string("kind=id&rule_id=1&next=0&every=1h&delay_ms=0")})
+    EXPECT_NE(Text(Get("gather_schedule.asp?action=add", bad)).find(u"没有保存"),
+              std::u16string::npos)
+        << bad;
+  EXPECT_NE(Text(Get("gather_schedule.asp?action=add",
+                     "kind=id&rule_id=99&next=5&every=1h&"
+                     "delay_ms=0"))
+                .find(u"没有这个采集规则"),
+            std::u16string::npos);
+  EXPECT_EQ(Value("select count(*) from gather_schedule"), "1");
+  EXPECT_NE(Text(Get("gather_schedule.asp?action=del&id=1")).find(u"已删除定时采集 1"),
+            std::u16string::npos);
+  EXPECT_EQ(Value("select count(*) from gather_schedule"), "0");
 }
 
 }  // namespace

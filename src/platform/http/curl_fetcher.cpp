@@ -1,4 +1,9 @@
+#include <arpa/inet.h>
 #include <curl/curl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <cstring>
 
 #include <mutex>
 
@@ -12,6 +17,26 @@ namespace {
 constexpr char kUserAgent[] =
     "Mozilla/5.0 (X11; Linux x86_64) AppleWebKit/537.36 (KHTML, like Gecko) "
     "Chrome/120.0 Safari/537.36";
+
+// The addresses a fetch connected to: a transfer that began at a public address may not go on
+// to a private one (a redirect, or a name that resolves differently the second time), so that
+// a remote site cannot make the gatherer read the machine's own or its network's services.
+struct Destinations {
+  bool started = false, startedPublic = false, refused = false;
+};
+
+curl_socket_t OpenSocket(void* user, curlsocktype, curl_sockaddr* address) {
+  auto* d = static_cast<Destinations*>(user);
+  const bool isPrivate = IsPrivateAddress(&address->addr);
+  if (!d->started) {
+    d->started = true;
+    d->startedPublic = !isPrivate;
+  } else if (d->startedPublic && isPrivate) {
+    d->refused = true;
+    return CURL_SOCKET_BAD;
+  }
+  return socket(address->family, address->socktype, address->protocol);
+}
 
 struct Sink {
   std::string* body;
@@ -55,6 +80,9 @@ class CurlFetcher : public Fetcher {
       return result;
     }
     Sink sink{&result.body, limits_.maxBodyBytes};
+    Destinations destinations;
+    curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, OpenSocket);
+    curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, &destinations);
     curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
@@ -80,8 +108,14 @@ class CurlFetcher : public Fetcher {
       result.completed = true;
     } else {
       result.body.clear();
-      result.error = sink.tooLarge                       ? "the answer is larger than the limit"
+      result.error = sink.tooLarge || code == CURLE_FILESIZE_EXCEEDED
+                         ? "the answer is larger than the size limit"
+                     : destinations.refused
+                         ? "refused redirect from a public address to a private one"
                      : code == CURLE_ABORTED_BY_CALLBACK ? "the server is stopping"
+                     : code == CURLE_OPERATION_TIMEDOUT  ? "time-out"
+                     : code == CURLE_COULDNT_CONNECT     ? "connection refused"
+                     : code == CURLE_TOO_MANY_REDIRECTS  ? "too many redirects"
                                                          : curl_easy_strerror(code);
     }
     curl_easy_cleanup(curl);
@@ -112,6 +146,32 @@ std::shared_ptr<Fetcher> DefaultFetcher() {
 void SetDefaultFetcher(std::shared_ptr<Fetcher> fetcher) {
   std::lock_guard lock(defaultMutex);
   DefaultSlot() = fetcher ? std::move(fetcher) : MakeCurlFetcher();
+}
+
+bool IsPrivateAddress(const sockaddr* address) {
+  if (address->sa_family == AF_INET) {
+    const auto* in = reinterpret_cast<const sockaddr_in*>(address);
+    const uint32_t a = ntohl(in->sin_addr.s_addr);
+    auto within = [a](uint32_t net, int bits) {
+      return (a >> (32 - bits)) == (net >> (32 - bits));
+    };
+    return within(0x00000000, 8) || within(0x0A000000, 8) || within(0x7F000000, 8) ||
+           within(0xA9FE0000, 16) || within(0xAC100000, 12) || within(0xC0A80000, 16) ||
+           within(0x64400000, 10);
+  }
+  if (address->sa_family == AF_INET6) {
+    const auto* in6 = reinterpret_cast<const sockaddr_in6*>(address);
+    const uint8_t* b = in6->sin6_addr.s6_addr;
+    if (IN6_IS_ADDR_V4MAPPED(&in6->sin6_addr)) {
+      sockaddr_in v4{};
+      v4.sin_family = AF_INET;
+      std::memcpy(&v4.sin_addr, b + 12, 4);
+      return IsPrivateAddress(reinterpret_cast<const sockaddr*>(&v4));
+    }
+    return IN6_IS_ADDR_LOOPBACK(&in6->sin6_addr) || IN6_IS_ADDR_UNSPECIFIED(&in6->sin6_addr) ||
+           (b[0] & 0xFE) == 0xFC || (b[0] == 0xFE && (b[1] & 0xC0) == 0x80);
+  }
+  return true;  // no other family is fetched from
 }
 
 std::string EncodeAddress(std::u16string_view address) {

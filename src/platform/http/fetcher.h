@@ -35,8 +35,15 @@ class Fetcher {
 };
 
 // The libcurl fetcher: redirects followed (http and https only, also for redirects),
-// compressed answers unpacked, a browser-like User-Agent, no signals.
+// compressed answers unpacked, a browser-like User-Agent, no signals. A fetch that began at a
+// public address is refused any connection to a private one (a redirect to loopback or the
+// local network); one that began at a private address (a rule for an intranet site) is not.
+// `error` says why a fetch failed: "time-out", "connection refused", the size limit, a
+// refused redirect, or libcurl's own words.
 std::shared_ptr<Fetcher> MakeCurlFetcher(FetchLimits limits = {});
+
+// Loopback, private (RFC 1918, unique local), link-local, shared and unspecified addresses.
+bool IsPrivateAddress(const struct sockaddr* address);
 
 // The fetcher that new XML HTTP objects use (the libcurl one unless a test set another).
 std::shared_ptr<Fetcher> DefaultFetcher();

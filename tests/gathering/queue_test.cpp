@@ -1,0 +1,192 @@
+// The run queue and `ostrakan worker` against the fixture remote site: runs shared by workers,
+// leases that expire, retries and failed pages, runs stopped and queued again.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <mutex>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "engine/commands.h"
+#include "engine/gather_command.h"
+#include "engine/worker_command.h"
+#include "gathering/work_queue.h"
+#include "support/list_rule_fixture.h"
+#include "support/remote_site.h"
+
+namespace ostrakan {
+namespace {
+
+using testing::FixtureResultPage;
+using testing::RemoteReply;
+constexpr auto npos = std::string::npos;
+
+// Fails the first fetch of each address (as a refused connection), then asks the real site.
+class FailsFirstFetch : public http::Fetcher {
+ public:
+  http::FetchResult Get(const std::string& address) override {
+    {
+      std::lock_guard lock(mutex_);
+      if (seen_.insert(address).second) return {false, 0, "", "connection refused"};
+    }
+    return real_->Get(address);
+  }
+
+ private:
+  std::shared_ptr<http::Fetcher> real_ = http::MakeCurlFetcher();
+  std::mutex mutex_;
+  std::set<std::string> seen_;
+};
+
+class Queue : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::ostringstream out, err;
+    ASSERT_EQ(
+        engine::RunInit({site, testing::SourceDir() / "site", "admin", "secret123"}, out, err), 0)
+        << err.str();
+    for (int n = 1; n <= 40; ++n)
+      remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
+    rule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
+  }
+  std::string Value(const std::string& sql) { return testing::SqlValue(db, sql); }
+  int Asked(const std::string& target) {
+    int n = 0;
+    for (const auto& r : remote.Requests()) n += r.starts_with(target + "?");
+    return n;
+  }
+
+  // Queues a run of the list rule; the command's answer.
+  std::string QueueRun(const std::string& pages, const std::string& delayMs = "0") {
+    std::string problem;
+    auto o = engine::ParseGatherArgs({"--site", site.string(), "list", rule, "--pages", pages,
+                                      "--delay-ms", delayMs, "--queue", "--json"},
+                                     problem);
+    EXPECT_TRUE(o) << problem;
+    o->retryPauseMs = 10;
+    std::ostringstream out, err;
+    EXPECT_EQ(engine::RunGather(*o, out, err), 0) << err.str();
+    return out.str();
+  }
+
+  // Runs `ostrakan worker --once --json` in this process; its last line.
+  std::string Work(std::shared_ptr<http::Fetcher> fetcher = nullptr) {
+    engine::WorkerOptions o;
+    o.site = site;
+    o.once = o.json = true;
+    o.fetcher = std::move(fetcher);
+    std::ostringstream out, err;
+    EXPECT_EQ(engine::RunWorker(o, out, err), 0) << err.str();
+    const std::string text = out.str();
+    return text.substr(text.rfind('\n', text.size() - 2) + 1);
+  }
+
+  testing::TempDir dir;
+  const std::filesystem::path site = dir.path() / "site", db = site / "data/ostrakan.db";
+  testing::RemoteSite remote;
+  std::string rule;
+};
+
+TEST_F(Queue, TwoWorkersShareARunFetchingAndStoringEachPageOnce) {
+  // One host: the workers take turns at it, between the run's pauses.
+  EXPECT_EQ(QueueRun("1-40", "5"), "{\"run\":1}\n");
+  EXPECT_TRUE(remote.Requests().empty());
+  EXPECT_EQ(Value("select state || count(*) from gather_unit group by state"), "queued40");
+  std::string a, b;
+  std::thread other([&] { b = Work(); });
+  a = Work();
+  other.join();
+  // Each worker's summary counts only its own pages; together they make the run.
+  long pages = 0, inserted = 0;
+  for (const std::string& s : {a, b}) {
+    ASSERT_TRUE(s.starts_with("{\"runs\":")) << s;
+    pages += std::stol(s.substr(s.find("\"pages\":") + 8));
+    inserted += std::stol(s.substr(s.find("\"inserted\":") + 11));
+  }
+  EXPECT_EQ(pages, 40);
+  EXPECT_EQ(inserted, 160);
+  for (int n = 1; n <= 40; ++n) EXPECT_EQ(Asked("/r/" + std::to_string(n) + ".html"), 1) << n;
+  EXPECT_EQ(Value("select count(distinct url) || ',' || count(*) from db"), "160,160");
+  EXPECT_EQ(Value("select state || pages || ',' || inserted || ',' || (finished is not null) "
+                  "from gather_run"),
+            "done40,160,1");
+  EXPECT_EQ(Value("select count(*) from gather_host where lease_owner is not null"), "0");
+}
+
+TEST_F(Queue, AWorkerKilledMidRunLeavesItsPageToTheNextWorker) {
+  QueueRun("1-5");
+  remote.Set("/r/3.html", RemoteReply(200, FixtureResultPage(3, 4)).Delay(20000));
+  std::fflush(stdout);
+  pid_t child = fork();
+  if (child == 0) {
+    freopen("/dev/null", "w", stdout);
+    execl(OSTRAKAN_BINARY, "ostrakan", "worker", "--site", site.c_str(), "--once",
+          "--lease-seconds", "1", static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  for (int i = 0; i < 1000 && !Asked("/r/3.html"); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  ASSERT_TRUE(Asked("/r/3.html"));
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  EXPECT_EQ(Value("select count(*) from db"), "8");
+  EXPECT_EQ(Value("select lease_owner is not null from gather_unit where unit = 3"), "1");
+
+  remote.Set("/r/3.html", {200, FixtureResultPage(3, 4)});
+  EXPECT_EQ(Work(),
+            "{\"runs\":1,\"pages\":3,\"inserted\":12,\"updated\":0,\"failed\":0,"
+            "\"unmatched\":0}\n");
+  EXPECT_EQ(Asked("/r/3.html"), 2);
+  EXPECT_EQ(Asked("/r/2.html"), 1);
+  EXPECT_EQ(Value("select count(distinct url) || ',' || count(*) from db"), "20,20");
+  EXPECT_EQ(Value("select state || pages || inserted from gather_run"), "done520");
+}
+
+TEST_F(Queue, FailedFetchesAreRetriedThenKeptAndCanBeQueuedAgain) {
+  remote.Set("/r/2.html", {503, "busy"});
+  QueueRun("1-3");
+  // Every address fails once (a retry then succeeds); page 2 fails on every attempt.
+  EXPECT_EQ(Work(std::make_shared<FailsFirstFetch>()),
+            "{\"runs\":1,\"pages\":3,\"inserted\":8,\"updated\":0,\"failed\":1,"
+            "\"unmatched\":0}\n");
+  EXPECT_EQ(Asked("/r/1.html"), 1);  // the first attempt never reached the site
+  EXPECT_EQ(Asked("/r/2.html"), 2);  // two retries after the refused first attempt
+  EXPECT_EQ(Value("select state || attempts || ' ' || why from gather_unit where unit = 2"),
+            "failed3 " + remote.Url("/r/2.html?q=%E7%94%B5%E5%BD%B1") + ": status 503");
+  EXPECT_EQ(Value("select state || pages || failed from gather_run"), "done31");
+
+  ado::Connection conn;
+  conn.Open(u"DBQ=" + FromUtf8(db.string()) + u";");
+  remote.Set("/r/2.html", {200, FixtureResultPage(2, 4)});
+  EXPECT_EQ(gathering::RequeueFailed(conn, 1), 1);
+  EXPECT_EQ(gathering::RequeueFailed(conn, 1), 0);
+  EXPECT_NE(Work().find("\"pages\":1,\"inserted\":4"), npos);
+  EXPECT_EQ(Value("select state || pages || failed || inserted from gather_run"), "done3012");
+
+  // A stopped run loses its queued pages; a finished one cannot be stopped.
+  QueueRun("4-6");
+  EXPECT_TRUE(gathering::StopRun(conn, 2));
+  EXPECT_FALSE(gathering::StopRun(conn, 1));
+  EXPECT_NE(Work().find("\"runs\":0,\"pages\":0"), npos);
+  EXPECT_EQ(Value("select state from gather_run where id = 2"), "stopped");
+  EXPECT_EQ(Asked("/r/4.html"), 0);
+}
+
+TEST_F(Queue, QueueAndWorkerRefuseWhatTheyCannotDo) {
+  std::string problem;
+  EXPECT_FALSE(
+      engine::ParseGatherArgs({"--site", "x", "list", "1", "--queue", "--resume"}, problem));
+  EXPECT_FALSE(engine::ParseWorkerArgs({"--once"}, problem));
+  EXPECT_EQ(problem, "worker needs --site DIR");
+  EXPECT_FALSE(engine::ParseWorkerArgs({"--site", "x", "--lease-seconds", "0"}, problem));
+  auto o = engine::ParseGatherArgs({"--site", site.string(), "list", "77", "--queue"}, problem);
+  std::ostringstream out, err;
+  EXPECT_EQ(engine::RunGather(*o, out, err), 1);
+  EXPECT_EQ(err.str(), "ostrakan gather: there is no list rule number 77 in this site\n");
+  EXPECT_EQ(Value("select count(*) from gather_run"), "0");
+}
+
+}  // namespace
+}  // namespace ostrakan
