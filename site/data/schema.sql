@@ -122,3 +122,27 @@ CREATE TABLE gather_run (
   finished DATETIME
 );
 CREATE INDEX gather_run_rule ON gather_run (kind, rule_id, finished);
+
+-- Each word is counted in one row: the search adds a word or adds one to its count.
+CREATE UNIQUE INDEX IF NOT EXISTS keyword_unique ON keyword (keyword);
+
+-- The record index: the words of every record's title and description, for the searches
+-- "title or description contains a word". It holds no text of its own (it reads db), and the
+-- triggers below keep it in step with db whatever writes it. Its tokenizer "ostrakan" (every
+-- character and every pair of neighbouring characters) is installed on each connection of
+-- Ostrakan; to write db from the sqlite3 shell, ".load" libostrakan_tokenizer first.
+-- `ostrakan reindex` rebuilds it.
+CREATE VIRTUAL TABLE IF NOT EXISTS db_index USING fts5(
+  title, content, content='db', content_rowid='id', tokenize='ostrakan', columnsize=0);
+CREATE TRIGGER IF NOT EXISTS db_index_insert AFTER INSERT ON db BEGIN
+  INSERT INTO db_index (rowid, title, content) VALUES (new.id, new.title, new.content);
+END;
+CREATE TRIGGER IF NOT EXISTS db_index_delete AFTER DELETE ON db BEGIN
+  INSERT INTO db_index (db_index, rowid, title, content)
+    VALUES ('delete', old.id, old.title, old.content);
+END;
+CREATE TRIGGER IF NOT EXISTS db_index_update AFTER UPDATE OF id, title, content ON db BEGIN
+  INSERT INTO db_index (db_index, rowid, title, content)
+    VALUES ('delete', old.id, old.title, old.content);
+  INSERT INTO db_index (rowid, title, content) VALUES (new.id, new.title, new.content);
+END;

@@ -1,0 +1,68 @@
+#include "search/record_match.h"
+
+namespace ostrakan::search {
+
+namespace {
+
+// A phrase of FTS5: the text in double quotes, a quote inside doubled.
+std::u16string Quoted(std::u16string_view piece) {
+  std::u16string out = u"\"";
+  for (char16_t c : piece) {
+    if (c == u'"') out += u'"';
+    out += c;
+  }
+  return out + u'"';
+}
+
+std::u16string LikeTest(std::u16string_view column) {
+  return std::u16string(column) + u" like '%' || ? || '%'";
+}
+
+}  // namespace
+
+std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields fields) {
+  // SQLite's LIKE reads its pattern up to a NUL: nothing after one is looked for.
+  word = word.substr(0, word.find(u'\0'));
+  std::u16string phrases;
+  std::size_t start = 0;
+  for (std::size_t at = 0; at <= word.size(); ++at) {
+    if (at < word.size() && word[at] != u'%' && word[at] != u'_') continue;
+    if (at > start)
+      phrases += (phrases.empty() ? u"" : u" AND ") + Quoted(word.substr(start, at - start));
+    start = at + 1;
+  }
+  if (phrases.empty()) return std::nullopt;
+  switch (fields) {
+    case Fields::Title:
+      return u"{title} : (" + phrases + u")";
+    case Fields::Content:
+      return u"{content} : (" + phrases + u")";
+    case Fields::TitleOrContent:
+      break;
+  }
+  return phrases;
+}
+
+Condition ContainsWord(std::u16string_view word, Fields fields) {
+  const Variant w{std::u16string(word)};
+  Condition c;
+  switch (fields) {
+    case Fields::Title:
+      c = {u"where " + LikeTest(u"title"), {w}};
+      break;
+    case Fields::Content:
+      c = {u"where " + LikeTest(u"content"), {w}};
+      break;
+    case Fields::TitleOrContent:
+      c = {u"where (" + LikeTest(u"title") + u" or " + LikeTest(u"content") + u")", {w, w}};
+      break;
+  }
+  if (std::optional<std::u16string> match = MatchExpression(word, fields)) {
+    c.where =
+        u"where id in (select rowid from db_index where db_index match ?) and" + c.where.substr(5);
+    c.params.insert(c.params.begin(), Variant(*match));
+  }
+  return c;
+}
+
+}  // namespace ostrakan::search
