@@ -18,11 +18,27 @@ std::u16string LikeTest(std::u16string_view column) {
   return std::u16string(column) + u" like '%' || ? || '%'";
 }
 
+// Half of a surrogate pair alone: SQLite's conversion of such a text may take the unit after
+// it along (a closing quote of the expression), so such a word is left to the scan.
+bool HasLoneSurrogate(std::u16string_view word) {
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    const bool high = word[i] >= 0xD800 && word[i] < 0xDC00;
+    const bool low = word[i] >= 0xDC00 && word[i] < 0xE000;
+    if (low) return true;
+    if (high) {
+      if (i + 1 >= word.size() || word[i + 1] < 0xDC00 || word[i + 1] >= 0xE000) return true;
+      ++i;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields fields) {
   // SQLite's LIKE reads its pattern up to a NUL: nothing after one is looked for.
   word = word.substr(0, word.find(u'\0'));
+  if (HasLoneSurrogate(word)) return std::nullopt;
   std::u16string phrases;
   std::size_t start = 0;
   for (std::size_t at = 0; at <= word.size(); ++at) {
