@@ -2,7 +2,7 @@
 // a search (count and first page of 20) by a two-character Chinese word, a three-character
 // word and a rare Latin word through the index against the LIKE scan on the same data; storing
 // one gathered entry with the index against a copy of the database without it; the time of a
-// rebuild and the index's size against the table's (counters of BM_Rebuild).
+// rebuild and the index's size against the table's (counters of BM_IndexRebuild).
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
@@ -179,7 +179,7 @@ void BM_StoreWithoutIndex(benchmark::State& state) {
 BENCHMARK(BM_StoreWithoutIndex)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_StoreWithIndex)->Unit(benchmark::kMicrosecond);
 
-void BM_Rebuild(benchmark::State& state) {
+void BM_IndexRebuild(benchmark::State& state) {
   Data& d = Shared();
   for (auto _ : state) benchmark::DoNotOptimize(d.records);
   state.counters["records"] = static_cast<double>(d.records);
@@ -187,6 +187,6 @@ void BM_Rebuild(benchmark::State& state) {
   state.counters["table_MiB"] = d.tableMiB;
   state.counters["index_MiB"] = d.indexMiB;
 }
-BENCHMARK(BM_Rebuild)->Iterations(1);
+BENCHMARK(BM_IndexRebuild)->Iterations(1);
 
 }  // namespace

@@ -33,7 +33,7 @@ test('a visitor searches from the front page and follows a result', async () => 
   assert.deepEqual(await visitor.locator('.result .title a').allTextContents(),
     Array.from({ length: 10 }, (_, i) => `功夫片${10 - i}`));
 
-  const [opened] = await Promise.all([visitor.waitForEvent('popup'), visitor.click('a:text("功夫片1")')]);
+  const [opened] = await Promise.all([visitor.waitForEvent('popup'), visitor.click('a:text-is("功夫片1")')]);
   await opened.waitForLoadState();
   assert.match(opened.url(), /\/\?from=1$/);
   assert.equal(site.sql("select click from db where title='功夫片1'"), '1');
