@@ -33,9 +33,7 @@ function fill(site, records) {
     WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ${keywords})
     INSERT INTO keyword (keyword, hot) SELECT '关键词' || i, i % 5000 FROM n;
     COMMIT;`;
-  // The record index's tokenizer, built beside the binary, indexes the rows as they go in.
-  const tokenizer = join(dirname(process.env.OSTRAKAN_BINARY), 'libostrakan_tokenizer');
-  execFileSync('sqlite3', ['-cmd', `.load ${tokenizer}`, join(site, 'data', 'ostrakan.db')], { input: sql });
+  execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], { input: sql });
   return keywords;
 }
 

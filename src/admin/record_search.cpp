@@ -4,6 +4,7 @@
 #include "frame/escape.h"
 #include "frame/page_parts.h"
 #include "records/record_rows.h"
+#include "search/record_index.h"
 #include "search/record_match.h"
 
 namespace ostrakan::admin {
@@ -36,11 +37,13 @@ void RecordSearch::ReadSearch() {
   // is bound into the condition; a title or description search goes through the record index.
   const std::u16string field = TextOf(action);
   search::Condition condition;
-  if (field == u"title" || field == u"content")
+  if (field == u"title" || field == u"content") {
+    search::CatchUp(ConnectionOf(conn));
     condition = search::ContainsWord(
         TextOf(Keyword), field == u"title" ? search::Fields::Title : search::Fields::Content);
-  else if (field == u"url")
+  } else if (field == u"url") {
     condition = {u"where url like '%' || ? || '%'", {Keyword}};
+  }
   where_sql = condition.where;
   params_ = std::move(condition.params);
   searching_ = true;

@@ -4,6 +4,7 @@
 #include "platform/ado/recordset.h"
 #include "platform/text/codepage.h"
 #include "records/pager.h"
+#include "search/record_index.h"
 #include "search/record_match.h"
 
 namespace ostrakan::search {
@@ -44,6 +45,7 @@ int PageNumberOf(std::u16string_view asked) {
 }
 
 Markup SearchResults(ado::Connection& conn, std::u16string_view word, int page) {
+  CatchUp(conn);
   Condition c = ContainsWord(word, Fields::TitleOrContent);
   auto count = conn.Execute(u"select count(*) from db " + c.where, c.params);
   const double total = CDbl(count->FieldAt(0));

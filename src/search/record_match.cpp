@@ -74,8 +74,11 @@ Condition ContainsWord(std::u16string_view word, Fields fields) {
       break;
   }
   if (std::optional<std::u16string> match = MatchExpression(word, fields)) {
+    // The records the index offers, and those still waiting to be taken into it.
     c.where =
-        u"where id in (select rowid from db_index where db_index match ?) and" + c.where.substr(5);
+        u"where (id in (select rowid from db_index where db_index match ?) or "
+        u"id in (select id from db_index_pending)) and" +
+        c.where.substr(5);
     c.params.insert(c.params.begin(), Variant(*match));
   }
   return c;

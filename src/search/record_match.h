@@ -1,5 +1,6 @@
 // The condition "title or description contains a word" on db, answered through the record
-// index: the index finds the records that hold every literal piece of the word, and the LIKE
+// index: the index finds the records that hold every literal piece of the word (with the
+// records waiting to be taken into it, see record_index.h), and the LIKE
 // test itself then keeps exactly the rows that the plain scan
 // `title LIKE '%word%' OR content LIKE '%word%'` would keep (SQLite's LIKE: % and _ are
 // wildcards, A-Z match a-z and nothing else folds).

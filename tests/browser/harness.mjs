@@ -5,12 +5,11 @@ import { mkdtempSync, readFileSync, rmSync, mkdirSync } from 'node:fs';
 import { createServer as createTcpServer } from 'node:net';
 import { createServer } from 'node:http';
 import { tmpdir } from 'node:os';
-import { dirname, join } from 'node:path';
+import { join } from 'node:path';
 import { before, after } from 'node:test';
 import { chromium } from 'playwright-core';
 
 const binary = process.env.OSTRAKAN_BINARY;
-const tokenizer = binary && join(dirname(binary), 'libostrakan_tokenizer');
 if (!binary) throw new Error('OSTRAKAN_BINARY names the ostrakan executable');
 
 export const screenshotDir = process.env.OSTRAKAN_SCREENSHOTS ?? join(tmpdir(), 'ostrakan-screens');
@@ -50,8 +49,7 @@ export async function startSite({ prepare } = {}) {
     base,
     site,
     // Runs SQL on the site's database and returns what sqlite3 prints.
-    // The record index's tokenizer, built beside the binary, is loaded for writes to db.
-    sql: (statement) => execFileSync('sqlite3', ['-cmd', `.load ${tokenizer}`, join(site, 'data', 'ostrakan.db')], { input: statement }).toString().trim(),
+    sql: (statement) => execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], { input: statement }).toString().trim(),
     async stop() {
       child.kill('SIGTERM');
       await new Promise((r) => (child.exitCode !== null ? r() : child.once('exit', r)));
