@@ -47,7 +47,7 @@ int PageNumberOf(std::u16string_view asked) {
 Markup SearchResults(ado::Connection& conn, std::u16string_view word, int page) {
   CatchUp(conn);
   Condition c = ContainsWord(word, Fields::TitleOrContent);
-  auto count = conn.Execute(u"select count(*) from db " + c.where, c.params);
+  auto count = conn.Execute(c.count, c.countParams);
   const double total = CDbl(count->FieldAt(0));
   count->Close();
   if (total == 0) return {};

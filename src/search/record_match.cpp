@@ -73,13 +73,32 @@ Condition ContainsWord(std::u16string_view word, Fields fields) {
       c = {u"where (" + LikeTest(u"title") + u" or " + LikeTest(u"content") + u")", {w, w}};
       break;
   }
-  if (std::optional<std::u16string> match = MatchExpression(word, fields)) {
-    // The records the index offers, and those still waiting to be taken into it.
-    c.where =
-        u"where (id in (select rowid from db_index where db_index match ?) or "
-        u"id in (select id from db_index_pending)) and" +
-        c.where.substr(5);
-    c.params.insert(c.params.begin(), Variant(*match));
+  const std::u16string like = c.where.substr(6);
+  const ado::Params likeParams = c.params;
+  c.count = u"select count(*) as db_count from db " + c.where;
+  c.countParams = c.params;
+  std::optional<std::u16string> match = MatchExpression(word, fields);
+  if (!match) return c;
+  // The records the index offers, and those still waiting to be taken into it (one sorted
+  // list, so the newest rows come first without sorting the candidates).
+  const Variant m(*match);
+  c.where =
+      u"where id in (select rowid from db_index where db_index match ? "
+      u"union select id from db_index_pending) and " +
+      like;
+  c.params.insert(c.params.begin(), m);
+  c.count = u"select count(*) as db_count from db " + c.where;
+  c.countParams = c.params;
+  if (word.find_first_of(u"%_") == std::u16string_view::npos) {
+    // Without wildcards the index holds exactly the matching records that do not wait: they
+    // are counted there without reading them, the waiting ones by the LIKE test.
+    c.count =
+        u"select (select count(*) from db_index where db_index match ? and rowid not in "
+        u"(select id from db_index_pending)) + (select count(*) from db where id in "
+        u"(select id from db_index_pending) and " +
+        like + u") as db_count";
+    c.countParams = likeParams;
+    c.countParams.insert(c.countParams.begin(), m);
   }
   return c;
 }

@@ -21,11 +21,13 @@ enum class Fields { TitleOrContent, Title, Content };
 // word has no literal piece (only wildcards, or nothing).
 std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields fields);
 
-// A "where ..." clause of a statement on db (with a leading space-free "where") and the
-// values bound to its marks, in order.
+// A "where ..." clause of a statement on db and the values bound to its marks, in order; and
+// the statement that counts its rows (one column, db_count) with its values.
 struct Condition {
   std::u16string where;
   ado::Params params;
+  std::u16string count;
+  ado::Params countParams;
 };
 
 // The records whose `fields` contain `word` under LIKE, through the index when the word has a

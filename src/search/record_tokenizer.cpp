@@ -27,7 +27,9 @@ using TokenCallback = int (*)(void*, int, const char*, int, int, int);
 
 int Tokenize(Fts5Tokenizer*, void* context, int flags, const char* text, int size,
              TokenCallback token) {
-  const std::string_view view(text, size > 0 ? static_cast<std::size_t>(size) : 0);
+  std::string_view view(text, size > 0 ? static_cast<std::size_t>(size) : 0);
+  // SQLite's LIKE reads a text up to a NUL; so does the index.
+  view = view.substr(0, view.find('\0'));
   auto emit = [&](std::string_view t, bool colocated, std::size_t start, std::size_t end) {
     return token(context, colocated ? FTS5_TOKEN_COLOCATED : 0, t.data(),
                  static_cast<int>(t.size()), static_cast<int>(start), static_cast<int>(end));
