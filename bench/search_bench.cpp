@@ -132,15 +132,16 @@ void Search(benchmark::State& state, bool useIndex) {
   Data& d = Shared();
   const std::u16string& word = kWords[state.range(0)];
   const Variant w(word);
-  const search::Condition c =
-      useIndex ? search::ContainsWord(word, search::Fields::TitleOrContent)
-               : search::Condition{
-                     u"where (title like '%' || ? || '%' or content like '%' || ? "
-                     u"|| '%')",
-                     {w, w}};
+  search::Condition c = search::ContainsWord(word, search::Fields::TitleOrContent);
+  if (!useIndex) {
+    c.where = u"where (title like '%' || ? || '%' or content like '%' || ? || '%')";
+    c.params = {w, w};
+    c.count = u"select count(*) from db " + c.where;
+    c.countParams = c.params;
+  }
   double found = 0;
   for (auto _ : state) {
-    found = CDbl(d.indexed->Execute(u"select count(*) from db " + c.where, c.params)->FieldAt(0));
+    found = CDbl(d.indexed->Execute(c.count, c.countParams)->FieldAt(0));
     auto rs = d.indexed->Execute(
         u"select id,title,content,source,time from db " + c.where + u" order by id desc limit 20",
         c.params);

@@ -42,7 +42,8 @@ void RecordSearch::ReadSearch() {
     condition = search::ContainsWord(
         TextOf(Keyword), field == u"title" ? search::Fields::Title : search::Fields::Content);
   } else if (field == u"url") {
-    condition = {u"where url like '%' || ? || '%'", {Keyword}};
+    condition.where = u"where url like '%' || ? || '%'";
+    condition.params = {Keyword};
   }
   where_sql = condition.where;
   params_ = std::move(condition.params);

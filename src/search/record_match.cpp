@@ -64,13 +64,16 @@ Condition ContainsWord(std::u16string_view word, Fields fields) {
   Condition c;
   switch (fields) {
     case Fields::Title:
-      c = {u"where " + LikeTest(u"title"), {w}};
+      c.where = u"where " + LikeTest(u"title");
+      c.params = {w};
       break;
     case Fields::Content:
-      c = {u"where " + LikeTest(u"content"), {w}};
+      c.where = u"where " + LikeTest(u"content");
+      c.params = {w};
       break;
     case Fields::TitleOrContent:
-      c = {u"where (" + LikeTest(u"title") + u" or " + LikeTest(u"content") + u")", {w, w}};
+      c.where = u"where (" + LikeTest(u"title") + u" or " + LikeTest(u"content") + u")";
+      c.params = {w, w};
       break;
   }
   const std::u16string like = c.where.substr(6);
