@@ -6,7 +6,7 @@ cd "$(dirname "$0")/../src"
 rank() {
   case "$1" in
     core) echo 0 ;; platform) echo 1 ;; frame) echo 2 ;;
-    access | categories | keywords | records | gathering | generation) echo 3 ;;
+    access | categories | keywords | records | gathering | generation | search) echo 3 ;;
     admin) echo 4 ;; engine) echo 5 ;; *) echo "" ;;
   esac
 }

@@ -1,5 +1,5 @@
 // The ostrakan command: make a site (init), serve one (serve), and the headless jobs on a site
-// (gather, worker, generate).
+// (gather, worker, schedule, generate, reindex).
 #include <signal.h>
 #include <unistd.h>
 
@@ -13,6 +13,7 @@
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "engine/generate_command.h"
+#include "engine/reindex_command.h"
 #include "engine/schedule_command.h"
 #include "engine/worker_command.h"
 #include "platform/http/fetch_stop.h"
@@ -60,6 +61,12 @@ Usage:
       over the old one), so it may run while the site is served. Prints a summary line;
       with --json the last line is {"files":N,"failed":M}. Exit status 1 when any page
       was not written (a missing template, an unknown category ...).
+
+  ostrakan reindex --site DIR [--json]
+      Rebuild the record index of the site in DIR (the index behind the public search and
+      the administration's record search) from its records. Searches keep answering from
+      the old index until the new one is complete. Prints a summary line; with --json the
+      last line is {"records":N,"seconds":S}.
 
   ostrakan gather --site DIR list RULE_ID [--keyword WORD] [--pages FIRST-LAST]
                   [--delay-ms N] [--retries N] [--json] [--resume | --queue]
@@ -226,6 +233,25 @@ int Generate(const std::vector<std::string>& args) {
   return RunGenerate(o, std::cout, std::cerr);
 }
 
+// ostrakan reindex --site DIR [--json]
+int Reindex(const std::vector<std::string>& args) {
+  ReindexOptions o;
+  bool haveSite = false;
+  for (size_t i = 1; i < args.size(); ++i) {
+    if (args[i] == "--json") {
+      o.json = true;
+    } else if (args[i] == "--site" && i + 1 < args.size()) {
+      o.site = args[++i];
+      haveSite = true;
+    } else {
+      return Usage(args[i] == "--site" ? "--site needs a value"
+                                       : "unknown argument \"" + args[i] + "\"");
+    }
+  }
+  if (!haveSite) return Usage("reindex needs --site DIR");
+  return RunReindex(o, std::cout, std::cerr);
+}
+
 int Passwd(const std::vector<std::string>& args) {
   PasswdOptions o;
   std::vector<std::string> rest;
@@ -291,6 +317,7 @@ int main(int argc, char** argv) {
   if (command == "serve") return Serve(args);
   if (command == "passwd") return Passwd(args);
   if (command == "generate") return Generate(args);
+  if (command == "reindex") return Reindex(args);
   if (command == "gather") {
     std::vector<std::string> rest(args.begin() + 1, args.end());
     std::string problem;

@@ -185,3 +185,35 @@ CREATE TABLE IF NOT EXISTS gather_rule_health (
   sample TEXT,
   PRIMARY KEY (kind, rule_id)
 );
+-- Each word is counted in one row: the search adds a word or adds one to its count.
+CREATE UNIQUE INDEX IF NOT EXISTS keyword_unique ON keyword (keyword);
+
+-- The record index: the words of every record's title and description, for the searches
+-- "title or description contains a word". It holds no text of its own (it reads db). Its
+-- tokenizer "ostrakan" (every character and every pair of neighbouring characters) is
+-- installed on each connection of Ostrakan (to search it from the sqlite3 shell, ".load
+-- libostrakan_tokenizer"). The triggers below do not touch it: they note each changed record
+-- in db_index_pending (with the text the index holds for it, when it holds any), and the
+-- index takes the noted records in, many at a time, when a search finds many waiting;
+-- searches look at the waiting records directly meanwhile. `ostrakan reindex` rebuilds it.
+CREATE VIRTUAL TABLE IF NOT EXISTS db_index USING fts5(
+  title, content, content='db', content_rowid='id', tokenize='ostrakan', columnsize=0);
+-- indexed 1: the index holds old_title and old_content for the record; 0: nothing.
+CREATE TABLE IF NOT EXISTS db_index_pending (
+  id INTEGER PRIMARY KEY,
+  indexed INTEGER NOT NULL,
+  old_title TEXT,
+  old_content TEXT
+);
+CREATE TRIGGER IF NOT EXISTS db_index_insert AFTER INSERT ON db BEGIN
+  INSERT INTO db_index_pending (id, indexed) VALUES (new.id, 0) ON CONFLICT DO NOTHING;
+END;
+CREATE TRIGGER IF NOT EXISTS db_index_delete AFTER DELETE ON db BEGIN
+  INSERT INTO db_index_pending (id, indexed, old_title, old_content)
+    VALUES (old.id, 1, old.title, old.content) ON CONFLICT DO NOTHING;
+END;
+CREATE TRIGGER IF NOT EXISTS db_index_update AFTER UPDATE OF id, title, content ON db BEGIN
+  INSERT INTO db_index_pending (id, indexed, old_title, old_content)
+    VALUES (old.id, 1, old.title, old.content) ON CONFLICT DO NOTHING;
+  INSERT INTO db_index_pending (id, indexed) VALUES (new.id, 0) ON CONFLICT DO NOTHING;
+END;

@@ -4,6 +4,8 @@
 #include "frame/escape.h"
 #include "frame/page_parts.h"
 #include "records/record_rows.h"
+#include "search/record_index.h"
+#include "search/record_match.h"
 
 namespace ostrakan::admin {
 
@@ -32,11 +34,19 @@ void RecordSearch::ReadSearch() {
   }
   action = request.QueryString(u"action");
   // Any other field leaves the condition empty: the search then lists every record. The word
-  // is bound into the condition.
+  // is bound into the condition; a title or description search goes through the record index.
   const std::u16string field = TextOf(action);
-  where_sql = field == u"title" || field == u"content" || field == u"url"
-                  ? u"where " + field + u" like '%' || ? || '%'"
-                  : u"";
+  search::Condition condition;
+  if (field == u"title" || field == u"content") {
+    search::CatchUp(ConnectionOf(conn));
+    condition = search::ContainsWord(
+        TextOf(Keyword), field == u"title" ? search::Fields::Title : search::Fields::Content);
+  } else if (field == u"url") {
+    condition.where = u"where url like '%' || ? || '%'";
+    condition.params = {Keyword};
+  }
+  where_sql = condition.where;
+  params_ = std::move(condition.params);
   searching_ = true;
 }
 
@@ -44,15 +54,15 @@ void RecordSearch::ListRecords() {
   if (!searching_) return;
   const std::u16string where = TextOf(where_sql);
   const std::u16string columns = u"id,title,content,url,source,source_url,time from db ";
-  WriteList({u"select count(*) as db_count from db " + where,
-             u"select top 20 " + columns + where + u" order by id desc",
-             u"select " + columns + where + u" order by id desc", records::kRecordPageSize,
-             where.empty() ? ado::Params{} : ado::Params{Keyword}},
-            // An edit or delete started from the results comes back to this search and page.
-            [&] {
-              return u"db_search.asp?action=" + UrlQuery(TextOf(action)).text() + u"&keyword=" +
-                     UrlQuery(TextOf(Keyword)).text() + u"&page=" + CStr(currentPage);
-            });
+  WriteList(
+      {u"select count(*) as db_count from db " + where,
+       u"select top 20 " + columns + where + u" order by id desc",
+       u"select " + columns + where + u" order by id desc", records::kRecordPageSize, params_},
+      // An edit or delete started from the results comes back to this search and page.
+      [&] {
+        return u"db_search.asp?action=" + UrlQuery(TextOf(action)).text() + u"&keyword=" +
+               UrlQuery(TextOf(Keyword)).text() + u"&page=" + CStr(currentPage);
+      });
 }
 
 void RecordSearch::WriteRows() {

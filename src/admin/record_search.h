@@ -3,6 +3,7 @@
 #pragma once
 
 #include "admin/paged_list.h"
+#include "platform/ado/statement.h"
 
 namespace ostrakan::admin {
 
@@ -20,6 +21,7 @@ class RecordSearch : public PagedList {
 
  private:
   bool searching_ = false;  // a search was asked for and accepted by ReadSearch
+  ado::Params params_;      // bound to the marks of where_sql
 };
 
 }  // namespace ostrakan::admin

@@ -13,6 +13,7 @@
 #include "admin/click_through.h"
 #include "admin/database_connection.h"
 #include "admin/desktop.h"
+#include "admin/front_page.h"
 #include "admin/id_gather_start.h"
 #include "admin/id_gather_step.h"
 #include "admin/id_rule_add.h"
@@ -37,6 +38,7 @@
 #include "admin/list_rule_file_writer.h"
 #include "admin/list_rule_list.h"
 #include "admin/list_rule_trial.h"
+#include "admin/public_search.h"
 #include "admin/record_add.h"
 #include "admin/record_cleanup.h"
 #include "admin/record_cleanup_form.h"
@@ -113,6 +115,8 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class57", Make<admin::TickedSubCategoryFrames>},  // create_sort_two_instruction
       {u"Ostrakan.Class58", Make<admin::AllCategoryFrames>},        // create_all_instruction.asp
       {u"Ostrakan.Goto", Make<admin::ClickThrough>},                // /goto.asp (public)
+      {u"Ostrakan.FrontPage", Make<admin::FrontPage>},              // /index.asp (public)
+      {u"Ostrakan.Search", Make<admin::PublicSearch>},              // /search.asp (public)
       // List-site gathering
       {u"Ostrakan.Class25", Make<admin::ListRuleAddForm>},     // gather_list_web_add.asp
       {u"Ostrakan.Class31", Make<admin::ListRuleAdd>},         // gather_list_web_add_ok.asp

@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Search" %><% keyword = Request.QueryString("keyword") %><% page = Request.QueryString("page") %><% InitFunction1 %><% InitFunction2 %>

@@ -1,0 +1,29 @@
+// Upkeep of the record index (db_index). Writes to db only note the changed records in
+// db_index_pending (triggers; cheap, and no tokenizer needed); the index takes them in here,
+// many in one transaction, which costs a fraction of indexing each record as it is stored.
+// Searches look at the waiting records directly, so they never miss one.
+#pragma once
+
+#include "platform/ado/connection.h"
+
+namespace ostrakan::search {
+
+// How many waiting records make a search take them into the index first.
+constexpr long kPendingBatch = 1000;
+
+// Whether the database has the record index.
+bool HasRecordIndex(ado::Connection& conn);
+
+// Takes up to `limit` waiting records into the index, in one write transaction, when at
+// least `atLeast` are waiting; returns how many it took.
+long TakeInPending(ado::Connection& conn, long atLeast = 1, long limit = 100000);
+
+// What a search does first: takes the waiting records in when kPendingBatch or more wait. A
+// failure to write is ignored (the search does not need it).
+void CatchUp(ado::Connection& conn);
+
+// Rebuilds the index from every row of db, in one transaction (readers see the old index
+// until it commits), and forgets the waiting records. Returns the number of records indexed.
+long RebuildRecordIndex(ado::Connection& conn);
+
+}  // namespace ostrakan::search

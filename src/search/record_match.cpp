@@ -1,0 +1,109 @@
+#include "search/record_match.h"
+
+namespace ostrakan::search {
+
+namespace {
+
+// A phrase of FTS5: the text in double quotes, a quote inside doubled.
+std::u16string Quoted(std::u16string_view piece) {
+  std::u16string out = u"\"";
+  for (char16_t c : piece) {
+    if (c == u'"') out += u'"';
+    out += c;
+  }
+  return out + u'"';
+}
+
+std::u16string LikeTest(std::u16string_view column) {
+  return std::u16string(column) + u" like '%' || ? || '%'";
+}
+
+// Half of a surrogate pair alone: SQLite's conversion of such a text may take the unit after
+// it along (a closing quote of the expression), so such a word is left to the scan.
+bool HasLoneSurrogate(std::u16string_view word) {
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    const bool high = word[i] >= 0xD800 && word[i] < 0xDC00;
+    const bool low = word[i] >= 0xDC00 && word[i] < 0xE000;
+    if (low) return true;
+    if (high) {
+      if (i + 1 >= word.size() || word[i + 1] < 0xDC00 || word[i + 1] >= 0xE000) return true;
+      ++i;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields fields) {
+  // SQLite's LIKE reads its pattern up to a NUL: nothing after one is looked for.
+  word = word.substr(0, word.find(u'\0'));
+  if (HasLoneSurrogate(word)) return std::nullopt;
+  std::u16string phrases;
+  std::size_t start = 0;
+  for (std::size_t at = 0; at <= word.size(); ++at) {
+    if (at < word.size() && word[at] != u'%' && word[at] != u'_') continue;
+    if (at > start)
+      phrases += (phrases.empty() ? u"" : u" AND ") + Quoted(word.substr(start, at - start));
+    start = at + 1;
+  }
+  if (phrases.empty()) return std::nullopt;
+  switch (fields) {
+    case Fields::Title:
+      return u"{title} : (" + phrases + u")";
+    case Fields::Content:
+      return u"{content} : (" + phrases + u")";
+    case Fields::TitleOrContent:
+      break;
+  }
+  return phrases;
+}
+
+Condition ContainsWord(std::u16string_view word, Fields fields) {
+  const Variant w{std::u16string(word)};
+  Condition c;
+  switch (fields) {
+    case Fields::Title:
+      c.where = u"where " + LikeTest(u"title");
+      c.params = {w};
+      break;
+    case Fields::Content:
+      c.where = u"where " + LikeTest(u"content");
+      c.params = {w};
+      break;
+    case Fields::TitleOrContent:
+      c.where = u"where (" + LikeTest(u"title") + u" or " + LikeTest(u"content") + u")";
+      c.params = {w, w};
+      break;
+  }
+  const std::u16string like = c.where.substr(6);
+  const ado::Params likeParams = c.params;
+  c.count = u"select count(*) as db_count from db " + c.where;
+  c.countParams = c.params;
+  std::optional<std::u16string> match = MatchExpression(word, fields);
+  if (!match) return c;
+  // The records the index offers, and those still waiting to be taken into it (one sorted
+  // list, so the newest rows come first without sorting the candidates).
+  const Variant m(*match);
+  c.where =
+      u"where id in (select rowid from db_index where db_index match ? "
+      u"union select id from db_index_pending) and " +
+      like;
+  c.params.insert(c.params.begin(), m);
+  c.count = u"select count(*) as db_count from db " + c.where;
+  c.countParams = c.params;
+  if (word.find_first_of(u"%_") == std::u16string_view::npos) {
+    // Without wildcards the index holds exactly the matching records that do not wait: they
+    // are counted there without reading them, the waiting ones by the LIKE test.
+    c.count =
+        u"select (select count(*) from db_index where db_index match ? and rowid not in "
+        u"(select id from db_index_pending)) + (select count(*) from db where id in "
+        u"(select id from db_index_pending) and " +
+        like + u") as db_count";
+    c.countParams = likeParams;
+    c.countParams.insert(c.countParams.begin(), m);
+  }
+  return c;
+}
+
+}  // namespace ostrakan::search
