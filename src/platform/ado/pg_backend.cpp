@@ -2,11 +2,15 @@
 
 #include <libpq-fe.h>
 
+#include <cctype>
 #include <cstdio>
+#include <cstdlib>
+#include <algorithm>
 #include <deque>
 #include <fstream>
 #include <limits>
 #include <map>
+#include <stdexcept>
 #include <mutex>
 #include <vector>
 
@@ -181,6 +185,23 @@ void CheckOneStatement(std::u16string_view sql) {
     }
   }
   if (!seen) throw ScriptError(-2147217908, u"Command text was not set for the command object.");
+}
+
+// The highest $N mark outside literals.
+size_t MarksIn(std::u16string_view sql) {
+  size_t highest = 0;
+  for (size_t i = 0; i < sql.size();) {
+    const size_t skipped = SkipQuoted(sql, i);
+    if (skipped != i) {
+      i = skipped;
+      continue;
+    }
+    if (sql[i++] != u'$') continue;
+    size_t n = 0;
+    while (i < sql.size() && sql[i] >= u'0' && sql[i] <= u'9') n = n * 10 + (sql[i++] - u'0');
+    highest = std::max(highest, n);
+  }
+  return highest;
 }
 
 class PgStatement : public Statement {
@@ -365,6 +386,8 @@ class PgBackend : public Backend {
   StatementPtr Prepare(std::u16string_view sql, const Params& params,
                        const std::vector<bool>& asDate) override {
     CheckOneStatement(sql);
+    if (MarksIn(sql) != params.size())
+      throw std::invalid_argument("the statement's marks and its bound values differ in number");
     auto stmt = std::make_unique<PgStatement>(session_, sql);
     stmt->Bind(params, asDate);
     return stmt;
@@ -414,6 +437,27 @@ PGconn* TakeIdle(const std::string& uri) {
   return nullptr;
 }
 
+// The process's time zone by name, so that the database's local time (LOCALTIMESTAMP, the
+// default of db.time) is the local time the pages show; "" when it cannot be told.
+std::string LocalZoneName() {
+  std::string name;
+  if (const char* tz = std::getenv("TZ"); tz && *tz) {
+    name = tz[0] == ':' ? tz + 1 : tz;
+  } else {
+    std::error_code ec;
+    const std::filesystem::path target = std::filesystem::read_symlink("/etc/localtime", ec);
+    const std::string text = target.string();
+    if (const size_t at = text.find("zoneinfo/"); !ec && at != std::string::npos)
+      name = text.substr(at + 9);
+  }
+  for (char c : name) {
+    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '/' && c != '_' && c != '+' &&
+        c != '-')
+      return "";
+  }
+  return name;
+}
+
 }  // namespace
 
 bool IsServerAddress(std::string_view uri) {
@@ -451,6 +495,8 @@ std::shared_ptr<Backend> ConnectServer(const std::string& uri) {
       PQfinish(conn);
       throw ScriptError(kProviderError, u"The database server does not accept UTF-8 text.");
     }
+    static const std::string zone = LocalZoneName();
+    if (!zone.empty()) PQclear(PQexec(conn, ("SET TimeZone TO '" + zone + "'").c_str()));
     session->conn = conn;
   }
   return std::make_shared<PgBackend>(std::move(session));
