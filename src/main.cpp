@@ -19,13 +19,16 @@ using namespace ostrakan::engine;
 constexpr char kHelp[] = R"(ostrakan - the administration back end of a video search site
 
 Usage:
-  ostrakan init DIR [--admin NAME] [--password PASSWORD] [--from SITE]
+  ostrakan init DIR [--admin NAME] [--password PASSWORD] [--from SITE] [--database URI]
       Make a new site in DIR (which must not exist or must be empty): a copy of SITE
       (by default the site/ folder this program was built with), a fresh SQLite database
       at the path that DB in Setup.asp names (from data/schema.sql), and a first
       administrator NAME (default "admin"). Without --password a random 12-character
       password is made and printed once. Names and passwords may not contain blanks or
       any of # % ' " ( ) * + ; < > [ ], which the sign-in page removes.
+      --database postgresql://USER@HOST/NAME puts the site's tables into that empty
+      PostgreSQL database (from data/schema.pg.sql) instead; the file DB names then holds
+      the address. The address may not hold a password: put it in ~/.pgpass.
 
   ostrakan serve --site DIR [--listen HOST:PORT] [--threads N] [--behind-proxy]
       Serve the site in DIR over HTTP. Before listening it checks that DIR has a readable
@@ -125,9 +128,10 @@ int Init(const std::vector<std::string>& args) {
   o.from = DefaultSiteDir();
   std::vector<std::pair<std::string, std::string>> options;
   std::string problem;
-  if (!ReadOptions(args, 2, {"--admin", "--password", "--from"}, options, problem))
+  if (!ReadOptions(args, 2, {"--admin", "--password", "--from", "--database"}, options, problem))
     return Usage(problem);
   for (const auto& [name, value] : options) {
+    if (name == "--database") o.database = value;
     if (name == "--admin") o.admin = value;
     if (name == "--password") o.password = value;
     if (name == "--from") o.from = value;

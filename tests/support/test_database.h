@@ -13,15 +13,16 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <random>
-#include <regex>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "platform/ado/pg_backend.h"
 
@@ -87,14 +88,55 @@ inline std::string ServerSql(const std::string& uri, const std::string& sql) {
   return first;
 }
 
+// SQLite's group_concat(x[, sep]) and char(a, b ...) in PostgreSQL's words, so that the
+// tests' set-up and checks are written once.
+inline std::string ForPostgres(std::string sql) {
+  auto rewrite = [&sql](const std::string& name, auto&& replace) {
+    for (size_t at = 0; (at = sql.find(name + "(", at)) != std::string::npos;) {
+      if (at > 0 && (std::isalnum(static_cast<unsigned char>(sql[at - 1])) || sql[at - 1] == '_')) {
+        at += name.size();
+        continue;
+      }
+      std::vector<std::string> args(1);
+      size_t i = at + name.size() + 1;
+      for (int depth = 0; i < sql.size(); ++i) {
+        const char c = sql[i];
+        if (c == '\'') {
+          const size_t close = sql.find('\'', i + 1);
+          args.back() += sql.substr(i, close - i + 1);
+          i = close;
+          continue;
+        }
+        if (c == ')' && depth == 0) break;
+        if (c == '(') ++depth;
+        if (c == ')') --depth;
+        if (c == ',' && depth == 0) {
+          args.emplace_back();
+          continue;
+        }
+        args.back() += c;
+      }
+      const std::string with = replace(args);
+      sql.replace(at, i + 1 - at, with);
+      at += with.size();
+    }
+  };
+  rewrite("group_concat", [](const std::vector<std::string>& a) {
+    return "string_agg((" + a[0] + ")::text, " + (a.size() > 1 ? a[1] : "','") + ")";
+  });
+  rewrite("char", [](const std::vector<std::string>& a) {
+    std::string out = "(";
+    for (const auto& code : a) out += (out.size() > 1 ? " || chr(" : "chr(") + code + ")";
+    return out + ")";
+  });
+  return sql;
+}
+
 // Runs SQL on a test database directly (set-up and checks), failing loudly; the first column
-// of the first row it gives, as text ("" for none or NULL). group_concat(x) reads as
-// string_agg(x::text, ',') on PostgreSQL, so that checks are written once.
+// of the first row it gives, as text ("" for none or NULL).
 inline std::string Sql(const std::filesystem::path& db, const std::string& sql) {
-  if (std::optional<std::string> uri = ado::ServerAddressIn(db)) {
-    static const std::regex kGroupConcat(R"(group_concat\(([^()]*)\))");
-    return ServerSql(*uri, std::regex_replace(sql, kGroupConcat, "string_agg(($1)::text, ',')"));
-  }
+  if (std::optional<std::string> uri = ado::ServerAddressIn(db))
+    return ServerSql(*uri, ForPostgres(sql));
   std::optional<std::string> first;
   auto keepFirst = [](void* out, int, char** values, char**) {
     auto& first = *static_cast<std::optional<std::string>*>(out);
@@ -126,12 +168,19 @@ class TestDatabase {
       Sql(file_, ReadFile(SourceDir() / "site/data/schema.sql"));
       return;
     }
-    static std::atomic<int> serial{0};
-    name_ = "t" + std::to_string(getpid()) + "_" + std::to_string(serial++) + "_" +
-            std::to_string(std::random_device()() % 100000);
-    ServerSql(ServerUri("postgres"), "CREATE DATABASE " + name_);
+    CreateEmpty();
     ServerSql(ServerUri(name_), ReadFile(SourceDir() / "site/data/schema.pg.sql"));
     std::ofstream(file_) << ServerUri(name_) << "\n";
+  }
+  // On PostgreSQL, an empty database for "ostrakan init --database" to fill; nothing on SQLite.
+  struct Empty {};
+  explicit TestDatabase(Empty) {
+    if (OnPostgres()) CreateEmpty();
+  }
+  // The address of the database on PostgreSQL; nullopt on SQLite.
+  std::optional<std::string> address() const {
+    if (name_.empty()) return std::nullopt;
+    return ServerUri(name_);
   }
   ~TestDatabase() {
     if (name_.empty()) return;
@@ -144,9 +193,15 @@ class TestDatabase {
   TestDatabase(const TestDatabase&) = delete;
   TestDatabase& operator=(const TestDatabase&) = delete;
   const std::filesystem::path& file() const { return file_; }
-  const std::string& serverName() const { return name_; }  // "" on SQLite
 
  private:
+  void CreateEmpty() {
+    static std::atomic<int> serial{0};
+    name_ = "t" + std::to_string(getpid()) + "_" + std::to_string(serial++) + "_" +
+            std::to_string(std::random_device()() % 100000);
+    ServerSql(ServerUri("postgres"), "CREATE DATABASE " + name_);
+  }
+
   std::filesystem::path file_;
   std::string name_;
 };

@@ -32,7 +32,8 @@ class Statement {
   virtual Variant Column(int i, bool isDate) = 0;
   virtual std::optional<long long> ColumnInteger(int i) = 0;  // nullopt unless an integer
   virtual void Reset() = 0;  // ends a run under way; the next Step starts again
-  // Replaces the bound values (asDate: per value, whether it goes into a date column).
+  // Replaces the bound values (asDate: per value, whether it goes into a date column). Values
+  // and marks that differ in number are a mistake of the caller (std::invalid_argument).
   virtual void Bind(const Params& params, const std::vector<bool>& asDate) = 0;
   // Runs a change to its end (inside a write transaction unless one is open); rows changed.
   virtual long Run() = 0;
@@ -43,10 +44,16 @@ class Backend {
  public:
   virtual ~Backend() = default;
   virtual Dialect dialect() const = 0;
-  // Prepares the one statement in `sql` (in the backend's dialect, "?" marks) and binds
-  // `params`; text after it is an error, and so is a NUL character.
-  virtual StatementPtr Prepare(std::u16string_view sql, const Params& params,
-                               const std::vector<bool>& asDate = {}) = 0;
+  // Prepares the one statement in `sql` (adapted to the backend's dialect); text after it is
+  // an error, and so is a NUL character. Its values are bound by Statement::Bind.
+  virtual StatementPtr PrepareUnbound(std::u16string_view sql) = 0;
+  // PrepareUnbound, then Bind.
+  StatementPtr Prepare(std::u16string_view sql, const Params& params,
+                       const std::vector<bool>& asDate = {}) {
+    StatementPtr stmt = PrepareUnbound(sql);
+    stmt->Bind(params, asDate);
+    return stmt;
+  }
   // Runs "INSERT INTO ..." and gives the new row's id.
   virtual long long Insert(std::u16string_view sql, const Params& params,
                            const std::vector<bool>& asDate) = 0;

@@ -2,16 +2,16 @@
 
 #include <libpq-fe.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
-#include <algorithm>
 #include <deque>
 #include <fstream>
 #include <limits>
 #include <map>
-#include <stdexcept>
 #include <mutex>
+#include <stdexcept>
 #include <vector>
 
 #include "platform/ado/database_error.h"
@@ -207,7 +207,7 @@ size_t MarksIn(std::u16string_view sql) {
 class PgStatement : public Statement {
  public:
   PgStatement(std::shared_ptr<Session> session, std::u16string_view sql)
-      : session_(std::move(session)), sql_(ToUtf8(TrimStatementEnd(sql))) {}
+      : session_(std::move(session)), sql_(ToUtf8(TrimStatementEnd(sql))), marks_(MarksIn(sql)) {}
   ~PgStatement() override {
     try {
       Abandon();
@@ -255,6 +255,8 @@ class PgStatement : public Statement {
     Abandon();
   }
   void Bind(const Params& params, const std::vector<bool>& asDate) override {
+    if (params.size() != marks_)
+      throw std::invalid_argument("the statement's marks and its bound values differ in number");
     Abandon();
     values_.clear();
     for (size_t i = 0; i < params.size(); ++i)
@@ -365,6 +367,7 @@ class PgStatement : public Statement {
 
   std::shared_ptr<Session> session_;
   std::string sql_;
+  size_t marks_;
   std::vector<std::optional<std::string>> values_;
   State state_ = State::kIdle;
   ResultPtr meta_;   // the columns of the last run of a query
@@ -383,14 +386,9 @@ class PgBackend : public Backend {
  public:
   explicit PgBackend(std::shared_ptr<Session> session) : session_(std::move(session)) {}
   Dialect dialect() const override { return Dialect::kPostgres; }
-  StatementPtr Prepare(std::u16string_view sql, const Params& params,
-                       const std::vector<bool>& asDate) override {
+  StatementPtr PrepareUnbound(std::u16string_view sql) override {
     CheckOneStatement(sql);
-    if (MarksIn(sql) != params.size())
-      throw std::invalid_argument("the statement's marks and its bound values differ in number");
-    auto stmt = std::make_unique<PgStatement>(session_, sql);
-    stmt->Bind(params, asDate);
-    return stmt;
+    return std::make_unique<PgStatement>(session_, sql);
   }
   long long Insert(std::u16string_view sql, const Params& params,
                    const std::vector<bool>& asDate) override {
@@ -508,6 +506,51 @@ void DropIdleServerSessions() {
     for (PGconn* conn : idle) PQfinish(conn);
     idle.clear();
   }
+}
+
+bool AddressHoldsPassword(const std::string& uri) {
+  char* error = nullptr;
+  PQconninfoOption* options = PQconninfoParse(uri.c_str(), &error);
+  PQfreemem(error);
+  bool found = false;
+  for (PQconninfoOption* o = options; o && o->keyword; ++o) {
+    if (std::string_view(o->keyword) == "password" && o->val && *o->val) found = true;
+  }
+  PQconninfoFree(options);
+  return found;
+}
+
+void CreateServerSite(const std::string& uri, const std::string& schema, const std::string& admin,
+                      const std::string& digest) {
+  ConnectServer(uri);  // an unreachable server is one sentence
+  auto fail = [](const std::string& what, PGconn* conn, const PGresult* r) {
+    std::string why = ToUtf8(ServerError(conn, r).description);
+    if (const size_t nl = why.find('\n'); nl != std::string::npos) why.resize(nl);
+    throw ScriptError(kProviderError, FromUtf8(what + why));
+  };
+  PGconn* conn = PQconnectdb(uri.c_str());
+  std::unique_ptr<PGconn, void (*)(PGconn*)> guard(conn, PQfinish);
+  ResultPtr tables(PQexec(conn,
+                          "SELECT count(*) FROM information_schema.tables WHERE table_schema NOT "
+                          "IN ('pg_catalog', 'information_schema')"));
+  if (PQresultStatus(tables.get()) != PGRES_TUPLES_OK)
+    fail("the database cannot be read: ", conn, tables.get());
+  if (std::string(PQgetvalue(tables.get(), 0, 0)) != "0")
+    throw ScriptError(kProviderError,
+                      u"the database holds tables already; a new site needs an empty database");
+  ResultPtr begin(PQexec(conn, "BEGIN"));
+  ResultPtr made(PQexec(conn, schema.c_str()));
+  if (PQresultStatus(made.get()) != PGRES_COMMAND_OK &&
+      PQresultStatus(made.get()) != PGRES_TUPLES_OK)
+    fail("the database schema failed: ", conn, made.get());
+  const char* values[] = {admin.c_str(), digest.c_str()};
+  ResultPtr added(PQexecParams(conn, "INSERT INTO admin (username, password) VALUES ($1, $2)", 2,
+                               nullptr, values, nullptr, nullptr, 0));
+  if (PQresultStatus(added.get()) != PGRES_COMMAND_OK)
+    fail("cannot add the administrator: ", conn, added.get());
+  ResultPtr commit(PQexec(conn, "COMMIT"));
+  if (PQresultStatus(commit.get()) != PGRES_COMMAND_OK)
+    fail("the database schema failed: ", conn, commit.get());
 }
 
 }  // namespace ostrakan::ado

@@ -34,6 +34,16 @@ bool IsServerAddress(std::string_view uri);
 // error, in one sentence, when the server cannot be reached.
 std::shared_ptr<Backend> ConnectServer(const std::string& uri);
 
+// Whether the connection URI carries a password (which must not be written into a site).
+bool AddressHoldsPassword(const std::string& uri);
+
+// Makes a new site's database at `uri`: the tables of `schema` and the first administrator
+// (`admin`, with the password digest `digest`), in one transaction. Raises ScriptError, in
+// one sentence, when the server cannot be reached, when the database holds tables already, or
+// when the schema fails; then nothing was created.
+void CreateServerSite(const std::string& uri, const std::string& schema, const std::string& admin,
+                      const std::string& digest);
+
 // Drops the idle sessions of the pool (tests that stop a server; a process about to exit).
 void DropIdleServerSessions();
 

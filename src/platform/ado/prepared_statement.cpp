@@ -5,7 +5,7 @@
 namespace ostrakan::ado {
 
 PreparedStatement::PreparedStatement(Connection& conn, std::u16string_view sql)
-    : stmt_(conn.backend().Prepare(AdaptStatement(sql, conn.backend().dialect()), {})) {}
+    : stmt_(conn.backend().PrepareUnbound(AdaptStatement(sql, conn.backend().dialect()))) {}
 
 long PreparedStatement::Run(const Params& params) {
   stmt_->Bind(params, {});

@@ -348,11 +348,11 @@ bool Recordset::ReloadRow(std::u16string_view keyColumn, long long key) {
   const std::u16string hidden = backend.dialect() == Dialect::kSqlite
                                     ? u", rowid AS " + std::u16string(kHiddenKey)
                                     : std::u16string();
-  StatementPtr stmt = backend.Prepare(
-      AdaptStatement(u"SELECT *" + hidden + u" FROM " + QuoteName(table_) + u" WHERE " +
-                         std::u16string(keyColumn) + u" = ?",
-                     backend.dialect()),
-      {Variant(static_cast<double>(key))});
+  StatementPtr stmt =
+      backend.Prepare(AdaptStatement(u"SELECT *" + hidden + u" FROM " + QuoteName(table_) +
+                                         u" WHERE " + std::u16string(keyColumn) + u" = ?",
+                                     backend.dialect()),
+                      {Variant(static_cast<double>(key))});
   if (!stmt->Step()) return false;  // the row left the table (a trigger, another writer)
   const int count = stmt->ColumnCount();
   std::vector<Variant> row(names_.size(), Variant::Null());

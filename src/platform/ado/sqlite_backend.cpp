@@ -50,11 +50,8 @@ void Exec(sqlite3* db, const char* sql) {
 
 }  // namespace
 
-StatementPtr SqliteBackend::Prepare(std::u16string_view sql, const Params& params,
-                                    const std::vector<bool>& asDate) {
-  SqliteStatementPtr stmt = PrepareOne(db_.get(), sql);
-  BindParams(stmt.get(), params, asDate);
-  return std::make_unique<SqliteStatement>(db_.get(), std::move(stmt));
+StatementPtr SqliteBackend::PrepareUnbound(std::u16string_view sql) {
+  return std::make_unique<SqliteStatement>(db_.get(), PrepareOne(db_.get(), sql));
 }
 
 long long SqliteBackend::Insert(std::u16string_view sql, const Params& params,

@@ -11,8 +11,7 @@ class SqliteBackend : public Backend {
  public:
   explicit SqliteBackend(DatabaseHandle db) : db_(std::move(db)) {}
   Dialect dialect() const override { return Dialect::kSqlite; }
-  StatementPtr Prepare(std::u16string_view sql, const Params& params,
-                       const std::vector<bool>& asDate = {}) override;
+  StatementPtr PrepareUnbound(std::u16string_view sql) override;
   long long Insert(std::u16string_view sql, const Params& params,
                    const std::vector<bool>& asDate) override;
   bool InTransaction() override;
