@@ -36,14 +36,16 @@ fi
 if command -v systemd-analyze >/dev/null; then
   # The unit names the installed binary; the check needs one that exists.
   sed "s#/usr/local/bin/ostrakan#$binary#" "$src/deploy/ostrakan.service" >"$tmp/ostrakan.service"
-  out=$(systemd-analyze verify "$tmp/ostrakan.service" 2>&1)
+  # The template unit is checked as one of its instances.
+  sed "s#/usr/local/bin/ostrakan#$binary#" "$src/deploy/ostrakan@.service" >"$tmp/ostrakan@8081.service"
+  out=$(systemd-analyze verify "$tmp/ostrakan.service" "$tmp/ostrakan@8081.service" 2>&1)
   rc=$?
   if ((rc != 0)) || grep -q "ostrakan" <<<"$out"; then
-    echo "deploy: systemd-analyze verify finds problems in deploy/ostrakan.service:"
+    echo "deploy: systemd-analyze verify finds problems in the units of deploy/:"
     echo "$out"
     status=1
   else
-    echo "deploy: systemd-analyze verify accepts deploy/ostrakan.service"
+    echo "deploy: systemd-analyze verify accepts the units of deploy/"
   fi
   checked=1
 else
