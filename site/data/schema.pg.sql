@@ -120,3 +120,16 @@ CREATE TABLE IF NOT EXISTS gather_run (
   finished timestamp(0)
 );
 CREATE INDEX IF NOT EXISTS gather_run_rule ON gather_run (kind, rule_id, finished);
+
+-- Sessions of the site's servers, so that any server of a site on PostgreSQL answers any
+-- request: the session's items as text, whether an administrator is signed in, and when it
+-- expires (local time; an expired row is ignored and swept).
+CREATE TABLE IF NOT EXISTS web_session (
+  id text PRIMARY KEY,
+  items text NOT NULL,
+  code_page integer NOT NULL,
+  timeout integer NOT NULL,
+  signed_in integer NOT NULL DEFAULT 0,
+  expires timestamp(0) NOT NULL
+);
+CREATE INDEX IF NOT EXISTS web_session_expires ON web_session (expires);
