@@ -42,18 +42,43 @@ DatabaseError ServerError(PGconn* conn, const PGresult* result = nullptr) {
 
 class PgStatement;
 
-// One server session: its connection, and the statement whose rows are being read on it.
-struct Session {
+// One connection of a session, and the statement whose rows are being read on it.
+struct Link {
   PGconn* conn = nullptr;
-  std::string uri;
   PgStatement* reading = nullptr;
+};
+
+// A connection to the database, newly made or from the pool.
+PGconn* OpenLink(const std::string& uri);
+
+// One server session. A statement runs on a connection that no other statement is reading
+// rows from, so a page that runs statements while a set streams gets a second connection
+// (from the pool) rather than loading the set; only inside a write transaction, where every
+// statement must run on the transaction's connection, does a set under way get read into
+// memory first.
+struct Session {
+  std::string uri;
+  std::vector<std::unique_ptr<Link>> links;
+  Link* tx = nullptr;  // the connection of the open write transaction
   ~Session();
-  void Exec(const char* sql) {
-    ResultPtr r(PQexec(conn, sql));
-    const ExecStatusType status = PQresultStatus(r.get());
-    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) throw ServerError(conn, r.get());
+  Link* FreeLink() {
+    for (auto& link : links)
+      if (!link->reading) return link.get();
+    links.push_back(std::make_unique<Link>());
+    links.back()->conn = OpenLink(uri);
+    return links.back().get();
   }
-  void FinishReading();  // reads the rest of the rows under way into memory
+  Link* LinkFor() {
+    if (tx && PQtransactionStatus(tx->conn) == PQTRANS_IDLE) tx = nullptr;
+    return tx ? tx : FreeLink();
+  }
+  static void Exec(Link& link, const char* sql) {
+    ResultPtr r(PQexec(link.conn, sql));
+    const ExecStatusType status = PQresultStatus(r.get());
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK)
+      throw ServerError(link.conn, r.get());
+  }
+  static void FinishReading(Link& link);  // reads the rest of the rows under way into memory
 };
 
 std::mutex poolMutex;
@@ -63,17 +88,20 @@ std::map<std::string, std::vector<PGconn*>>& Pool() {
 }
 
 Session::~Session() {
-  const bool reusable = conn && !reading && PQstatus(conn) == CONNECTION_OK &&
-                        PQtransactionStatus(conn) == PQTRANS_IDLE;
-  if (reusable) {
-    std::lock_guard lock(poolMutex);
-    auto& idle = Pool()[uri];
-    if (idle.size() < kIdlePerAddress) {
-      idle.push_back(conn);
-      return;
+  for (auto& link : links) {
+    PGconn* conn = link->conn;
+    const bool reusable = conn && !link->reading && PQstatus(conn) == CONNECTION_OK &&
+                          PQtransactionStatus(conn) == PQTRANS_IDLE;
+    if (reusable) {
+      std::lock_guard lock(poolMutex);
+      auto& idle = Pool()[uri];
+      if (idle.size() < kIdlePerAddress) {
+        idle.push_back(conn);
+        continue;
+      }
     }
+    if (conn) PQfinish(conn);
   }
-  if (conn) PQfinish(conn);
 }
 
 // A value as the text PostgreSQL reads it (nullopt for NULL).
@@ -285,8 +313,9 @@ class PgStatement : public Statement {
   // the count of a change.
   void Start() {
     Abandon();
-    if (session_->reading) session_->FinishReading();
-    PGconn* conn = session_->conn;
+    link_ = session_->LinkFor();
+    if (link_->reading) Session::FinishReading(*link_);
+    PGconn* conn = link_->conn;
     std::vector<const char*> values;
     for (const auto& v : values_) values.push_back(v ? v->c_str() : nullptr);
     if (!PQsendQueryParams(conn, sql_.c_str(), static_cast<int>(values.size()), nullptr,
@@ -299,7 +328,7 @@ class PgStatement : public Statement {
         meta_.reset(PQcopyResult(r.get(), PG_COPYRES_ATTRS));
         first_ = std::move(r);
         state_ = State::kReading;
-        session_->reading = this;
+        link_->reading = this;
         break;
       case PGRES_TUPLES_OK:  // a query without rows
         meta_ = std::move(r);
@@ -326,18 +355,17 @@ class PgStatement : public Statement {
       buffered_.pop_front();
       return r;
     }
-    if (session_->reading != this) return nullptr;
     return Fetch();
   }
 
   // Reads one row from the connection; null (and the connection freed) at the end.
   ResultPtr Fetch() {
-    if (session_->reading != this) return nullptr;
-    PGconn* conn = session_->conn;
+    if (!link_ || link_->reading != this) return nullptr;
+    PGconn* conn = link_->conn;
     ResultPtr r(PQgetResult(conn));
     const ExecStatusType status = PQresultStatus(r.get());
     if (status == PGRES_SINGLE_TUPLE) return r;
-    session_->reading = nullptr;
+    link_->reading = nullptr;
     if (!r || status == PGRES_TUPLES_OK) {
       Drained();
       return nullptr;
@@ -347,14 +375,14 @@ class PgStatement : public Statement {
 
   // Reads the connection's remaining answers (after the last, or after an error).
   DatabaseError Drained(DatabaseError error = DatabaseError(0, u"", 0, 0)) {
-    if (session_->reading == this) session_->reading = nullptr;
-    while (PGresult* rest = PQgetResult(session_->conn)) PQclear(rest);
+    if (link_->reading == this) link_->reading = nullptr;
+    while (PGresult* rest = PQgetResult(link_->conn)) PQclear(rest);
     return error;
   }
 
   // Ends the run under way: the rows not read are read and dropped.
   void Abandon() {
-    if (session_->reading == this) {
+    if (link_ && link_->reading == this) {
       while (Fetch()) {
       }
     }
@@ -366,6 +394,7 @@ class PgStatement : public Statement {
   }
 
   std::shared_ptr<Session> session_;
+  Link* link_ = nullptr;  // the connection of the last run
   std::string sql_;
   size_t marks_;
   std::vector<std::optional<std::string>> values_;
@@ -378,8 +407,8 @@ class PgStatement : public Statement {
   long affected_ = 0;
 };
 
-void Session::FinishReading() {
-  if (PgStatement* statement = reading) statement->FinishReading();
+void Session::FinishReading(Link& link) {
+  if (PgStatement* statement = link.reading) statement->FinishReading();
 }
 
 class PgBackend : public Backend {
@@ -399,22 +428,30 @@ class PgBackend : public Backend {
     stmt->Reset();
     return id;
   }
-  bool InTransaction() override { return PQtransactionStatus(session_->conn) != PQTRANS_IDLE; }
+  bool InTransaction() override {
+    return session_->tx && PQtransactionStatus(session_->tx->conn) != PQTRANS_IDLE;
+  }
   void BeginWrite() override {
-    session_->FinishReading();
-    session_->Exec(kBeginWrite);
+    Link* link = session_->FreeLink();
+    Session::Exec(*link, kBeginWrite);
+    session_->tx = link;
   }
   void Commit() override {
-    session_->FinishReading();
-    session_->Exec("COMMIT");
+    Link* link = session_->tx;
+    if (!link) return;
+    Session::FinishReading(*link);
+    Session::Exec(*link, "COMMIT");
+    session_->tx = nullptr;
   }
   void Rollback() override {
+    Link* link = session_->tx;
+    if (!link) return;
+    session_->tx = nullptr;
     try {
-      session_->FinishReading();
+      Session::FinishReading(*link);
     } catch (const std::exception&) {
     }
-    if (PQtransactionStatus(session_->conn) != PQTRANS_IDLE)
-      PQclear(PQexec(session_->conn, "ROLLBACK"));
+    if (PQtransactionStatus(link->conn) != PQTRANS_IDLE) PQclear(PQexec(link->conn, "ROLLBACK"));
   }
 
  private:
@@ -456,6 +493,25 @@ std::string LocalZoneName() {
   return name;
 }
 
+PGconn* OpenLink(const std::string& uri) {
+  if (PGconn* idle = TakeIdle(uri)) return idle;
+  PGconn* conn = PQconnectdb(uri.c_str());
+  if (PQstatus(conn) != CONNECTION_OK) {
+    std::string why = conn ? PQerrorMessage(conn) : "out of memory";
+    PQfinish(conn);
+    while (!why.empty() && (why.back() == '\n' || why.back() == ' ')) why.pop_back();
+    if (const size_t nl = why.rfind('\n'); nl != std::string::npos) why = why.substr(nl + 1);
+    throw ScriptError(kProviderError, u"The database server cannot be reached: " + FromUtf8(why));
+  }
+  if (PQsetClientEncoding(conn, "UTF8") != 0) {
+    PQfinish(conn);
+    throw ScriptError(kProviderError, u"The database server does not accept UTF-8 text.");
+  }
+  static const std::string zone = LocalZoneName();
+  if (!zone.empty()) PQclear(PQexec(conn, ("SET TimeZone TO '" + zone + "'").c_str()));
+  return conn;
+}
+
 }  // namespace
 
 bool IsServerAddress(std::string_view uri) {
@@ -479,24 +535,7 @@ std::optional<std::string> ServerAddressIn(const std::filesystem::path& file) {
 std::shared_ptr<Backend> ConnectServer(const std::string& uri) {
   auto session = std::make_shared<Session>();
   session->uri = uri;
-  session->conn = TakeIdle(uri);
-  if (!session->conn) {
-    PGconn* conn = PQconnectdb(uri.c_str());
-    if (PQstatus(conn) != CONNECTION_OK) {
-      std::string why = conn ? PQerrorMessage(conn) : "out of memory";
-      PQfinish(conn);
-      while (!why.empty() && (why.back() == '\n' || why.back() == ' ')) why.pop_back();
-      if (const size_t nl = why.rfind('\n'); nl != std::string::npos) why = why.substr(nl + 1);
-      throw ScriptError(kProviderError, u"The database server cannot be reached: " + FromUtf8(why));
-    }
-    if (PQsetClientEncoding(conn, "UTF8") != 0) {
-      PQfinish(conn);
-      throw ScriptError(kProviderError, u"The database server does not accept UTF-8 text.");
-    }
-    static const std::string zone = LocalZoneName();
-    if (!zone.empty()) PQclear(PQexec(conn, ("SET TimeZone TO '" + zone + "'").c_str()));
-    session->conn = conn;
-  }
+  session->FreeLink();  // the first connection now, so that an unreachable server says so
   return std::make_shared<PgBackend>(std::move(session));
 }
 
