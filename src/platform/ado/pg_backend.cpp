@@ -35,7 +35,9 @@ using ResultPtr = std::unique_ptr<PGresult, ResultFree>;
 DatabaseError ServerError(PGconn* conn, const PGresult* result = nullptr) {
   std::string text = result ? PQresultErrorMessage(result) : "";
   if (text.empty()) text = PQerrorMessage(conn);
-  while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+  // One line for the log: libpq's explanation of a lost connection follows on lines of its own.
+  if (const size_t nl = text.find('\n'); nl != std::string::npos) text.resize(nl);
+  while (!text.empty() && text.back() == ' ') text.pop_back();
   if (text.empty()) text = "the database connection failed";
   return DatabaseError(kProviderError, FromUtf8(text), 0, 0);
 }
