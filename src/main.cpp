@@ -11,6 +11,7 @@
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "engine/generate_command.h"
+#include "engine/migrate_command.h"
 
 namespace {
 
@@ -42,6 +43,14 @@ Usage:
       Errors of the pages are logged in DIR/data/PagebindLog.Log. SIGINT or SIGTERM (Ctrl-C, or kill PID) stops the
       server. --behind-proxy: requests come through a proxy on this machine (nginx,
       see deploy/), which names the client in X-Real-IP.
+
+  ostrakan migrate --site DIR --to postgresql://USER@HOST/NAME [--json]
+      Move the site in DIR from its SQLite database to that empty PostgreSQL database:
+      every table is copied with its ids and checked (row count and digest per table) in
+      one transaction, then the site switches over and its SQLite file is kept beside the
+      address as FILE.sqlite. A failure leaves the site on SQLite and can be run again.
+      Stop the site's servers first. Progress on a terminal; --json ends the output with
+      a one-line JSON summary. The address may not hold a password: use ~/.pgpass.
 
   ostrakan passwd --site DIR --admin NAME [--password PASSWORD] [--add] [--json]
       Set the password of the administrator NAME of the site in DIR. A NAME that no
@@ -195,6 +204,23 @@ int Generate(const std::vector<std::string>& args) {
   return RunGenerate(o, std::cout, std::cerr);
 }
 
+int Migrate(std::vector<std::string> args) {
+  MigrateOptions o;
+  if (auto flag = std::find(args.begin(), args.end(), "--json"); flag != args.end()) {
+    o.json = true;
+    args.erase(flag);
+  }
+  std::vector<std::pair<std::string, std::string>> options;
+  std::string problem;
+  if (!ReadOptions(args, 1, {"--site", "--to"}, options, problem)) return Usage(problem);
+  for (const auto& [name, value] : options) {
+    if (name == "--site") o.site = value;
+    if (name == "--to") o.to = value;
+  }
+  if (o.site.empty() || o.to.empty()) return Usage("migrate needs --site DIR and --to URI");
+  return RunMigrate(o, std::cout, std::cerr);
+}
+
 int Passwd(const std::vector<std::string>& args) {
   PasswdOptions o;
   std::vector<std::string> rest;
@@ -249,6 +275,7 @@ int main(int argc, char** argv) {
   if (command == "init") return Init(args);
   if (command == "serve") return Serve(args);
   if (command == "passwd") return Passwd(args);
+  if (command == "migrate") return Migrate(args);
   if (command == "generate") return Generate(args);
   if (command == "gather") {
     std::vector<std::string> rest(args.begin() + 1, args.end());
