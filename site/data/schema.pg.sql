@@ -133,3 +133,11 @@ CREATE TABLE IF NOT EXISTS web_session (
   expires timestamp(0) NOT NULL
 );
 CREATE INDEX IF NOT EXISTS web_session_expires ON web_session (expires);
+
+-- Failed sign-ins by client address, counted by every server of the site (the sign-in
+-- throttle); rows older than a day are swept.
+CREATE TABLE IF NOT EXISTS sign_in_failure (
+  address text NOT NULL,
+  at timestamp(0) NOT NULL
+);
+CREATE INDEX IF NOT EXISTS sign_in_failure_address ON sign_in_failure (address, at);

@@ -128,6 +128,17 @@ HttpResponse PageEngine::ServePage(const HttpRequest& request, const ResolvedPat
 
 SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {
   if (!IsSignInAttempt(request)) return {};
+  // The servers of a site on PostgreSQL count failures together.
+  try {
+    if (auto setup = setup_.Get(root_ / kSetupFileName))
+      if (const SharedSessions* shared = SharedSessionsOf(**setup))
+        signIns_.Observe(
+            request.remoteAddr,
+            static_cast<size_t>(shared->FailedSignIns(
+                request.remoteAddr, static_cast<int>(SignInThrottle::kWindow.count()))));
+  } catch (const std::exception& e) {
+    Report("the sign-in failures could not be read: " + std::string(e.what()));
+  }
   return signIns_.Admit(request.remoteAddr);
 }
 
@@ -224,7 +235,16 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
 
   // The session's fate, whether or not the page ran to its end.
   const bool signedIn = !adminItem.empty() && IsSet(session->Get(adminItem));
-  if (IsSignInAttempt(http)) signIns_.Record(http.remoteAddr, !signedIn);
+  if (IsSignInAttempt(http)) {
+    signIns_.Record(http.remoteAddr, !signedIn);
+    if (shared) {
+      try {
+        shared->RecordSignIn(http.remoteAddr, !signedIn);
+      } catch (const std::exception& e) {
+        Report("the sign-in could not be recorded: " + std::string(e.what()));
+      }
+    }
+  }
   if (shared) {
     KeepSharedSession(*shared, sessionId, *session, signedInBefore, signedIn, out);
     return out;

@@ -189,6 +189,31 @@ void SharedSessions::Claim(const std::string& id, Session& session,
   if (claimed == 1) session.Set(item, std::move(value));
 }
 
+long SharedSessions::FailedSignIns(const std::string& address, int minutes) const {
+  auto db = ado::ConnectServer(uri_);
+  ado::StatementPtr count = db->Prepare(
+      u"select count(*) from sign_in_failure where address = $1 and at > $2",
+      {Variant(FromUtf8(address)), Variant::Date(CurrentClock().Now() - minutes / 1440.0)});
+  const long n = count->Step() ? CLng(Field(*count, 0)) : 0;
+  count->Reset();
+  return n;
+}
+
+void SharedSessions::RecordSignIn(const std::string& address, bool failed) const {
+  auto db = ado::ConnectServer(uri_);
+  const Variant who(FromUtf8(address));
+  if (!failed) {
+    db->Prepare(u"delete from sign_in_failure where address = $1", {who})->Run();
+    return;
+  }
+  const double now = CurrentClock().Now();
+  db->Prepare(u"insert into sign_in_failure (address, at) values ($1, $2)",
+              {who, Variant::Date(now)})
+      ->Run();
+  // Failures older than a day count for nothing any more.
+  db->Prepare(u"delete from sign_in_failure where at < $1", {Variant::Date(now - 1)})->Run();
+}
+
 void SharedSessions::Drop(const std::string& id) const {
   ado::ConnectServer(uri_)
       ->Prepare(u"delete from web_session where id = $1", {Variant(FromUtf8(id))})

@@ -33,6 +33,11 @@ class SharedSessions {
   // loses it here too. Several servers answering posts of one code let one of them use it.
   void Claim(const std::string& id, Session& session, std::u16string_view item) const;
 
+  // Failed sign-ins from `address` within the last `minutes`, counted by every server.
+  long FailedSignIns(const std::string& address, int minutes) const;
+  // Records a failed sign-in, or forgets the address's failures after a success.
+  void RecordSignIn(const std::string& address, bool failed) const;
+
   // The session's items as text, and back (unknown lines are skipped).
   static std::string Encode(const Session& session);
   static void Decode(const std::string& text, Session& session);

@@ -1,6 +1,7 @@
 // Two servers of one site on PostgreSQL: what one of them knows of a visitor's session, the
-// other knows too (signed in, the verify code drawn, signed out), and a restarted server
-// still knows it. On SQLite each server keeps its own sessions; these tests need PostgreSQL.
+// other knows too (signed in, the verify code drawn, signed out, failed sign-ins), and a
+// restarted server still knows it. On SQLite each server keeps its own sessions; these tests need
+// PostgreSQL.
 #include <future>
 
 #include "engine/shared_sessions.h"
@@ -61,6 +62,21 @@ TEST_F(SharedSessionsTest, ACodeDrawnFromOneServerSignsInOnceThroughEither) {
   };
   EXPECT_EQ(in(a) + in(b), 1) << ToUtf8(a) << ToUtf8(b);
   EXPECT_NE((in(a) ? b : a).find(u"验证码错误！"), std::u16string::npos);
+}
+
+TEST_F(SharedSessionsTest, TheSignInThrottleCountsFailuresOnEveryServer) {
+  for (int i = 0; i < engine::SignInThrottle::kFreeFailures; ++i)
+    EXPECT_EQ(client().Post("/admin/login.asp", SignInForm("admin", "wrong", "0000")).status, 200);
+  // The other server has seen none of them, yet pauses the next attempts: more of them at
+  // once than may wait are refused.
+  std::vector<std::future<long>> posts;
+  for (int i = 0; i < 6; ++i)
+    posts.push_back(std::async(std::launch::async, [&] {
+      return other().Post("/admin/login.asp", SignInForm("admin", "wrong", "0000")).status;
+    }));
+  int refused = 0;
+  for (auto& p : posts) refused += p.get() == 429;
+  EXPECT_GT(refused, 0);
 }
 
 TEST(SharedSessionItems, KeepTheirTypesAndAnyText) {
