@@ -17,6 +17,7 @@
 #include "engine/schedule_command.h"
 #include "engine/worker_command.h"
 #include "platform/http/fetch_stop.h"
+#include "engine/migrate_command.h"
 
 namespace {
 
@@ -25,13 +26,16 @@ using namespace ostrakan::engine;
 constexpr char kHelp[] = R"(ostrakan - the administration back end of a video search site
 
 Usage:
-  ostrakan init DIR [--admin NAME] [--password PASSWORD] [--from SITE]
+  ostrakan init DIR [--admin NAME] [--password PASSWORD] [--from SITE] [--database URI]
       Make a new site in DIR (which must not exist or must be empty): a copy of SITE
       (by default the site/ folder this program was built with), a fresh SQLite database
       at the path that DB in Setup.asp names (from data/schema.sql), and a first
       administrator NAME (default "admin"). Without --password a random 12-character
       password is made and printed once. Names and passwords may not contain blanks or
       any of # % ' " ( ) * + ; < > [ ], which the sign-in page removes.
+      --database postgresql://USER@HOST/NAME puts the site's tables into that empty
+      PostgreSQL database (from data/schema.pg.sql) instead; the file DB names then holds
+      the address. The address may not hold a password: put it in ~/.pgpass.
 
   ostrakan serve --site DIR [--listen HOST:PORT] [--threads N] [--behind-proxy]
       Serve the site in DIR over HTTP. Before listening it checks that DIR has a readable
@@ -45,6 +49,14 @@ Usage:
       Errors of the pages are logged in DIR/data/PagebindLog.Log. SIGINT or SIGTERM (Ctrl-C, or kill PID) stops the
       server. --behind-proxy: requests come through a proxy on this machine (nginx,
       see deploy/), which names the client in X-Real-IP.
+
+  ostrakan migrate --site DIR --to postgresql://USER@HOST/NAME [--json]
+      Move the site in DIR from its SQLite database to that empty PostgreSQL database:
+      every table is copied with its ids and checked (row count and digest per table) in
+      one transaction, then the site switches over and its SQLite file is kept beside the
+      address as FILE.sqlite. A failure leaves the site on SQLite and can be run again.
+      Stop the site's servers first. Progress on a terminal; --json ends the output with
+      a one-line JSON summary. The address may not hold a password: use ~/.pgpass.
 
   ostrakan passwd --site DIR --admin NAME [--password PASSWORD] [--add] [--json]
       Set the password of the administrator NAME of the site in DIR. A NAME that no
@@ -167,9 +179,10 @@ int Init(const std::vector<std::string>& args) {
   o.from = DefaultSiteDir();
   std::vector<std::pair<std::string, std::string>> options;
   std::string problem;
-  if (!ReadOptions(args, 2, {"--admin", "--password", "--from"}, options, problem))
+  if (!ReadOptions(args, 2, {"--admin", "--password", "--from", "--database"}, options, problem))
     return Usage(problem);
   for (const auto& [name, value] : options) {
+    if (name == "--database") o.database = value;
     if (name == "--admin") o.admin = value;
     if (name == "--password") o.password = value;
     if (name == "--from") o.from = value;
@@ -252,6 +265,23 @@ int Reindex(const std::vector<std::string>& args) {
   return RunReindex(o, std::cout, std::cerr);
 }
 
+int Migrate(std::vector<std::string> args) {
+  MigrateOptions o;
+  if (auto flag = std::find(args.begin(), args.end(), "--json"); flag != args.end()) {
+    o.json = true;
+    args.erase(flag);
+  }
+  std::vector<std::pair<std::string, std::string>> options;
+  std::string problem;
+  if (!ReadOptions(args, 1, {"--site", "--to"}, options, problem)) return Usage(problem);
+  for (const auto& [name, value] : options) {
+    if (name == "--site") o.site = value;
+    if (name == "--to") o.to = value;
+  }
+  if (o.site.empty() || o.to.empty()) return Usage("migrate needs --site DIR and --to URI");
+  return RunMigrate(o, std::cout, std::cerr);
+}
+
 int Passwd(const std::vector<std::string>& args) {
   PasswdOptions o;
   std::vector<std::string> rest;
@@ -316,6 +346,7 @@ int main(int argc, char** argv) {
   if (command == "init") return Init(args);
   if (command == "serve") return Serve(args);
   if (command == "passwd") return Passwd(args);
+  if (command == "migrate") return Migrate(args);
   if (command == "generate") return Generate(args);
   if (command == "reindex") return Reindex(args);
   if (command == "gather") {

@@ -1,6 +1,7 @@
 #include <sqlite3.h>
 #include <sys/random.h>
 
+#include <fstream>
 #include <ostream>
 
 #include "access/md5.h"
@@ -10,6 +11,7 @@
 #include "engine/file_cache.h"
 #include "engine/site_setup.h"
 #include "platform/ado/database_file.h"
+#include "platform/ado/pg_backend.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -78,19 +80,44 @@ void CreateDatabase(const fs::path& file, const std::string& schema, const std::
     throw InitError(std::string("cannot add the administrator: ") + sqlite3_errmsg(db));
 }
 
+// A site on PostgreSQL: the tables and the administrator in the database at `uri`, and in the
+// file that DB names (never served) the address, without a password.
+void CreateServerDatabase(const fs::path& file, const std::string& uri, const std::string& schema,
+                          const std::string& admin, const std::string& password) {
+  try {
+    ado::CreateServerSite(uri, schema, admin, ToUtf8(Md5(FromUtf8(password))));
+  } catch (const ScriptError& e) {
+    throw InitError(ToUtf8(e.description));
+  }
+  fs::create_directories(file.parent_path());
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out << uri << "\n";
+  if (!out.flush()) throw InitError("cannot write " + file.string());
+}
+
 void Init(const InitOptions& o, const std::string& password) {
   CheckSignInText("administrator name", o.admin);
   CheckSignInText("password", password);
+  if (o.database && !ado::IsServerAddress(*o.database))
+    throw InitError("--database takes a PostgreSQL address such as postgresql://USER@HOST/NAME");
+  if (o.database && ado::AddressHoldsPassword(*o.database))
+    throw InitError(
+        "the database address may not hold a password; put it in ~/.pgpass of the user who "
+        "runs ostrakan");
   if (!fs::is_regular_file(o.from / kSetupFileName))
     throw InitError("the site to copy, " + o.from.string() + ", has no Setup.asp");
-  fs::path schemaFile = o.from / "data" / "schema.sql";
+  fs::path schemaFile = o.from / "data" / (o.database ? "schema.pg.sql" : "schema.sql");
   std::optional<std::string> schema = ReadWholeFile(schemaFile);
   if (!schema) throw InitError("cannot read " + schemaFile.string());
   CopySite(o.from, o.dir);
   SiteSetup setup = LoadSiteSetup(o.dir);
   if (TextOf(setup.Get(u"DB")).empty())
     throw InitError("Setup.asp does not name the database (DB)");
-  CreateDatabase(setup.DatabasePath(o.dir), *schema, o.admin, password);
+  if (o.database) {
+    CreateServerDatabase(setup.DatabasePath(o.dir), *o.database, *schema, o.admin, password);
+  } else {
+    CreateDatabase(setup.DatabasePath(o.dir), *schema, o.admin, password);
+  }
 }
 
 }  // namespace

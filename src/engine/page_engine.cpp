@@ -9,6 +9,7 @@
 #include "engine/url_decoding.h"
 #include "frame/error_log.h"
 #include "frame/request_context.h"
+#include "platform/ado/pg_backend.h"
 #include "platform/object_factory.h"
 #include "platform/text/codepage.h"
 
@@ -33,7 +34,8 @@ HttpResponse MethodNotAllowed(const char* allowed) {
   return r;
 }
 
-std::string SessionIdOf(const HttpRequest& request, SessionStore& store,
+template <typename Find>
+std::string SessionIdOf(const HttpRequest& request, Find&& find,
                         std::shared_ptr<Session>& session) {
   for (const auto& [name, value] : request.headers) {
     if (name.size() != 6 || !IEquals(FromUtf8(name), u"cookie")) continue;
@@ -41,7 +43,7 @@ std::string SessionIdOf(const HttpRequest& request, SessionStore& store,
     AddCookies(value, text::kUtf8CodePage, cookies);
     for (const std::u16string& id : cookies.All(FromUtf8(kSessionCookieName))) {
       std::string candidate = ToUtf8(id);
-      if ((session = store.Find(candidate))) return candidate;
+      if ((session = find(candidate))) return candidate;
     }
   }
   return "";
@@ -126,6 +128,17 @@ HttpResponse PageEngine::ServePage(const HttpRequest& request, const ResolvedPat
 
 SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {
   if (!IsSignInAttempt(request)) return {};
+  // The servers of a site on PostgreSQL count failures together.
+  try {
+    if (auto setup = setup_.Get(root_ / kSetupFileName))
+      if (const SharedSessions* shared = SharedSessionsOf(**setup))
+        signIns_.Observe(
+            request.remoteAddr,
+            static_cast<size_t>(shared->FailedSignIns(
+                request.remoteAddr, static_cast<int>(SignInThrottle::kWindow.count()))));
+  } catch (const std::exception& e) {
+    Report("the sign-in failures could not be read: " + std::string(e.what()));
+  }
   return signIns_.Admit(request.remoteAddr);
 }
 
@@ -161,10 +174,31 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
   const SiteSetup& siteSetup = **setup;
   const PageFile& pageFile = **page;
 
+  // A site on PostgreSQL keeps its sessions in the database, shared by all its servers.
+  const SharedSessions* shared = SharedSessionsOf(siteSetup);
   std::shared_ptr<Session> session;
-  std::string sessionId = SessionIdOf(http, sessions_, session);
+  std::string sessionId = SessionIdOf(
+      http,
+      [&](const std::string& id) -> std::shared_ptr<Session> {
+        if (!shared) return sessions_.Find(id);
+        try {
+          return shared->Load(id);
+        } catch (const std::exception& e) {
+          Report("the session could not be read: " + std::string(e.what()));
+          return nullptr;
+        }
+      },
+      session);
   const bool stored = session != nullptr;
   if (!stored) session = std::make_shared<Session>();
+  if (shared && stored && IsSignInAttempt(http)) {
+    try {
+      shared->Claim(sessionId, *session, u"verifyid");
+    } catch (const std::exception& e) {
+      session->Remove(u"verifyid");  // a code that cannot be claimed is not used
+      Report("the session could not be read: " + std::string(e.what()));
+    }
+  }
   const int codePage = session->CodePage();
 
   RequestContext context;
@@ -201,7 +235,20 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
 
   // The session's fate, whether or not the page ran to its end.
   const bool signedIn = !adminItem.empty() && IsSet(session->Get(adminItem));
-  if (IsSignInAttempt(http)) signIns_.Record(http.remoteAddr, !signedIn);
+  if (IsSignInAttempt(http)) {
+    signIns_.Record(http.remoteAddr, !signedIn);
+    if (shared) {
+      try {
+        shared->RecordSignIn(http.remoteAddr, !signedIn);
+      } catch (const std::exception& e) {
+        Report("the sign-in could not be recorded: " + std::string(e.what()));
+      }
+    }
+  }
+  if (shared) {
+    KeepSharedSession(*shared, sessionId, *session, signedInBefore, signedIn, out);
+    return out;
+  }
   std::string storedId = sessionId;
   if (session->abandoned()) {
     if (stored) sessions_.Drop(sessionId);
@@ -225,6 +272,42 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
   if (!storedId.empty() && IsVerifyPicture(virtualPath) && IsSet(session->Get(u"verifyid")))
     sessions_.CodeDrawn(storedId);
   return out;
+}
+
+const SharedSessions* PageEngine::SharedSessionsOf(const SiteSetup& setup) {
+  std::call_once(sharedChecked_, [&] {
+    if (std::optional<std::string> uri = ado::ServerAddressIn(setup.DatabasePath(root_)))
+      shared_ = std::make_unique<SharedSessions>(*uri);
+  });
+  return shared_.get();
+}
+
+void PageEngine::KeepSharedSession(const SharedSessions& shared, const std::string& id,
+                                   const Session& session, bool signedInBefore, bool signedIn,
+                                   HttpResponse& out) {
+  try {
+    if (session.abandoned()) {
+      if (!id.empty()) shared.Drop(id);
+      return;
+    }
+    if (id.empty()) {
+      if (session.empty()) return;
+      const std::string fresh = NewSessionId();
+      shared.Save(fresh, session, signedIn);
+      out.headers.emplace_back("Set-Cookie", SessionCookie(fresh));
+      return;
+    }
+    std::string current = id;
+    if (!signedInBefore && signedIn) {
+      if (std::optional<std::string> moved = shared.Rotate(id)) {
+        current = *moved;
+        out.headers.emplace_back("Set-Cookie", SessionCookie(current));
+      }
+    }
+    shared.Save(current, session, signedIn);
+  } catch (const std::exception& e) {
+    Report("the session could not be stored: " + std::string(e.what()));
+  }
 }
 
 }  // namespace ostrakan::engine

@@ -18,6 +18,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 #include "engine/assignment_file.h"
@@ -27,6 +28,7 @@
 #include "engine/page_runner.h"
 #include "engine/path_safety.h"
 #include "engine/sessions.h"
+#include "engine/shared_sessions.h"
 #include "engine/sign_in_throttle.h"
 #include "engine/site_setup.h"
 #include "frame/session.h"
@@ -60,12 +62,20 @@ class PageEngine {
                            const std::string& virtualPath);
   std::vector<Variant> RuleFields(const PageFile& page, const std::filesystem::path& file,
                                   const Request& request);
+  // The database's session store when the site is on PostgreSQL, else nullptr.
+  const SharedSessions* SharedSessionsOf(const SiteSetup& setup);
+  // Saves, moves (at sign-in) or drops the page's session in the database.
+  static void KeepSharedSession(const SharedSessions& shared, const std::string& id,
+                                const Session& session, bool signedInBefore, bool signedIn,
+                                HttpResponse& out);
 
   std::filesystem::path root_;
   PathResolver paths_;
   ComponentCreator create_;
   const ObjectFactory& factory_;
   SessionStore sessions_;
+  std::once_flag sharedChecked_;
+  std::unique_ptr<SharedSessions> shared_;
   SignInThrottle signIns_;
   std::shared_ptr<Application> application_ = std::make_shared<Application>();
   FileCache<SiteSetup> setup_;

@@ -11,6 +11,7 @@
 #include "engine/site_setup.h"
 #include "frame/error_log.h"
 #include "platform/ado/database_file.h"
+#include "platform/ado/pg_backend.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -24,6 +25,19 @@ std::string CheckDatabase(const fs::path& file) {
   if (sqlite3_exec(opened.db.get(), "select count(*) from admin", nullptr, nullptr, nullptr) !=
       SQLITE_OK)
     return sqlite3_errmsg(opened.db.get());
+  return "";
+}
+
+// "" when the PostgreSQL database at `uri` answers and holds the admin table, else why not.
+std::string CheckServerDatabase(const std::string& uri) {
+  try {
+    std::shared_ptr<ado::Backend> db = ado::ConnectServer(uri);
+    db->Prepare(u"select count(*) from admin", {})->Step();
+  } catch (const ScriptError& e) {
+    std::string why = ToUtf8(e.description);
+    if (!why.empty()) why[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(why[0])));
+    return "the database " + uri + " is not usable: " + why;
+  }
   return "";
 }
 
@@ -79,6 +93,8 @@ std::string CheckSite(const fs::path& dir) {
   fs::path db = setup.DatabasePath(dir);
   if (!fs::is_regular_file(db, ec))
     return "the database " + db.string() + " (DB in Setup.asp) does not exist";
+  if (std::optional<std::string> address = ado::ServerAddressIn(db))
+    return CheckServerDatabase(*address);
   if (std::string problem = CheckWritable(fs::absolute(db)); !problem.empty()) return problem;
   if (std::string problem = CheckDatabase(db); !problem.empty())
     return "the database " + db.string() + " is not usable: " + problem;

@@ -81,6 +81,17 @@ void SignInThrottle::Record(const std::string& address, bool failed) {
   r.nextStart = std::max(r.nextStart, now + PauseAfter(r.failures.size()));
 }
 
+void SignInThrottle::Observe(const std::string& address, size_t failures) {
+  Time now = clock_();
+  MutexLock lock(mutex_);
+  Bound(now);
+  Record_& r = addresses_[address];
+  Forget(r, now);
+  if (failures <= r.failures.size()) return;
+  r.failures.insert(r.failures.begin(), failures - r.failures.size(), now);
+  r.nextStart = std::max(r.nextStart, now + PauseAfter(r.failures.size()));
+}
+
 void SignInThrottle::Release(const std::string& address) {
   MutexLock lock(mutex_);
   --waiting_;

@@ -53,6 +53,9 @@ class SignInThrottle {
   Ticket Admit(const std::string& address) EXCLUDES(mutex_);
   // The outcome of an attempt: `failed` false when it signed in.
   void Record(const std::string& address, bool failed) EXCLUDES(mutex_);
+  // What the other servers of the site saw: `failures` within kWindow in all. When that is
+  // more than this server counted, the address's next attempt pauses as if it had seen them.
+  void Observe(const std::string& address, size_t failures) EXCLUDES(mutex_);
 
  private:
   struct Record_ {

@@ -32,6 +32,11 @@ void ItemStore::Clear() {
   items_.clear();
 }
 
+std::map<std::u16string, Variant> ItemStore::Items() const {
+  MutexLock lock(mutex_);
+  return items_;
+}
+
 bool ItemStore::empty() const {
   MutexLock lock(mutex_);
   return items_.empty();

@@ -23,6 +23,8 @@ class ItemStore : public Object {
   Variant Take(std::u16string_view name) EXCLUDES(mutex_);
   void Clear() EXCLUDES(mutex_);
   bool empty() const EXCLUDES(mutex_);  // no item has been stored (or all were removed)
+  // Every item, by lower-cased name (for a store that keeps sessions outside the process).
+  std::map<std::u16string, Variant> Items() const EXCLUDES(mutex_);
 
  protected:
   mutable Mutex mutex_;

@@ -103,8 +103,9 @@ class HostileText : public SiteTest {
            Quoted(Hostile(u"id.range")) + ");";
     // The administrator's last sign-in, shown on the desktop after this one; a second
     // administrator's name.
+    // (PostgreSQL keeps only dates in a date column.)
     sql += "update admin set login_ip=" + Quoted(Hostile(u"admin.login_ip")) +
-           ", login_time=" + Quoted(Hostile(u"admin.login_time")) + ";";
+           (OnPostgres() ? "" : ", login_time=" + Quoted(Hostile(u"admin.login_time"))) + ";";
     sql += "insert into admin (username, password) values (" + Quoted(Hostile(u"admin.username")) +
            ", 'x');";
     Sql(database(), sql);
@@ -164,9 +165,10 @@ TEST_F(HostileText, NoPageWritesStoredTextAsMarkupOrCode) {
     shown += Text(Get(page));
   for (const char16_t* field : {u"db.title", u"db.source", u"sort.child", u"keyword", u"list.web",
                                 u"id.web", u"id.range", u"admin.login_ip", u"admin.login_time"})
-    EXPECT_NE(shown.find(u"&lt;hostile field=" + std::u16string(field) + u"&gt;"),
-              std::u16string::npos)
-        << ToUtf8(field);
+    if (!OnPostgres() || field != std::u16string_view(u"admin.login_time"))
+      EXPECT_NE(shown.find(u"&lt;hostile field=" + std::u16string(field) + u"&gt;"),
+                std::u16string::npos)
+          << ToUtf8(field);
 
   // The generated category pages.
   for (const char* file : {"sort_list_1.html", "list/list_3.html"}) {

@@ -55,7 +55,7 @@ class IdRulePages : public AdminPages {
   std::string Rules() const {
     return Value(
         "select group_concat(id || ':' || web || ':' || coalesce(range, ''), '|') from "
-        "(select * from gather_id_web order by id)");
+        "(select * from gather_id_web order by id) as t");
   }
 
   const std::filesystem::path templatePath =

@@ -66,7 +66,7 @@ class IdRunPages : public AdminPages {
   }
   std::string Ranges() {
     return Value(
-        "select group_concat(range, '|') from (select range from gather_id_web order by id)");
+        "select group_concat(range, '|') from (select range from gather_id_web order by id) as t");
   }
 
   std::shared_ptr<Fakes> fakes = std::make_shared<Fakes>();

@@ -21,7 +21,7 @@ class KeywordPages : public AdminPages {
   std::u16string List(const Keys& query) { return ListRun(query).text; }
   std::u16string Ok(const Keys& query) { return Run(u"Ostrakan.Class11", 3, query).text; }
   std::string Remaining() {
-    return Value("select group_concat(id) from (select id from keyword order by id)");
+    return Value("select group_concat(id) from (select id from keyword order by id) as t");
   }
 };
 

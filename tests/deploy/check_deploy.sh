@@ -34,10 +34,12 @@ else
 fi
 
 if command -v systemd-analyze >/dev/null; then
-  # The units name the installed binary; the check needs one that exists.
-  for unit in ostrakan.service ostrakan-worker.service; do
-    sed "s#/usr/local/bin/ostrakan#$binary#" "$src/deploy/$unit" >"$tmp/$unit"
-    out=$(systemd-analyze verify "$tmp/$unit" 2>&1)
+  # The units name the installed binary; the check needs one that exists. The template unit
+  # is checked as one of its instances.
+  for unit in ostrakan.service ostrakan-worker.service ostrakan@.service; do
+    copy=${unit/@./@8081.}
+    sed "s#/usr/local/bin/ostrakan#$binary#" "$src/deploy/$unit" >"$tmp/$copy"
+    out=$(systemd-analyze verify "$tmp/$copy" 2>&1)
     rc=$?
     if ((rc != 0)) || grep -q "ostrakan" <<<"$out"; then
       echo "deploy: systemd-analyze verify finds problems in deploy/$unit:"

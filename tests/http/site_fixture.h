@@ -50,8 +50,9 @@ class SiteTest : public ::testing::Test {
  protected:
   void SetUp() override {
     std::ostringstream out, err;
-    ASSERT_EQ(engine::RunInit({root(), SourceDir() / "site", "admin", "secret123"}, out, err), 0)
-        << err.str();
+    engine::InitOptions init{root(), SourceDir() / "site", "admin", "secret123"};
+    init.database = database_.address();
+    ASSERT_EQ(engine::RunInit(init, out, err), 0) << err.str();
     SetErrorLogPath(root() / "data/PagebindLog.Log");
     engine::ServerOptions options;
     options.siteRoot = root();
@@ -91,6 +92,7 @@ class SiteTest : public ::testing::Test {
   }
 
   TempDir dir_;
+  TestDatabase database_{TestDatabase::Empty{}};  // on PostgreSQL: the site's database
   std::unique_ptr<engine::HttpServer> server_;
 };
 

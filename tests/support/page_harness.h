@@ -1,8 +1,7 @@
-// Runs page components without a server: a temporary site with a fresh SQLite database, and an
+// Runs page components without a server: a temporary site with a fresh database, and an
 // in-memory request context published as the thread's object context.
 #pragma once
 
-#include <sqlite3.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -18,17 +17,9 @@
 #include "frame/site_page.h"
 #include "platform/object_factory.h"
 #include "platform/text/codepage.h"
+#include "support/test_database.h"
 
 namespace ostrakan::testing {
-
-inline std::filesystem::path SourceDir() {
-  return OSTRAKAN_SOURCE_DIR;
-}
-
-inline std::string ReadFile(const std::filesystem::path& p) {
-  std::ifstream in(p, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // A fresh, empty directory removed again at the end of the test.
 class TempDir {
@@ -49,42 +40,19 @@ class TempDir {
   std::error_code removeError_;
 };
 
-// Runs SQL on a database file directly (test set-up and checks), failing loudly; the first
-// column of the first row it gives, as text ("" for none or NULL).
-inline std::string Sql(const std::filesystem::path& db, const std::string& sql) {
-  std::optional<std::string> first;
-  auto keepFirst = [](void* out, int, char** values, char**) {
-    auto& first = *static_cast<std::optional<std::string>*>(out);
-    if (!first) first = values[0] ? values[0] : "";
-    return 0;
-  };
-  sqlite3* h = nullptr;
-  sqlite3_open(db.c_str(), &h);
-  sqlite3_busy_timeout(h, 5000);
-  char* err = nullptr;
-  const int rc = sqlite3_exec(h, sql.c_str(), keepFirst, &first, &err);
-  const std::string message = err ? err : "";
-  sqlite3_free(err);
-  sqlite3_close(h);
-  if (rc != SQLITE_OK) throw std::runtime_error("SQL failed: " + message + " in " + sql);
-  return first.value_or("");
-}
-inline std::string SqlValue(const std::filesystem::path& db, const std::string& sql) {
-  return Sql(db, sql);
-}
-
-// A site folder with a fresh database at data/test.db made from the site's schema, whose error
-// log is the process's.
+// A site folder with a fresh database at data/test.db made from the site's schema (on the
+// database that test_database.h chooses), whose error log is the process's.
 class TestSite : public TempDir {
  public:
-  TestSite() {
-    std::filesystem::create_directories(root() / "data");
-    Sql(database(), ReadFile(SourceDir() / "site/data/schema.sql"));
+  TestSite() : database_(root() / "data/test.db") {
     SetErrorLogPath(root() / "data/PagebindLog.Log");
   }
   const std::filesystem::path& root() const { return path(); }
   std::filesystem::path database() const { return root() / "data/test.db"; }
   std::string log() const { return ReadFile(root() / "data/PagebindLog.Log"); }
+
+ private:
+  TestDatabase database_;
 };
 
 // One request: the five objects, published as the thread's object context while it lives.

@@ -3,7 +3,9 @@
 #include <filesystem>
 
 #include "platform/ado/database_file.h"
+#include "platform/ado/pg_backend.h"
 #include "platform/ado/recordset.h"
+#include "platform/ado/sqlite_backend.h"
 #include "platform/ado/sqlite_call.h"
 
 namespace ostrakan::ado {
@@ -41,42 +43,46 @@ std::optional<std::u16string> DatabasePathOf(std::u16string_view connectionStrin
 }
 
 void Connection::Open(std::u16string_view connectionString) {
-  if (db_) throw ScriptError(3705, u"Operation is not allowed when the object is open.");
+  if (backend_) throw ScriptError(3705, u"Operation is not allowed when the object is open.");
   ConnectionString = std::u16string(connectionString);
   const std::u16string path = DatabasePathOf(connectionString).value_or(u"");
   const std::string file = ToUtf8(path);
   std::error_code ec;
   // SQLite would open a directory read-only and fail later; the file must exist as a file.
   if (path.empty() || !std::filesystem::is_regular_file(file, ec)) throw FileNotFound(path);
+  if (std::optional<std::string> address = ServerAddressIn(file)) {
+    backend_ = ConnectServer(*address);
+    return;
+  }
 
   OpenedDatabase opened = OpenDatabase(file);
   if (!opened.opened) throw FileNotFound(path);
   if (!opened.db)
     throw DatabaseError(kProviderError, FromUtf8(opened.problem), opened.code, opened.systemErrno);
-  db_ = std::move(opened.db);
+  backend_ = std::make_shared<SqliteBackend>(std::move(opened.db));
 }
 
 std::shared_ptr<Recordset> Connection::Execute(std::u16string_view sql, const Params& params) {
-  sqlite3* db = handle();
-  StatementPtr stmt = PrepareWith(db, AdaptStatement(sql), params);
+  Backend& db = backend();
+  std::u16string adapted = AdaptStatement(sql, db.dialect());
+  StatementPtr stmt = db.Prepare(adapted, params);
   auto rs = std::make_shared<Recordset>();
-  if (sqlite3_column_count(stmt.get()) > 0) {
-    stmt.reset();
-    rs->Open(sql, Variant(shared_from_this()), 0, 1, params);
+  if (stmt->ColumnCount() > 0) {
     recordsAffected_ = 0;
+    rs->OpenQuery(shared_from_this(), std::move(adapted), params, std::move(stmt));
   } else {
-    recordsAffected_ = RunWrite(db, stmt.get());
+    recordsAffected_ = stmt->Run();
   }
   return rs;
 }
 
 void Connection::Close() {
-  db_.reset();
+  backend_.reset();
 }
 
-sqlite3* Connection::handle() const {
-  if (!db_) throw ScriptError(3704, u"Operation is not allowed when the object is closed.");
-  return db_.get();
+Backend& Connection::backend() const {
+  if (!backend_) throw ScriptError(3704, u"Operation is not allowed when the object is closed.");
+  return *backend_;
 }
 
 }  // namespace ostrakan::ado

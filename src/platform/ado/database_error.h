@@ -11,10 +11,13 @@
 
 namespace ostrakan::ado {
 
+// The number that the host's data access layer raises for a provider error (0x80004005).
+constexpr int32_t kProviderError = -2147467259;
+
 struct DatabaseError : ScriptError {
   DatabaseError(int32_t number, std::u16string description, int code, int systemErrno)
       : ScriptError(number, std::move(description)), code(code), systemErrno(systemErrno) {}
-  int code;         // SQLite's extended result code
+  int code;         // SQLite's extended result code (PostgreSQL's errors carry 0)
   int systemErrno;  // errno of the failed system call, 0 when none
 };
 

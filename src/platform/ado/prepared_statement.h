@@ -8,10 +8,9 @@
 #include <string_view>
 
 #include "core/variant.h"
+#include "platform/ado/backend.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/statement.h"
-
-struct sqlite3;
 
 namespace ostrakan::ado {
 
@@ -19,15 +18,13 @@ class PreparedStatement {
  public:
   PreparedStatement(Connection& conn, std::u16string_view sql);
 
-  // Runs a statement that changes the database, inside BEGIN IMMEDIATE unless a transaction is
+  // Runs a statement that changes the database, inside a write transaction unless one is
   // open; returns the number of rows changed.
   long Run(const Params& params);
   // Runs a query: the first column of its first row; nullopt when it gives no row.
   std::optional<Variant> FirstValue(const Params& params);
 
  private:
-  void Bind(const Params& params);
-  sqlite3* db_;
   StatementPtr stmt_;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/ado/recordset.h"
 
+#include "platform/ado/backend.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/sqlite_call.h"
 #include "platform/ado/statement_text.h"
@@ -68,24 +69,34 @@ void Recordset::Open(std::u16string_view sql, const Variant& activeConnection, i
   }
   lockType_ = lockType;
   params_ = std::move(params);
-  sql_ = AdaptStatement(sql);
+  sql_ = AdaptStatement(sql, conn_->backend().dialect());
   table_ = TableOfQuery(sql_);
-  Prepare();
+  Prepare(PrepareBound(sql_));
   if (!stmt_) return;  // a statement without rows ran; the set stays closed
   Execute();
   Advance();
 }
 
-StatementPtr Recordset::PrepareBound(std::u16string_view sql) const {
-  return PrepareWith(conn_->handle(), sql, params_);
+void Recordset::OpenQuery(std::shared_ptr<Connection> conn, std::u16string adaptedSql,
+                          Params params, StatementPtr stmt) {
+  conn_ = std::move(conn);
+  lockType_ = 1;
+  params_ = std::move(params);
+  sql_ = std::move(adaptedSql);
+  table_ = TableOfQuery(sql_);
+  Prepare(std::move(stmt));
+  Execute();
+  Advance();
 }
 
-void Recordset::Prepare() {
-  sqlite3* db = conn_->handle();
-  StatementPtr stmt = PrepareBound(sql_);
-  const int count = sqlite3_column_count(stmt.get());
+StatementPtr Recordset::PrepareBound(std::u16string_view sql) const {
+  return conn_->backend().Prepare(sql, params_);
+}
+
+void Recordset::Prepare(StatementPtr stmt) {
+  const int count = stmt->ColumnCount();
   if (count == 0) {
-    RunWrite(db, stmt.get());
+    stmt->Run();
     return;
   }
   names_.clear();
@@ -93,14 +104,15 @@ void Recordset::Prepare() {
   keyColumn_ = -1;
   keyName_ = u"\"id\"";
   for (int i = 0; i < count; ++i) {
-    const auto* name = static_cast<const char16_t*>(sqlite3_column_name16(stmt.get(), i));
-    names_.emplace_back(name ? name : u"");
-    isDate_.push_back(IsDateType(sqlite3_column_decltype(stmt.get(), i)));
+    names_.push_back(stmt->ColumnName(i));
+    isDate_.push_back(stmt->ColumnIsDate(i));
     if (keyColumn_ < 0 && IEquals(names_.back(), u"id")) keyColumn_ = i;
   }
-  // An updatable set needs a key for UPDATE ... WHERE; without `id` it reads the rowid too.
+  // An updatable set needs a key for UPDATE ... WHERE; without `id` it reads SQLite's rowid
+  // too (every table of the PostgreSQL schema has an `id`).
   const size_t from = TopLevelFrom(sql_);
-  if (lockType_ > 1 && keyColumn_ < 0 && from != std::u16string::npos) {
+  if (lockType_ > 1 && keyColumn_ < 0 && from != std::u16string::npos &&
+      conn_->backend().dialect() == Dialect::kSqlite) {
     std::u16string keyed = sql_;
     keyed.insert(from, u", rowid AS " + std::u16string(kHiddenKey) + u" ");
     try {
@@ -121,15 +133,17 @@ void Recordset::Execute() {
     stmt_ = PrepareBound(sql_);
     offset_ = 0;
   }
-  sqlite3_reset(stmt_.get());
+  stmt_->Reset();
   position_ = -1;
   StepStatement();
   cursor_ = pending_ ? Cursor::BeforeFirst : Cursor::Empty;
 }
 
 void Recordset::SkipTo(long row) {
-  stmt_ = PrepareBound(std::u16string(TrimStatementEnd(sql_)) + u" limit -1 offset " +
-                       FromUtf8(std::to_string(row)));
+  const bool sqlite = conn_->backend().dialect() == Dialect::kSqlite;
+  stmt_ =
+      PrepareBound(std::u16string(TrimStatementEnd(sql_)) +
+                   (sqlite ? u" limit -1 offset " : u" offset ") + FromUtf8(std::to_string(row)));
   offset_ = row;
   position_ = row - 1;
   StepStatement();
@@ -137,32 +151,17 @@ void Recordset::SkipTo(long row) {
 }
 
 void Recordset::StepStatement() {
-  sqlite3_stmt* stmt = stmt_.get();
-  const int rc = sqlite3_step(stmt);
-  if (rc == SQLITE_ROW) {
-    pending_ = true;
-    return;
-  }
   pending_ = false;
-  if (rc == SQLITE_DONE) {
-    sqlite3_reset(stmt);  // ends the read at once; the statement can run again
-    return;
-  }
-  DatabaseError error = SqliteError(sqlite3_db_handle(stmt));
-  sqlite3_reset(stmt);
-  throw error;
+  pending_ = stmt_->Step();
 }
 
 void Recordset::LoadRow() {
-  sqlite3_stmt* stmt = stmt_.get();
   row_.resize(names_.size());
   for (size_t i = 0; i < names_.size(); ++i) {
-    row_[i] = ColumnVariant(stmt, static_cast<int>(i), isDate_[i]);
+    row_[i] = stmt_->Column(static_cast<int>(i), isDate_[i]);
   }
   rowKey_.reset();
-  if (keyColumn_ >= 0 && sqlite3_column_type(stmt, keyColumn_) == SQLITE_INTEGER) {
-    rowKey_ = sqlite3_column_int64(stmt, keyColumn_);
-  }
+  if (keyColumn_ >= 0) rowKey_ = stmt_->ColumnInteger(keyColumn_);
 }
 
 void Recordset::Advance() {
@@ -323,55 +322,63 @@ void Recordset::Update() {
     }
     sql += u" WHERE " + keyName_ + u" = ?";
   }
-  sqlite3* db = conn_->handle();
-  StatementPtr stmt = PrepareOne(db, sql);
-  int param = 1;
+  Backend& backend = conn_->backend();
+  Params values;
+  std::vector<bool> asDate;
   for (const auto& [name, value] : edits_) {
-    BindVariant(stmt.get(), param++, value, isDate_[IndexOf(name)]);
+    values.push_back(value);
+    asDate.push_back(isDate_[IndexOf(name)]);
   }
-  if (!adding) sqlite3_bind_int64(stmt.get(), param, *rowKey_);
-  RunWrite(db, stmt.get());
   edits_.clear();
-  const bool reloaded =
-      adding ? ReloadRow(u"rowid", sqlite3_last_insert_rowid(db)) : ReloadRow(keyName_, *rowKey_);
-  if (!reloaded && adding) cursor_ = beforeAdding_;
+  sql = AdaptStatement(sql, backend.dialect());  // the marks, in the backend's form
+  if (adding) {
+    const long long id = backend.Insert(sql, values, asDate);
+    const bool sqlite = backend.dialect() == Dialect::kSqlite;
+    if (!ReloadRow(sqlite ? u"rowid" : u"\"id\"", id)) cursor_ = beforeAdding_;
+    return;
+  }
+  values.push_back(Variant(static_cast<double>(*rowKey_)));
+  asDate.push_back(false);
+  backend.Prepare(sql, values, asDate)->Run();
+  ReloadRow(keyName_, *rowKey_);
 }
 
 bool Recordset::ReloadRow(std::u16string_view keyColumn, long long key) {
-  sqlite3* db = conn_->handle();
+  Backend& backend = conn_->backend();
+  const std::u16string hidden = backend.dialect() == Dialect::kSqlite
+                                    ? u", rowid AS " + std::u16string(kHiddenKey)
+                                    : std::u16string();
   StatementPtr stmt =
-      PrepareOne(db, u"SELECT *, rowid AS " + std::u16string(kHiddenKey) + u" FROM " +
-                         QuoteName(table_) + u" WHERE " + std::u16string(keyColumn) + u" = ?");
-  sqlite3_bind_int64(stmt.get(), 1, key);
-  const int rc = sqlite3_step(stmt.get());
-  if (rc == SQLITE_DONE) return false;  // the row left the table (a trigger, another writer)
-  if (rc != SQLITE_ROW) throw SqliteError(db);
-  const int count = sqlite3_column_count(stmt.get());
+      backend.Prepare(AdaptStatement(u"SELECT *" + hidden + u" FROM " + QuoteName(table_) +
+                                         u" WHERE " + std::u16string(keyColumn) + u" = ?",
+                                     backend.dialect()),
+                      {Variant(static_cast<double>(key))});
+  if (!stmt->Step()) return false;  // the row left the table (a trigger, another writer)
+  const int count = stmt->ColumnCount();
   std::vector<Variant> row(names_.size(), Variant::Null());
   int keyIndex = keyName_ == u"rowid" ? count - 1 : -1;
   for (int j = 0; j < count; ++j) {
-    const auto* name = static_cast<const char16_t*>(sqlite3_column_name16(stmt.get(), j));
-    if (!name) continue;
+    const std::u16string name = stmt->ColumnName(j);
     const int i = IndexOf(name);
-    if (i >= 0 && row[i].IsNull()) row[i] = ColumnVariant(stmt.get(), j, isDate_[i]);
+    if (i >= 0 && row[i].IsNull()) row[i] = stmt->Column(j, isDate_[i]);
     if (keyIndex < 0 && IEquals(name, u"id")) keyIndex = j;
   }
   row_ = std::move(row);
   rowKey_.reset();
-  if (keyIndex >= 0 && sqlite3_column_type(stmt.get(), keyIndex) == SQLITE_INTEGER) {
-    rowKey_ = sqlite3_column_int64(stmt.get(), keyIndex);
-  }
+  if (keyIndex >= 0) rowKey_ = stmt->ColumnInteger(keyIndex);
+  stmt->Reset();
   cursor_ = Cursor::OnRow;
   return true;
 }
 
 long Recordset::RecordCount() {
   RequireOpen();
-  sqlite3* db = conn_->handle();
-  StatementPtr stmt =
-      PrepareBound(u"SELECT count(*) FROM (" + std::u16string(TrimStatementEnd(sql_)) + u")");
-  if (sqlite3_step(stmt.get()) != SQLITE_ROW) throw SqliteError(db);
-  return static_cast<long>(sqlite3_column_int64(stmt.get(), 0));
+  StatementPtr stmt = PrepareBound(u"SELECT count(*) FROM (" +
+                                   std::u16string(TrimStatementEnd(sql_)) + u") AS counted");
+  if (!stmt->Step()) return 0;
+  const long count = static_cast<long>(stmt->ColumnInteger(0).value_or(0));
+  stmt->Reset();
+  return count;
 }
 
 std::vector<std::u16string> Recordset::FieldNames() const {

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "core/variant.h"
+#include "platform/ado/backend.h"
 #include "platform/ado/statement.h"
 
 namespace ostrakan::ado {
@@ -41,6 +42,10 @@ class Recordset : public Object {
   // `params` are bound to the query's "?" marks, and again whenever the set re-runs it.
   void Open(std::u16string_view sql, const Variant& activeConnection, int cursorType = 0,
             int lockType = 1, Params params = {});
+  // Opens a read-only set on a query that the connection has prepared already (`adaptedSql`
+  // in the backend's dialect), so that Execute prepares and runs each statement once.
+  void OpenQuery(std::shared_ptr<Connection> conn, std::u16string adaptedSql, Params params,
+                 StatementPtr stmt);
   void Close();  // closing a closed set does nothing
   int State() const { return cursor_ == Cursor::Closed ? 0 : 1; }
 
@@ -68,13 +73,13 @@ class Recordset : public Object {
 
   void RequireOpen() const;
   void RequireUpdatable() const;
-  void Prepare();         // prepares sql_; names, date columns and the row key
-  void Execute();         // (re)runs the query; the set stands before its first row
-  void SkipTo(long row);  // re-runs the query from row `row` on, skipping inside SQLite
-  void StepStatement();   // steps the statement to its next row (pending_)
-  void Advance();         // makes the pending row current, or moves to EOF
-  void LoadRow();         // copies the statement's row into row_
-  void SaveEdits();       // writes pending AddNew/field changes before a move
+  void Prepare(StatementPtr stmt);  // takes sql_'s statement: names, date columns, row key
+  void Execute();                   // (re)runs the query; the set stands before its first row
+  void SkipTo(long row);            // re-runs the query from row `row` on, skipping inside SQLite
+  void StepStatement();             // steps the statement to its next row (pending_)
+  void Advance();                   // makes the pending row current, or moves to EOF
+  void LoadRow();                   // copies the statement's row into row_
+  void SaveEdits();                 // writes pending AddNew/field changes before a move
   bool ReloadRow(std::u16string_view keyColumn, long long key);  // false when the row is gone
   StatementPtr PrepareBound(std::u16string_view sql) const;
   int IndexOf(std::u16string_view name) const;  // -1 when absent
@@ -99,9 +104,10 @@ class Recordset : public Object {
   std::vector<std::pair<std::u16string, Variant>> edits_;
 };
 
-// The rewriting of Access forms into SQLite: "select top N ..." becomes "... limit N",
-// "#date#" literals become quoted ISO dates ('yyyy-mm-dd hh:mm:ss'), and now() and date()
-// read the local clock. Everything else passes as written, string literals untouched.
-std::u16string AdaptStatement(std::u16string_view accessSql);
+// The rewriting of Access forms into SQLite or PostgreSQL: "select top N ..." becomes
+// "... limit N", "#date#" literals become quoted ISO dates ('yyyy-mm-dd hh:mm:ss'), and now()
+// and date() read the local clock. For PostgreSQL the "?" marks become $1, $2 ... and
+// [bracketed] names "quoted" ones. Everything else passes as written, string literals untouched.
+std::u16string AdaptStatement(std::u16string_view accessSql, Dialect dialect = Dialect::kSqlite);
 
 }  // namespace ostrakan::ado

@@ -42,14 +42,14 @@ DatabaseError SqliteError(sqlite3* db) {
                        sqlite3_system_errno(db));
 }
 
-StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
+SqliteStatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
   if (sql.find(u'\0') != std::u16string_view::npos) throw NulInText();
   const char16_t* text = sql.empty() ? u"" : sql.data();
   const int bytes = static_cast<int>(sql.size() * sizeof(char16_t));
   sqlite3_stmt* raw = nullptr;
   const void* tail = nullptr;
   const int rc = sqlite3_prepare16_v2(db, text, bytes, &raw, &tail);
-  StatementPtr stmt(raw);
+  SqliteStatementPtr stmt(raw);
   if (rc != SQLITE_OK) throw SqliteError(db);
   if (!stmt) throw ScriptError(-2147217908, u"Command text was not set for the command object.");
   // Whatever follows must hold no statement: preparing it runs nothing, and tells blanks,
@@ -59,7 +59,7 @@ StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
   if (restBytes > 0) {
     sqlite3_stmt* next = nullptr;
     const int rc2 = sqlite3_prepare16_v2(db, rest, restBytes, &next, nullptr);
-    StatementPtr guard(next);
+    SqliteStatementPtr guard(next);
     if (rc2 != SQLITE_OK || next) {
       throw ScriptError(kProviderError, u"Characters found after end of SQL statement.");
     }
@@ -67,17 +67,17 @@ StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
   return stmt;
 }
 
-void BindParams(sqlite3_stmt* stmt, const Params& params) {
+void BindParams(sqlite3_stmt* stmt, const Params& params, const std::vector<bool>& asDate) {
   if (sqlite3_bind_parameter_count(stmt) != static_cast<int>(params.size())) {
     throw std::invalid_argument("the statement's marks and its bound values differ in number");
   }
   for (size_t i = 0; i < params.size(); ++i) {
-    BindVariant(stmt, static_cast<int>(i + 1), params[i], false);
+    BindVariant(stmt, static_cast<int>(i + 1), params[i], i < asDate.size() && asDate[i]);
   }
 }
 
-StatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params) {
-  StatementPtr stmt = PrepareOne(db, sql);
+SqliteStatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params) {
+  SqliteStatementPtr stmt = PrepareOne(db, sql);
   BindParams(stmt.get(), params);
   return stmt;
 }

@@ -15,20 +15,23 @@
 
 namespace ostrakan::ado {
 
-// The number that the host's data access layer raises for a provider error (0x80004005).
-constexpr int32_t kProviderError = -2147467259;
+struct StatementFinalize {
+  void operator()(sqlite3_stmt* stmt) const;
+};
+// The one owner of a prepared SQLite statement; finalized when released.
+using SqliteStatementPtr = std::unique_ptr<sqlite3_stmt, StatementFinalize>;
 
 // The connection's last SQLite error, with its result code.
 DatabaseError SqliteError(sqlite3* db);
 
 // Prepares the one statement in sql; text after it (other than blanks and ';') is an error,
 // and so is a text without any statement or with a NUL character. Its marks are left unbound.
-StatementPtr PrepareOne(sqlite3* db, std::u16string_view sql);
+SqliteStatementPtr PrepareOne(sqlite3* db, std::u16string_view sql);
 // Binds `params` to the statement's "?" marks; their number must match the marks (a mismatch
 // is a programming error).
-void BindParams(sqlite3_stmt* stmt, const Params& params);
+void BindParams(sqlite3_stmt* stmt, const Params& params, const std::vector<bool>& asDate = {});
 // PrepareOne, then BindParams.
-StatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params);
+SqliteStatementPtr PrepareWith(sqlite3* db, std::u16string_view sql, const Params& params);
 
 // Steps a statement that changes the database to its end. Outside an open transaction it runs
 // inside BEGIN IMMEDIATE ... COMMIT (the busy time-out applies to BEGIN), and a failure rolls

@@ -1,5 +1,5 @@
-// What a statement carries besides its text: the values bound to its "?" marks, the owning
-// handle of a prepared statement, and the errors of text that must never reach SQLite.
+// What a statement carries besides its text: the values bound to its "?" marks, and the
+// errors of text that must never reach the database.
 #pragma once
 
 #include <memory>
@@ -8,22 +8,14 @@
 
 #include "core/variant.h"
 
-struct sqlite3_stmt;
-
 namespace ostrakan::ado {
 
 // Values for the "?" marks of a statement, in order. A bound value is data: no text in it can
 // change what the statement does. Text is bound as text, numbers as numbers, Empty/Null as NULL.
 using Params = std::vector<Variant>;
 
-struct StatementFinalize {
-  void operator()(sqlite3_stmt* stmt) const;
-};
-// The one owner of a prepared statement; finalized when released.
-using StatementPtr = std::unique_ptr<sqlite3_stmt, StatementFinalize>;
-
-// Text with a NUL character in it, in a statement or in a bound value: refused before SQLite
-// sees it, because C strings would cut it short there.
+// Text with a NUL character in it, in a statement or in a bound value: refused before the
+// database sees it, because C strings would cut it short there.
 ScriptError NulInText();
 
 // A statement that the page documents as built by concatenation fails when the text put into

@@ -1,4 +1,4 @@
-// Access forms in statements, rewritten for SQLite.
+// Access forms in statements, rewritten for SQLite and PostgreSQL.
 
 #include <string>
 
@@ -129,6 +129,39 @@ std::u16string MoveTopToLimit(std::u16string sql) {
   return out;
 }
 
+// "?" marks as $1, $2 ... and [bracketed] names as "quoted" ones, outside literals.
+std::u16string ToPostgres(std::u16string_view sql) {
+  std::u16string out;
+  out.reserve(sql.size() + 8);
+  int marks = 0;
+  size_t i = 0;
+  while (i < sql.size()) {
+    if (sql[i] == u'[') {
+      const size_t close = sql.find(u']', i + 1);
+      if (close != std::u16string_view::npos) {
+        out += u'"';
+        out.append(sql.substr(i + 1, close - i - 1));
+        out += u'"';
+        i = close + 1;
+        continue;
+      }
+    }
+    const size_t skipped = SkipQuoted(sql, i);
+    if (skipped != i) {
+      out.append(sql.substr(i, skipped - i));
+      i = skipped;
+      continue;
+    }
+    if (sql[i] == u'?') {
+      out += u'$' + FromUtf8(std::to_string(++marks));
+    } else {
+      out += sql[i];
+    }
+    ++i;
+  }
+  return out;
+}
+
 }  // namespace
 
 size_t SkipQuoted(std::u16string_view s, size_t i) {
@@ -209,8 +242,9 @@ std::u16string_view TrimStatementEnd(std::u16string_view sql) {
   return sql;
 }
 
-std::u16string AdaptStatement(std::u16string_view accessSql) {
-  return MoveTopToLimit(RewriteTokens(accessSql));
+std::u16string AdaptStatement(std::u16string_view accessSql, Dialect dialect) {
+  std::u16string sql = MoveTopToLimit(RewriteTokens(accessSql));
+  return dialect == Dialect::kPostgres ? ToPostgres(sql) : sql;
 }
 
 }  // namespace ostrakan::ado

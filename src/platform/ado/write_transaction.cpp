@@ -1,28 +1,23 @@
 #include "platform/ado/write_transaction.h"
 
-#include "platform/ado/sqlite_call.h"
-
 namespace ostrakan::ado {
 
 WriteTransaction::WriteTransaction(Connection& conn)
     : keep_(conn.weak_from_this().lock()), conn_(conn) {
-  sqlite3* db = conn_.handle();
-  if (!sqlite3_get_autocommit(db)) return;  // part of the transaction already open
-  if (sqlite3_exec(db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK)
-    throw SqliteError(db);
+  Backend& db = conn_.backend();
+  if (db.InTransaction()) return;  // part of the transaction already open
+  db.BeginWrite();
   owner_ = true;
 }
 
 WriteTransaction::~WriteTransaction() {
   if (!owner_ || !open_ || conn_.State() == 0) return;
-  sqlite3* db = conn_.handle();
-  if (!sqlite3_get_autocommit(db)) sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
+  conn_.backend().Rollback();
 }
 
 void WriteTransaction::Commit() {
   if (!owner_ || !open_) return;
-  sqlite3* db = conn_.handle();
-  if (sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) throw SqliteError(db);
+  conn_.backend().Commit();
   open_ = false;
 }
 

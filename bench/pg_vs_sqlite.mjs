@@ -1,0 +1,133 @@
+// The same site on SQLite and on PostgreSQL, side by side in one run: db_list.asp page 1 and a
+// page near the end, db_search.asp by title; requests per second and latency with wrk on
+// loopback, and the server's memory after each size. PostgreSQL runs in a throwaway cluster
+// that this script starts in a temporary folder (Unix socket only) and removes at the end.
+// Usage: node bench/pg_vs_sqlite.mjs path/to/ostrakan [seconds] [records...]
+//   e.g. node bench/pg_vs_sqlite.mjs build/release/ostrakan 10 100000 1000000
+// Needs sqlite3, wrk and PostgreSQL's server programs (/usr/lib/postgresql/15/bin).
+import { execFileSync, spawn } from 'node:child_process';
+import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import { createServer } from 'node:net';
+import { tmpdir } from 'node:os';
+import { join, dirname } from 'node:path';
+import { fileURLToPath } from 'node:url';
+
+const here = dirname(fileURLToPath(import.meta.url));
+const binary = process.argv[2];
+const seconds = process.argv[3] ?? '10';
+const sizes = process.argv.length > 4 ? process.argv.slice(4).map(Number) : [100000, 1000000];
+const clusterScript = join(here, '../tests/support/pg_cluster.sh');
+
+const rows = (records, dateOf) => `
+  INSERT INTO db (title, content, url, source, source_url, click, time)
+  SELECT '视频标题 ' || i || CASE WHEN i % 1000 = 0 THEN ' 功夫' ELSE '' END,
+         '这是第 ' || i || ' 条视频的描述文字。',
+         'video' || (i % 50) || '.test/play/' || i || '.html',
+         '来源站点' || (i % 50), 'video' || (i % 50) || '.test', i % 997, ${dateOf}`;
+
+const backends = {
+  sqlite: {
+    init: (site) => execFileSync(binary, ['init', site, '--password', 'secret123']),
+    fill: (site, records) => execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], {
+      input: `BEGIN; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ${records})
+        ${rows(records, "datetime('2026-01-01', '+' || (i % 300) || ' days')")} FROM n; COMMIT;`,
+    }),
+  },
+  postgresql: {
+    init: (site, uri) => execFileSync(binary, ['init', site, '--password', 'secret123', '--database', uri]),
+    fill: (site, records, uri) => execFileSync('psql', ['-q', uri], {
+      input: `${rows(records, "timestamp '2026-01-01' + (i % 300) * interval '1 day'")}
+        FROM generate_series(1, ${records}) AS i; VACUUM ANALYZE db;`,
+    }),
+  },
+};
+
+// Signs in as a browser does: reads the verify picture's digits against body.Fix (digits 9 down
+// to 0, 320 bytes each in rows of 32) and posts the form.
+async function signInOverHttp(base, site) {
+  const picture = await fetch(`${base}/admin/inc/code.asp`);
+  const cookie = picture.headers.get('set-cookie').split(';')[0];
+  const bmp = Buffer.from(await picture.arrayBuffer());
+  const font = readFileSync(join(site, 'admin', 'inc', 'body.Fix'));
+  const offset = bmp.readUInt32LE(10);
+  let code = '';
+  for (let cell = 0; cell < 4; cell++) {
+    code += [...Array(10).keys()].find((d) => [...Array(10).keys()].every((row) =>
+      bmp.subarray(offset + row * 120 + cell * 30, offset + row * 120 + cell * 30 + 30)
+        .equals(font.subarray((9 - d) * 320 + row * 32, (9 - d) * 320 + row * 32 + 30))));
+  }
+  const login = await fetch(`${base}/admin/login.asp`, {
+    method: 'POST',
+    headers: { cookie, 'content-type': 'application/x-www-form-urlencoded' },
+    body: `username=admin&password=secret123&verifyid=${code}`,
+  });
+  const signedIn = login.headers.get('set-cookie')?.split(';')[0];
+  if (!signedIn) throw new Error('sign-in failed');
+  return signedIn;
+}
+
+function freePort() {
+  return new Promise((resolve) => {
+    const s = createServer().listen(0, '127.0.0.1', () => {
+      const { port } = s.address();
+      s.close(() => resolve(port));
+    });
+  });
+}
+
+function memory(pid) {
+  const status = readFileSync(`/proc/${pid}/status`, 'utf8');
+  const kb = (key) => Number(status.match(new RegExp(`${key}:\\s+(\\d+)`))[1]);
+  return `resident ${(kb('VmRSS') / 1024).toFixed(1)} MiB, peak ${(kb('VmHWM') / 1024).toFixed(1)} MiB`;
+}
+
+function wrk(url, cookie) {
+  const out = execFileSync('wrk', ['-t2', '-c8', `-d${seconds}s`, '--latency', '-H', `Cookie: ${cookie}`, url]).toString();
+  const pick = (re) => out.match(re)?.[1] ?? '?';
+  return `${pick(/Requests\/sec:\s+([\d.]+)/).padStart(9)} req/s  p50 ${pick(/50%\s+([\d.]+\w+)/)}  ` +
+    `p99 ${pick(/99%\s+([\d.]+\w+)/)}`;
+}
+
+const work = mkdtempSync(join(tmpdir(), 'ostrakan-pgbench-'));
+const cluster = join('/tmp', `ostrakan-pgbench-${process.pid}`);
+execFileSync('bash', [clusterScript, 'start', cluster]);
+const admin = `postgresql:///postgres?host=${cluster}&user=ostrakan`;
+try {
+  for (const records of sizes) {
+    const nearEnd = Math.min(Math.ceil(records / 20) - 1, 32767);
+    const pages = [
+      ['db_list.asp page 1', '/admin/db_list.asp'],
+      [`db_list.asp page ${nearEnd}`, `/admin/db_list.asp?page=${nearEnd}&db_count=${records}`],
+      ['db_search.asp title', '/admin/db_search.asp?action=title&keyword=%B9%A6%B7%F2'],
+    ];
+    console.log(`\n${records} records (wrk -t2 -c8 -d${seconds}s)`);
+    for (const [name, backend] of Object.entries(backends)) {
+      const site = join(work, `${name}-${records}`);
+      const database = `bench_${records}`;
+      const uri = `postgresql:///${database}?host=${cluster}&user=ostrakan`;
+      if (name === 'postgresql') execFileSync('psql', ['-q', admin, '-c', `CREATE DATABASE ${database}`]);
+      backend.init(site, uri);
+      backend.fill(site, records, uri);
+      const port = await freePort();
+      const child = spawn(binary, ['serve', '--site', site, '--listen', `127.0.0.1:${port}`],
+                          { stdio: ['ignore', 'ignore', 'inherit'] });
+      const base = `http://127.0.0.1:${port}`;
+      for (let i = 0; !(await fetch(`${base}/admin/index.asp`).then(() => true, () => false)); i++) {
+        if (i === 200) throw new Error('the server did not start');
+        await new Promise((r) => setTimeout(r, 50));
+      }
+      try {
+        const cookie = await signInOverHttp(base, site);
+        console.log(`  ${name}: after start ${memory(child.pid)}`);
+        for (const [page, path] of pages) console.log(`    ${page.padEnd(24)} ${wrk(base + path, cookie)}`);
+        console.log(`  ${name}: after the runs ${memory(child.pid)}`);
+      } finally {
+        child.kill('SIGTERM');
+        await new Promise((r) => (child.exitCode !== null ? r() : child.once('exit', r)));
+      }
+    }
+  }
+} finally {
+  execFileSync('bash', [clusterScript, 'stop', cluster]);
+  rmSync(work, { recursive: true, force: true });
+}

@@ -1,0 +1,143 @@
+-- The site database on PostgreSQL: the same tables, defaults and indexes as schema.sql.
+-- Text columns are citext, so that comparisons, LIKE and ORDER BY ignore letter case as the
+-- pages expect; dates are timestamps without time zone, in local time, to the second.
+-- Every statement may run again on a database made by an earlier version.
+CREATE EXTENSION IF NOT EXISTS citext;
+
+-- Administrator accounts; password holds the MD5 digest (32 lower-case hex characters).
+CREATE TABLE IF NOT EXISTS admin (
+  id SERIAL PRIMARY KEY,
+  username citext,
+  password citext,
+  login_ip citext,
+  login_time timestamp(0)
+);
+CREATE INDEX IF NOT EXISTS admin_username ON admin (username);
+
+-- Categories: sort_id 0 marks the first level; second-level rows name their parent and the
+-- letter group (alphabetical.id) they are listed under.
+CREATE TABLE IF NOT EXISTS sort (
+  id SERIAL PRIMARY KEY,
+  sort citext,
+  sort_id integer DEFAULT 0,
+  alphabetical_id integer DEFAULT 0
+);
+CREATE INDEX IF NOT EXISTS sort_parent_letter ON sort (sort_id, alphabetical_id, sort);
+
+-- The letter groups of second-level categories.
+CREATE TABLE IF NOT EXISTS alphabetical (
+  id SERIAL PRIMARY KEY,
+  alphabetical citext
+);
+INSERT INTO alphabetical (alphabetical)
+SELECT chr(64 + n) FROM generate_series(1, 26) AS n
+WHERE NOT EXISTS (SELECT 1 FROM alphabetical)
+ORDER BY n;
+
+-- What visitors searched for, and how often.
+CREATE TABLE IF NOT EXISTS keyword (
+  id SERIAL PRIMARY KEY,
+  keyword citext,
+  hot integer DEFAULT 0
+);
+CREATE INDEX IF NOT EXISTS keyword_keyword ON keyword (keyword);
+CREATE INDEX IF NOT EXISTS keyword_hot ON keyword (hot);
+
+-- Video records. url and source_url are stored without "http://".
+CREATE TABLE IF NOT EXISTS db (
+  id SERIAL PRIMARY KEY,
+  title citext,
+  content citext,
+  url citext,
+  image citext DEFAULT NULL,
+  source citext,
+  source_url citext,
+  click integer DEFAULT 0,
+  time timestamp(0) DEFAULT LOCALTIMESTAMP(0)
+);
+CREATE INDEX IF NOT EXISTS db_url ON db (url);
+CREATE INDEX IF NOT EXISTS db_source_url ON db (source_url);
+CREATE INDEX IF NOT EXISTS db_title ON db (title);
+CREATE INDEX IF NOT EXISTS db_click_time_title ON db (click, time, title);
+
+-- List-site gathering rules: every field but id is text.
+CREATE TABLE IF NOT EXISTS gather_list_web (
+  id SERIAL PRIMARY KEY,
+  web citext,
+  url citext,
+  gather_url citext,
+  next_page citext,
+  charset citext,
+  error_html citext,
+  cyc_border citext,
+  cyc_border_sn citext,
+  image_start citext,
+  image_end citext,
+  url_start citext,
+  url_end citext,
+  url_filtration citext,
+  v_url citext,
+  title_start citext,
+  title_end citext,
+  title_filtration citext,
+  content_start citext,
+  content_end citext,
+  content_filtration citext
+);
+
+-- ID-site gathering rules; range holds "first - last" of the last completed run.
+CREATE TABLE IF NOT EXISTS gather_id_web (
+  id SERIAL PRIMARY KEY,
+  web citext,
+  url citext,
+  gather_url citext,
+  charset citext,
+  error_html citext,
+  title_start citext,
+  title_end citext,
+  content_start citext,
+  content_end citext,
+  "range" citext
+);
+
+-- Headless gathering runs ("ostrakan gather"): one row per run, kept up to date after every
+-- page, so that a stopped run can be resumed at `next`; `finished` stays NULL until it ends.
+CREATE TABLE IF NOT EXISTS gather_run (
+  id SERIAL PRIMARY KEY,
+  kind text NOT NULL,
+  rule_id integer NOT NULL,
+  keyword text,
+  first integer NOT NULL,
+  last integer NOT NULL,
+  next integer NOT NULL,
+  pages integer DEFAULT 0,
+  entries integer DEFAULT 0,
+  inserted integer DEFAULT 0,
+  updated integer DEFAULT 0,
+  no_results integer DEFAULT 0,
+  failed integer DEFAULT 0,
+  started timestamp(0),
+  finished timestamp(0)
+);
+CREATE INDEX IF NOT EXISTS gather_run_rule ON gather_run (kind, rule_id, finished);
+
+-- Sessions of the site's servers, so that any server of a site on PostgreSQL answers any
+-- request: the session's items as text, whether an administrator is signed in, and when it
+-- expires (local time; an expired row is ignored and swept).
+CREATE TABLE IF NOT EXISTS web_session (
+  id text PRIMARY KEY,
+  items text NOT NULL,
+  code_page integer NOT NULL,
+  timeout integer NOT NULL,
+  signed_in integer NOT NULL DEFAULT 0,
+  expires timestamp(0) NOT NULL
+);
+CREATE INDEX IF NOT EXISTS web_session_expires ON web_session (expires);
+
+-- Failed sign-ins by client address, counted by every server of the site (the sign-in
+-- throttle); rows older than a day are swept.
+CREATE TABLE IF NOT EXISTS sign_in_failure (
+  address text NOT NULL,
+  at timestamp(0) NOT NULL
+);
+CREATE INDEX IF NOT EXISTS sign_in_failure_address ON sign_in_failure (address, at);

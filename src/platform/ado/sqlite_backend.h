@@ -1,0 +1,26 @@
+// The SQLite engine behind the ADO objects: a database file opened by OpenDatabase, statements
+// stepped in place (several may be read at once), writes inside BEGIN IMMEDIATE.
+#pragma once
+
+#include "platform/ado/backend.h"
+#include "platform/ado/database_file.h"
+
+namespace ostrakan::ado {
+
+class SqliteBackend : public Backend {
+ public:
+  explicit SqliteBackend(DatabaseHandle db) : db_(std::move(db)) {}
+  Dialect dialect() const override { return Dialect::kSqlite; }
+  StatementPtr PrepareUnbound(std::u16string_view sql) override;
+  long long Insert(std::u16string_view sql, const Params& params,
+                   const std::vector<bool>& asDate) override;
+  bool InTransaction() override;
+  void BeginWrite() override;
+  void Commit() override;
+  void Rollback() override;
+
+ private:
+  DatabaseHandle db_;  // statements still open keep it until they finish
+};
+
+}  // namespace ostrakan::ado

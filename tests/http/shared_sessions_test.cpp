@@ -1,0 +1,104 @@
+// Two servers of one site on PostgreSQL: what one of them knows of a visitor's session, the
+// other knows too (signed in, the verify code drawn, signed out, failed sign-ins), and a
+// restarted server still knows it. On SQLite each server keeps its own sessions; these tests need
+// PostgreSQL.
+#include <future>
+
+#include "engine/shared_sessions.h"
+#include "http/site_fixture.h"
+
+namespace ostrakan::testing {
+namespace {
+
+class SharedSessionsTest : public SiteTest {
+ protected:
+  void SetUp() override {
+    if (!OnPostgres()) GTEST_SKIP() << "sessions are shared through PostgreSQL";
+    SiteTest::SetUp();
+    other_ = StartAnother();
+  }
+  std::unique_ptr<engine::HttpServer> StartAnother() const {
+    engine::ServerOptions options;
+    options.siteRoot = root();
+    options.listen = "127.0.0.1:0";
+    options.threads = 4;
+    return std::make_unique<engine::HttpServer>(options);
+  }
+  HttpClient other() const { return HttpClient(other_->port()); }
+  static bool SignedIn(const HttpClient& c, const std::string& cookie) {
+    const std::u16string guard = u"您目前还没有登录或登录超时！";
+    return Text(c.Get("/admin/desktop.asp", {cookie})).find(guard) == std::u16string::npos;
+  }
+
+  std::unique_ptr<engine::HttpServer> other_;
+};
+
+TEST_F(SharedSessionsTest, SignInSignOutAndRestartsHoldOnEveryServer) {
+  const std::string cookie = SignIn();
+  EXPECT_TRUE(SignedIn(client(), cookie));
+  EXPECT_TRUE(SignedIn(other(), cookie));
+  EXPECT_FALSE(SignedIn(other(), "Cookie: OSTRAKANSESSION=" + std::string(32, '0')));
+
+  other_.reset();  // a restart of one server keeps the session
+  other_ = StartAnother();
+  EXPECT_TRUE(SignedIn(other(), cookie));
+
+  other().Get("/admin/login_out.asp", {cookie});
+  EXPECT_FALSE(SignedIn(client(), cookie));
+  EXPECT_FALSE(SignedIn(other(), cookie));
+}
+
+TEST_F(SharedSessionsTest, ACodeDrawnFromOneServerSignsInOnceThroughEither) {
+  Picture p = Solve(client());
+  auto post = [&](const HttpClient& c) {
+    return Text(c.Post("/admin/login.asp", SignInForm("admin", "secret123", p.code), {p.cookie}));
+  };
+  // The same solved picture posted to both servers at once: one signs in, one is refused.
+  auto first = std::async(std::launch::async, [&] { return post(client()); });
+  auto second = std::async(std::launch::async, [&] { return post(other()); });
+  const std::u16string a = first.get(), b = second.get();
+  const auto in = [](const std::u16string& t) {
+    return t.find(u"main.asp") != std::u16string::npos;
+  };
+  EXPECT_EQ(in(a) + in(b), 1) << ToUtf8(a) << ToUtf8(b);
+  EXPECT_NE((in(a) ? b : a).find(u"验证码错误！"), std::u16string::npos);
+}
+
+TEST_F(SharedSessionsTest, TheSignInThrottleCountsFailuresOnEveryServer) {
+  for (int i = 0; i < engine::SignInThrottle::kFreeFailures; ++i)
+    EXPECT_EQ(client().Post("/admin/login.asp", SignInForm("admin", "wrong", "0000")).status, 200);
+  // The other server has seen none of them, yet pauses the next attempts: more of them at
+  // once than may wait are refused.
+  std::vector<std::future<long>> posts;
+  for (int i = 0; i < 6; ++i)
+    posts.push_back(std::async(std::launch::async, [&] {
+      return other().Post("/admin/login.asp", SignInForm("admin", "wrong", "0000")).status;
+    }));
+  int refused = 0;
+  for (auto& p : posts) refused += p.get() == 429;
+  EXPECT_GT(refused, 0);
+}
+
+TEST(SharedSessionItems, KeepTheirTypesAndAnyText) {
+  Session s;
+  s.Set(u"Name", Variant(u"管理员\t\n\\x"));
+  s.Set(u"n", Variant(int32_t{-7}));
+  s.Set(u"d", Variant(0.1));
+  s.Set(u"t", Variant::Date(45000.5));
+  s.Set(u"b", Variant(true));
+  s.Set(u"null", Variant::Null());
+  Session back;
+  engine::SharedSessions::Decode(engine::SharedSessions::Encode(s), back);
+  EXPECT_EQ(back.Get(u"name").str(), u"管理员\t\n\\x");
+  EXPECT_EQ(back.Get(u"n").type(), VarType::Long);
+  EXPECT_EQ(CLng(back.Get(u"n")), -7);
+  EXPECT_EQ(CDbl(back.Get(u"d")), 0.1);
+  EXPECT_EQ(back.Get(u"t").type(), VarType::Date);
+  EXPECT_EQ(CDate(back.Get(u"t")), 45000.5);
+  EXPECT_TRUE(CBool(back.Get(u"b")));
+  EXPECT_TRUE(back.Get(u"null").IsNull());
+  EXPECT_EQ(engine::SharedSessions::Encode(back), engine::SharedSessions::Encode(s));
+}
+
+}  // namespace
+}  // namespace ostrakan::testing

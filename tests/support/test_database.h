@@ -1,0 +1,209 @@
+// The database the tests run on, chosen by one parameter: OSTRAKAN_TEST_DATABASE=postgresql
+// runs them on PostgreSQL, anything else (the default) on SQLite files.
+//
+// On PostgreSQL every TestDatabase is a fresh database of its own in a throwaway cluster: the
+// one that OSTRAKAN_TEST_PG names (a socket folder; ctest starts one cluster for all test
+// programs of a run), or else one this process starts itself and removes at exit. Where the
+// SQLite file would be, the test finds the site's address file, as a site made by
+// "ostrakan init --database" has.
+#pragma once
+
+#include <libpq-fe.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/ado/pg_backend.h"
+
+namespace ostrakan::testing {
+
+inline std::filesystem::path SourceDir() {
+  return OSTRAKAN_SOURCE_DIR;
+}
+
+inline std::string ReadFile(const std::filesystem::path& p) {
+  std::ifstream in(p, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+inline bool OnPostgres() {
+  const char* choice = std::getenv("OSTRAKAN_TEST_DATABASE");
+  return choice && std::string(choice) == "postgresql";
+}
+
+// The socket folder of the cluster the tests use (started on first use when none is given).
+inline const std::string& ClusterSocketDir() {
+  struct OwnCluster {
+    std::string dir;
+    OwnCluster() {
+      if (const char* given = std::getenv("OSTRAKAN_TEST_PG"); given && *given) {
+        dir = given;
+        return;
+      }
+      dir = "/tmp/ostrakan-pg-" + std::to_string(getpid());
+      const std::string script = (SourceDir() / "tests/support/pg_cluster.sh").string();
+      if (std::system(("bash " + script + " start " + dir).c_str()) != 0)
+        throw std::runtime_error("cannot start a PostgreSQL cluster in " + dir);
+      started = true;
+    }
+    ~OwnCluster() {
+      if (!started) return;
+      ado::DropIdleServerSessions();
+      const std::string script = (SourceDir() / "tests/support/pg_cluster.sh").string();
+      [[maybe_unused]] int rc = std::system(("bash " + script + " stop " + dir).c_str());
+    }
+    bool started = false;
+  };
+  static OwnCluster cluster;
+  return cluster.dir;
+}
+
+inline std::string ServerUri(const std::string& database) {
+  return "postgresql:///" + database + "?host=" + ClusterSocketDir() + "&user=ostrakan";
+}
+
+// Runs SQL on PostgreSQL (several statements may follow each other); the first column of the
+// first row of the last statement, as text.
+inline std::string ServerSql(const std::string& uri, const std::string& sql) {
+  PGconn* conn = PQconnectdb(uri.c_str());
+  PGresult* r = PQexec(conn, sql.c_str());
+  const ExecStatusType status = PQresultStatus(r);
+  std::string first, error = PQresultErrorMessage(r);
+  if (status == PGRES_TUPLES_OK && PQntuples(r) > 0) first = PQgetvalue(r, 0, 0);
+  PQclear(r);
+  PQfinish(conn);
+  if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK)
+    throw std::runtime_error("SQL failed: " + error + " in " + sql);
+  return first;
+}
+
+// SQLite's group_concat(x[, sep]) and char(a, b ...) in PostgreSQL's words, so that the
+// tests' set-up and checks are written once.
+inline std::string ForPostgres(std::string sql) {
+  auto rewrite = [&sql](const std::string& name, auto&& replace) {
+    for (size_t at = 0; (at = sql.find(name + "(", at)) != std::string::npos;) {
+      if (at > 0 && (std::isalnum(static_cast<unsigned char>(sql[at - 1])) || sql[at - 1] == '_')) {
+        at += name.size();
+        continue;
+      }
+      std::vector<std::string> args(1);
+      size_t i = at + name.size() + 1;
+      for (int depth = 0; i < sql.size(); ++i) {
+        const char c = sql[i];
+        if (c == '\'') {
+          const size_t close = sql.find('\'', i + 1);
+          args.back() += sql.substr(i, close - i + 1);
+          i = close;
+          continue;
+        }
+        if (c == ')' && depth == 0) break;
+        if (c == '(') ++depth;
+        if (c == ')') --depth;
+        if (c == ',' && depth == 0) {
+          args.emplace_back();
+          continue;
+        }
+        args.back() += c;
+      }
+      const std::string with = replace(args);
+      sql.replace(at, i + 1 - at, with);
+      at += with.size();
+    }
+  };
+  rewrite("group_concat", [](const std::vector<std::string>& a) {
+    return "string_agg((" + a[0] + ")::text, " + (a.size() > 1 ? a[1] : "','") + ")";
+  });
+  rewrite("char", [](const std::vector<std::string>& a) {
+    std::string out = "(";
+    for (const auto& code : a) out += (out.size() > 1 ? " || chr(" : "chr(") + code + ")";
+    return out + ")";
+  });
+  return sql;
+}
+
+// Runs SQL on a test database directly (set-up and checks), failing loudly; the first column
+// of the first row it gives, as text ("" for none or NULL).
+inline std::string Sql(const std::filesystem::path& db, const std::string& sql) {
+  if (std::optional<std::string> uri = ado::ServerAddressIn(db))
+    return ServerSql(*uri, ForPostgres(sql));
+  std::optional<std::string> first;
+  auto keepFirst = [](void* out, int, char** values, char**) {
+    auto& first = *static_cast<std::optional<std::string>*>(out);
+    if (!first) first = values[0] ? values[0] : "";
+    return 0;
+  };
+  sqlite3* h = nullptr;
+  sqlite3_open(db.c_str(), &h);
+  sqlite3_busy_timeout(h, 5000);
+  char* err = nullptr;
+  const int rc = sqlite3_exec(h, sql.c_str(), keepFirst, &first, &err);
+  const std::string message = err ? err : "";
+  sqlite3_free(err);
+  sqlite3_close(h);
+  if (rc != SQLITE_OK) throw std::runtime_error("SQL failed: " + message + " in " + sql);
+  return first.value_or("");
+}
+inline std::string SqlValue(const std::filesystem::path& db, const std::string& sql) {
+  return Sql(db, sql);
+}
+
+// A database made from the site's schema at `file`: the SQLite file itself, or on PostgreSQL a
+// new database that `file` addresses, dropped again at the end.
+class TestDatabase {
+ public:
+  explicit TestDatabase(std::filesystem::path file) : file_(std::move(file)) {
+    std::filesystem::create_directories(file_.parent_path());
+    if (!OnPostgres()) {
+      Sql(file_, ReadFile(SourceDir() / "site/data/schema.sql"));
+      return;
+    }
+    CreateEmpty();
+    ServerSql(ServerUri(name_), ReadFile(SourceDir() / "site/data/schema.pg.sql"));
+    std::ofstream(file_) << ServerUri(name_) << "\n";
+  }
+  // On PostgreSQL, an empty database for "ostrakan init --database" to fill; nothing on SQLite.
+  struct Empty {};
+  explicit TestDatabase(Empty) {
+    if (OnPostgres()) CreateEmpty();
+  }
+  // The address of the database on PostgreSQL; nullopt on SQLite.
+  std::optional<std::string> address() const {
+    if (name_.empty()) return std::nullopt;
+    return ServerUri(name_);
+  }
+  ~TestDatabase() {
+    if (name_.empty()) return;
+    ado::DropIdleServerSessions();
+    try {
+      ServerSql(ServerUri("postgres"), "DROP DATABASE IF EXISTS " + name_ + " WITH (FORCE)");
+    } catch (const std::exception&) {
+    }
+  }
+  TestDatabase(const TestDatabase&) = delete;
+  TestDatabase& operator=(const TestDatabase&) = delete;
+  const std::filesystem::path& file() const { return file_; }
+
+ private:
+  void CreateEmpty() {
+    static std::atomic<int> serial{0};
+    name_ = "t" + std::to_string(getpid()) + "_" + std::to_string(serial++) + "_" +
+            std::to_string(std::random_device()() % 100000);
+    ServerSql(ServerUri("postgres"), "CREATE DATABASE " + name_);
+  }
+
+  std::filesystem::path file_;
+  std::string name_;
+};
+
+}  // namespace ostrakan::testing
