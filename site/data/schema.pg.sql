@@ -42,6 +42,8 @@ CREATE TABLE IF NOT EXISTS keyword (
 );
 CREATE INDEX IF NOT EXISTS keyword_keyword ON keyword (keyword);
 CREATE INDEX IF NOT EXISTS keyword_hot ON keyword (hot);
+-- Each word is counted in one row: the search adds a word or adds one to its count.
+CREATE UNIQUE INDEX IF NOT EXISTS keyword_unique ON keyword (keyword);
 
 -- Video records. url and source_url are stored without "http://".
 CREATE TABLE IF NOT EXISTS db (
@@ -117,9 +119,74 @@ CREATE TABLE IF NOT EXISTS gather_run (
   no_results integer DEFAULT 0,
   failed integer DEFAULT 0,
   started timestamp(0),
-  finished timestamp(0)
+  finished timestamp(0),
+  state text,
+  unmatched integer DEFAULT 0,
+  queued integer DEFAULT 0,
+  delay_ms integer DEFAULT 1000,
+  retries integer DEFAULT 2,
+  retry_pause_ms integer DEFAULT 1000
 );
+-- Columns that the run queue added to a database made before it.
+ALTER TABLE gather_run ADD COLUMN IF NOT EXISTS state text;
+ALTER TABLE gather_run ADD COLUMN IF NOT EXISTS unmatched integer DEFAULT 0;
+ALTER TABLE gather_run ADD COLUMN IF NOT EXISTS queued integer DEFAULT 0;
+ALTER TABLE gather_run ADD COLUMN IF NOT EXISTS delay_ms integer DEFAULT 1000;
+ALTER TABLE gather_run ADD COLUMN IF NOT EXISTS retries integer DEFAULT 2;
+ALTER TABLE gather_run ADD COLUMN IF NOT EXISTS retry_pause_ms integer DEFAULT 1000;
 CREATE INDEX IF NOT EXISTS gather_run_rule ON gather_run (kind, rule_id, finished);
+
+-- The run queue: one row per page or ID of a queued run. A worker leases a unit (lease_owner,
+-- lease_until in milliseconds since the epoch) by a conditional update; state is queued, done,
+-- failed or stopped; a failed fetch waits until not_before before it is tried again.
+CREATE TABLE IF NOT EXISTS gather_unit (
+  run_id integer NOT NULL,
+  unit integer NOT NULL,
+  host text NOT NULL,
+  state text NOT NULL,
+  attempts integer DEFAULT 0,
+  not_before bigint DEFAULT 0,
+  lease_owner text,
+  lease_until bigint,
+  why text,
+  PRIMARY KEY (run_id, unit)
+);
+CREATE INDEX IF NOT EXISTS gather_unit_state ON gather_unit (state, not_before);
+
+-- Politeness between workers: one fetch at a time per remote host (the lease), and not before
+-- next_at (the run's pause after the previous fetch).
+CREATE TABLE IF NOT EXISTS gather_host (
+  host text PRIMARY KEY,
+  lease_owner text,
+  lease_until bigint,
+  next_at bigint DEFAULT 0
+);
+
+-- Schedules: runs that queue themselves; due_at in milliseconds since the epoch.
+CREATE TABLE IF NOT EXISTS gather_schedule (
+  id SERIAL PRIMARY KEY,
+  kind text NOT NULL,
+  rule_id integer NOT NULL,
+  keywords text,
+  first integer,
+  last integer,
+  next_count integer,
+  every_seconds integer,
+  cron text,
+  due_at bigint NOT NULL,
+  delay_ms integer,
+  retries integer,
+  retry_pause_ms integer
+);
+
+-- Rules whose last run matched none of the pages it fetched: since when, and an address.
+CREATE TABLE IF NOT EXISTS gather_rule_health (
+  kind text NOT NULL,
+  rule_id integer NOT NULL,
+  since timestamp(0),
+  sample text,
+  PRIMARY KEY (kind, rule_id)
+);
 
 -- Sessions of the site's servers, so that any server of a site on PostgreSQL answers any
 -- request: the session's items as text, whether an administrator is signed in, and when it

@@ -38,9 +38,11 @@ void RecordSearch::ReadSearch() {
   const std::u16string field = TextOf(action);
   search::Condition condition;
   if (field == u"title" || field == u"content") {
-    search::CatchUp(ConnectionOf(conn));
+    ado::Connection& database = ConnectionOf(conn);
+    search::CatchUp(database);
     condition = search::ContainsWord(
-        TextOf(Keyword), field == u"title" ? search::Fields::Title : search::Fields::Content);
+        TextOf(Keyword), field == u"title" ? search::Fields::Title : search::Fields::Content,
+        search::HasRecordIndex(database));
   } else if (field == u"url") {
     condition.where = u"where url like '%' || ? || '%'";
     condition.params = {Keyword};

@@ -166,7 +166,8 @@ std::shared_ptr<ado::Connection> OpenSiteDatabase(const std::filesystem::path& s
   conn->Open(u"DBQ=" + FromUtf8(LoadSiteSetup(site).DatabasePath(site).string()) + u";");
   // Each page is one commit; in WAL mode NORMAL keeps every commit through a crash of this
   // process (what --resume relies on) without a flush to disk per page.
-  conn->Execute(u"pragma synchronous = NORMAL");
+  if (conn->backend().dialect() == ado::Dialect::kSqlite)
+    conn->Execute(u"pragma synchronous = NORMAL");
   return conn;
 }
 

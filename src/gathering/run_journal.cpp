@@ -30,6 +30,8 @@ bool HasColumn(ado::Connection& conn, std::u16string_view table, std::u16string_
 }  // namespace
 
 void EnsureRunJournal(ado::Connection& conn) {
+  // A site on PostgreSQL gets these tables from data/schema.pg.sql, applied by init and migrate.
+  if (conn.backend().dialect() != ado::Dialect::kSqlite) return;
   conn.Execute(
       u"create table if not exists gather_run ("
       u"id integer primary key autoincrement, kind text not null, rule_id integer not null, "

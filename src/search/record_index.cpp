@@ -14,6 +14,7 @@ long Count(ado::Connection& conn, std::u16string_view sql) {
 }  // namespace
 
 bool HasRecordIndex(ado::Connection& conn) {
+  if (conn.backend().dialect() != ado::Dialect::kSqlite) return false;
   return Count(conn, u"select count(*) from sqlite_master where name = 'db_index_pending'") > 0;
 }
 
@@ -44,6 +45,7 @@ long TakeInPending(ado::Connection& conn, long atLeast, long limit) {
 
 void CatchUp(ado::Connection& conn) {
   try {
+    if (!HasRecordIndex(conn)) return;
     TakeInPending(conn, kPendingBatch);
   } catch (const ScriptError&) {
     // Another writer held the database too long, or it cannot be written: the search finds

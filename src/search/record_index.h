@@ -11,7 +11,8 @@ namespace ostrakan::search {
 // How many waiting records make a search take them into the index first.
 constexpr long kPendingBatch = 1000;
 
-// Whether the database has the record index.
+// Whether the database has the record index: an SQLite database made or brought up to date
+// with this version's schema (PostgreSQL and older SQLite sites search by the plain scan).
 bool HasRecordIndex(ado::Connection& conn);
 
 // Takes up to `limit` waiting records into the index, in one write transaction, when at

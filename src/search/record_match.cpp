@@ -59,7 +59,7 @@ std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields f
   return phrases;
 }
 
-Condition ContainsWord(std::u16string_view word, Fields fields) {
+Condition ContainsWord(std::u16string_view word, Fields fields, bool indexed) {
   const Variant w{std::u16string(word)};
   Condition c;
   switch (fields) {
@@ -80,6 +80,7 @@ Condition ContainsWord(std::u16string_view word, Fields fields) {
   const ado::Params likeParams = c.params;
   c.count = u"select count(*) as db_count from db " + c.where;
   c.countParams = c.params;
+  if (!indexed) return c;
   std::optional<std::u16string> match = MatchExpression(word, fields);
   if (!match) return c;
   // The records the index offers, and those still waiting to be taken into it (one sorted

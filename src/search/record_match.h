@@ -30,8 +30,9 @@ struct Condition {
   ado::Params countParams;
 };
 
-// The records whose `fields` contain `word` under LIKE, through the index when the word has a
-// literal piece, by the plain scan otherwise.
-Condition ContainsWord(std::u16string_view word, Fields fields);
+// The records whose `fields` contain `word` under LIKE: through the index when `indexed` (the
+// database has one, HasRecordIndex) and the word has a literal piece, by the plain scan
+// otherwise.
+Condition ContainsWord(std::u16string_view word, Fields fields, bool indexed = true);
 
 }  // namespace ostrakan::search

@@ -13,6 +13,35 @@
 namespace ostrakan::ado {
 namespace {
 
+// The order in which a table's rows are read on both sides: by id when the table has one,
+// else by its primary key columns (text in byte order, which is SQLite's BINARY order).
+struct KeyOrder {
+  std::string sqlite, postgres;
+  bool byId = false;
+};
+
+KeyOrder KeyOrderOf(sqlite3* db, const std::string& table) {
+  sqlite3_stmt* raw = nullptr;
+  sqlite3_prepare_v2(db, "SELECT name, type, pk FROM pragma_table_info(?) WHERE pk > 0 OR "
+                         "name = 'id' ORDER BY pk", -1, &raw, nullptr);
+  std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> info(raw, sqlite3_finalize);
+  sqlite3_bind_text(info.get(), 1, table.c_str(), -1, SQLITE_TRANSIENT);
+  KeyOrder order;
+  while (sqlite3_step(info.get()) == SQLITE_ROW) {
+    const std::string name = reinterpret_cast<const char*>(sqlite3_column_text(info.get(), 0));
+    const auto* typeText = sqlite3_column_text(info.get(), 1);
+    const std::string type = typeText ? reinterpret_cast<const char*>(typeText) : "";
+    if (name == "id") return {"id", "id", true};
+    if (sqlite3_column_int(info.get(), 2) == 0) continue;
+    const bool text = type.find("TEXT") != std::string::npos || type.find("text") != std::string::npos;
+    order.sqlite += (order.sqlite.empty() ? "\"" : ", \"") + name + "\"";
+    order.postgres += (order.postgres.empty() ? "\"" : ", \"") + name + "\"" +
+                      (text ? " COLLATE \"C\"" : "");
+  }
+  if (order.sqlite.empty()) order.sqlite = order.postgres = "1";
+  return order;
+}
+
 constexpr long long kBatch = 5000;
 
 [[noreturn]] void Fail(const std::string& sentence) {
@@ -108,15 +137,22 @@ std::vector<CopiedTable> CopyToServer(const std::filesystem::path& sqliteFile,
   std::vector<CopiedTable> copied;
   sqlite3_stmt* raw = nullptr;
   sqlite3_prepare_v2(db,
+                     // The record index (db_index, its tables and its queue) is SQLite's own:
+                     // a site on PostgreSQL searches without it.
                      "SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE "
-                     "'sqlite_%' ORDER BY name",
+                     "'sqlite_%' AND name <> 'db_index' AND substr(name, 1, 9) <> 'db_index_' "
+                     "ORDER BY name",
                      -1, &raw, nullptr);
   std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> tables(raw, sqlite3_finalize);
   while (sqlite3_step(tables.get()) == SQLITE_ROW) {
     CopiedTable table{reinterpret_cast<const char*>(sqlite3_column_text(tables.get(), 0))};
     const std::string quoted = "\"" + table.name + "\"";
+    // Both sides are read in one order for the digest: by id, or by the primary key of a
+    // table without one (its text compared byte for byte on both).
+    const KeyOrder order = KeyOrderOf(db, table.name);
     sqlite3_stmt* rowsRaw = nullptr;
-    if (sqlite3_prepare_v2(db, ("SELECT * FROM " + quoted + " ORDER BY id").c_str(), -1, &rowsRaw,
+    if (sqlite3_prepare_v2(db, ("SELECT * FROM " + quoted + " ORDER BY " + order.sqlite).c_str(),
+                           -1, &rowsRaw,
                            nullptr) != SQLITE_OK)
       Fail("the table " + table.name + " cannot be read: " + sqlite3_errmsg(db));
     std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> rows(rowsRaw, sqlite3_finalize);
@@ -169,7 +205,8 @@ std::vector<CopiedTable> CopyToServer(const std::filesystem::path& sqliteFile,
 
     // The check: the same rows, value for value, read back from the server.
     PQclear(pg.Exec(
-        "DECLARE back NO SCROLL CURSOR FOR SELECT " + names + " FROM " + quoted + " ORDER BY id",
+        "DECLARE back NO SCROLL CURSOR FOR SELECT " + names + " FROM " + quoted + " ORDER BY " +
+            order.postgres,
         "the copy of " + table.name + " cannot be read back"));
     Digest check;
     long long checked = 0;
@@ -188,9 +225,10 @@ std::vector<CopiedTable> CopyToServer(const std::filesystem::path& sqliteFile,
     if (checked != table.rows || check.Hex() != table.digest)
       Fail("the copy of the table " + table.name + " differs from the original (" +
            std::to_string(checked) + " of " + std::to_string(table.rows) + " rows)");
-    PQclear(pg.Exec("SELECT setval(pg_get_serial_sequence('" + table.name +
-                        "', 'id'), coalesce(max(id), 0) + 1, false) FROM " + quoted,
-                    "the ids of " + table.name));
+    if (order.byId)
+      PQclear(pg.Exec("SELECT setval(pg_get_serial_sequence('" + table.name +
+                          "', 'id'), coalesce(max(id), 0) + 1, false) FROM " + quoted,
+                      "the ids of " + table.name));
     copied.push_back(std::move(table));
   }
   PQclear(pg.Exec("COMMIT", "the database"));
