@@ -13,11 +13,11 @@
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "engine/generate_command.h"
+#include "engine/migrate_command.h"
 #include "engine/reindex_command.h"
 #include "engine/schedule_command.h"
 #include "engine/worker_command.h"
 #include "platform/http/fetch_stop.h"
-#include "engine/migrate_command.h"
 
 namespace {
 

@@ -37,7 +37,8 @@ TEST_F(RecordPages, ANewRecordIsStoredFilteredAndItsQuotesAreData) {
             "1");
   ASSERT_TRUE(Post(std::u16string(20000, u'长'), u"x.com/' or '1'='1", std::u16string(20000, u'说'))
                   .completed);
-  EXPECT_EQ(Value("select length(title) || '' || length(content) from db where id=2"), "2000020000");
+  EXPECT_EQ(Value("select length(title) || '' || length(content) from db where id=2"),
+            "2000020000");
   EXPECT_EQ(Urls(), "www.a.com/1,x.com/or1=1");
   EXPECT_EQ(site.log(), "");
 }

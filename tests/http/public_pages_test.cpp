@@ -18,8 +18,7 @@ class PublicPages : public SiteTest {
   }
   static size_t Count(const std::u16string& text, std::u16string_view what) {
     size_t n = 0;
-    for (size_t at = text.find(what); at != std::u16string::npos; at = text.find(what, at + 1))
-      ++n;
+    for (size_t at = text.find(what); at != std::u16string::npos; at = text.find(what, at + 1)) ++n;
     return n;
   }
 };
@@ -62,8 +61,9 @@ TEST_F(PublicPages, BlankWordsShowTheFormAndLongWordsAreCut) {
 
 TEST_F(PublicPages, FrontPageShowsCategoriesNewestRecordsAndSearchedWords) {
   AddRecords();
-  Sql(database(), "insert into sort (sort, sort_id) values ('动作片', 0); "
-                  "insert into keyword (keyword, hot) values ('熊猫', 7)");
+  Sql(database(),
+      "insert into sort (sort, sort_id) values ('动作片', 0); "
+      "insert into keyword (keyword, hot) values ('熊猫', 7)");
   HttpReply r = client().Get("/");
   ASSERT_EQ(r.status, 200);
   EXPECT_EQ(r.Header("cache-control"), "public, max-age=60");

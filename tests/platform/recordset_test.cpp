@@ -199,7 +199,8 @@ TEST_F(Database, MovesAndPagingLandOnTheSameRowsAsSteps) {
 TEST_F(Database, LargeResultsStreamRowByRow) {
   const std::string text = testing::OnPostgres() ? "repeat('x', 5000)" : "printf('%.5000c', 'x')";
   Sql("with recursive n(x) as (select 1 union all select x+1 from n where x<2000) "
-      "insert into db(title, content) select 'title ' || x, " + text + " from n");
+      "insert into db(title, content) select 'title ' || x, " +
+      text + " from n");
   auto conn = Connect();
   const size_t before = AllocatedBytes();
   auto rs = Query(conn, u"select * from db order by id");
@@ -242,8 +243,9 @@ TEST_F(Database, AddNewAndUpdateWriteTheirRowThroughTheSet) {
   one->Update();
   // A query that did not select id is keyed by the row's rowid (SQLite only; every table of
   // the PostgreSQL schema has an id, and a page that updates selects it).
-  auto named = Query(conn, u"select " + std::u16string(testing::OnPostgres() ? u"id," : u"") +
-                               u"title from db where click=3",
+  auto named = Query(conn,
+                     u"select " + std::u16string(testing::OnPostgres() ? u"id," : u"") +
+                         u"title from db where click=3",
                      3);
   named->SetField(u"title", Variant(u"C"));
   named->Update();
@@ -294,7 +296,8 @@ TEST_F(Database, BoundTextIsDataWhateverItHolds) {
   conn->Execute(u"update keyword set hot = ? where keyword = ?", {Variant(9), Variant(u"it's")});
   EXPECT_EQ(
       testing::SqlValue(
-          file, "select group_concat(hot) from (select distinct hot from keyword order by hot) as t"),
+          file,
+          "select group_concat(hot) from (select distinct hot from keyword order by hot) as t"),
       "0,9");
   // Marks and values that differ in number are a mistake of the caller.
   EXPECT_THROW(conn->Execute(u"select * " + where), std::invalid_argument);

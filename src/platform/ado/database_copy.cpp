@@ -22,8 +22,10 @@ struct KeyOrder {
 
 KeyOrder KeyOrderOf(sqlite3* db, const std::string& table) {
   sqlite3_stmt* raw = nullptr;
-  sqlite3_prepare_v2(db, "SELECT name, type, pk FROM pragma_table_info(?) WHERE pk > 0 OR "
-                         "name = 'id' ORDER BY pk", -1, &raw, nullptr);
+  sqlite3_prepare_v2(db,
+                     "SELECT name, type, pk FROM pragma_table_info(?) WHERE pk > 0 OR "
+                     "name = 'id' ORDER BY pk",
+                     -1, &raw, nullptr);
   std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> info(raw, sqlite3_finalize);
   sqlite3_bind_text(info.get(), 1, table.c_str(), -1, SQLITE_TRANSIENT);
   KeyOrder order;
@@ -33,10 +35,11 @@ KeyOrder KeyOrderOf(sqlite3* db, const std::string& table) {
     const std::string type = typeText ? reinterpret_cast<const char*>(typeText) : "";
     if (name == "id") return {"id", "id", true};
     if (sqlite3_column_int(info.get(), 2) == 0) continue;
-    const bool text = type.find("TEXT") != std::string::npos || type.find("text") != std::string::npos;
+    const bool text =
+        type.find("TEXT") != std::string::npos || type.find("text") != std::string::npos;
     order.sqlite += (order.sqlite.empty() ? "\"" : ", \"") + name + "\"";
-    order.postgres += (order.postgres.empty() ? "\"" : ", \"") + name + "\"" +
-                      (text ? " COLLATE \"C\"" : "");
+    order.postgres +=
+        (order.postgres.empty() ? "\"" : ", \"") + name + "\"" + (text ? " COLLATE \"C\"" : "");
   }
   if (order.sqlite.empty()) order.sqlite = order.postgres = "1";
   return order;
@@ -152,8 +155,7 @@ std::vector<CopiedTable> CopyToServer(const std::filesystem::path& sqliteFile,
     const KeyOrder order = KeyOrderOf(db, table.name);
     sqlite3_stmt* rowsRaw = nullptr;
     if (sqlite3_prepare_v2(db, ("SELECT * FROM " + quoted + " ORDER BY " + order.sqlite).c_str(),
-                           -1, &rowsRaw,
-                           nullptr) != SQLITE_OK)
+                           -1, &rowsRaw, nullptr) != SQLITE_OK)
       Fail("the table " + table.name + " cannot be read: " + sqlite3_errmsg(db));
     std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> rows(rowsRaw, sqlite3_finalize);
     const int columns = sqlite3_column_count(rows.get());
@@ -204,10 +206,9 @@ std::vector<CopiedTable> CopyToServer(const std::filesystem::path& sqliteFile,
     table.digest = digest.Hex();
 
     // The check: the same rows, value for value, read back from the server.
-    PQclear(pg.Exec(
-        "DECLARE back NO SCROLL CURSOR FOR SELECT " + names + " FROM " + quoted + " ORDER BY " +
-            order.postgres,
-        "the copy of " + table.name + " cannot be read back"));
+    PQclear(pg.Exec("DECLARE back NO SCROLL CURSOR FOR SELECT " + names + " FROM " + quoted +
+                        " ORDER BY " + order.postgres,
+                    "the copy of " + table.name + " cannot be read back"));
     Digest check;
     long long checked = 0;
     for (;;) {
