@@ -32,6 +32,11 @@ bool HasColumn(ado::Connection& conn, std::u16string_view table, std::u16string_
 void EnsureRunJournal(ado::Connection& conn) {
   // A site on PostgreSQL gets these tables from data/schema.pg.sql, applied by init and migrate.
   if (conn.backend().dialect() != ado::Dialect::kSqlite) return;
+  // Pages call this on every request: two reads tell that the newest table and column are
+  // there, without the write lock that even a "create ... if not exists" takes.
+  if (HasColumn(conn, u"gather_schedule", u"retry_pause_ms") &&
+      HasColumn(conn, u"gather_run", u"retry_pause_ms"))
+    return;
   conn.Execute(
       u"create table if not exists gather_run ("
       u"id integer primary key autoincrement, kind text not null, rule_id integer not null, "

@@ -50,8 +50,8 @@ class SiteTest : public ::testing::Test {
  protected:
   void SetUp() override {
     std::ostringstream out, err;
-    engine::InitOptions init{root(), SourceDir() / "site", "admin", "secret123"};
-    init.database = database_.address();
+    engine::InitOptions init{root(), SourceDir() / "site", "admin", "secret123",
+                             database_.address()};
     ASSERT_EQ(engine::RunInit(init, out, err), 0) << err.str();
     SetErrorLogPath(root() / "data/PagebindLog.Log");
     engine::ServerOptions options;

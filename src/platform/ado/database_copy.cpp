@@ -148,7 +148,8 @@ std::vector<CopiedTable> CopyToServer(const std::filesystem::path& sqliteFile,
                      -1, &raw, nullptr);
   std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> tables(raw, sqlite3_finalize);
   while (sqlite3_step(tables.get()) == SQLITE_ROW) {
-    CopiedTable table{reinterpret_cast<const char*>(sqlite3_column_text(tables.get(), 0))};
+    CopiedTable table;
+    table.name = reinterpret_cast<const char*>(sqlite3_column_text(tables.get(), 0));
     const std::string quoted = "\"" + table.name + "\"";
     // Both sides are read in one order for the digest: by id, or by the primary key of a
     // table without one (its text compared byte for byte on both).

@@ -13,7 +13,7 @@ namespace ostrakan::ado {
 struct CopiedTable {
   std::string name;
   long long rows = 0;
-  std::string digest;  // 16 hexadecimal digits over every value of every row, in id order
+  std::string digest;  // 16 hexadecimal digits over every value of every row, in id (or key) order
 };
 
 // Called after each batch of rows: the table, rows copied so far, rows in it.
