@@ -15,7 +15,7 @@ struct InitOptions {
   std::optional<std::string> password;  // generated when absent
   // A PostgreSQL connection URI: the site's database is there (an empty database, made from
   // data/schema.pg.sql) instead of an SQLite file, and the file that DB names holds the URI.
-  std::optional<std::string> database;
+  std::optional<std::string> database = std::nullopt;
 };
 
 // Copies the site, creates the database named by DB from data/schema.sql and adds the first

@@ -191,8 +191,7 @@ TEST(ServerSiteCommands, InitFillsOnlyAnEmptyDatabaseAndServeReachesIt) {
   const fs::path from = testing::SourceDir() / "site";
   std::ostringstream out, err;
   auto init = [&](const fs::path& site, const std::string& uri) {
-    InitOptions o{site, from, "admin", "secret123"};
-    o.database = uri;
+    InitOptions o{site, from, "admin", "secret123", uri};
     err.str("");
     return RunInit(o, out, err);
   };

@@ -170,8 +170,8 @@ TEST_F(GatheringPages, TheSchedulesPageAddsEditsAndRemovesSchedules) {
   EXPECT_NE(page.find(u"已保存定时采集 1"), std::u16string::npos);
   EXPECT_EQ(Value("select every_seconds from gather_schedule"), "86400");
 
-  for (const std::string bad : {form + "5s", form + "1h&cron=0+0+*+*+*",
-                                std::string("kind=id&rule_id=1&next=0&every=1h&delay_ms=0")})
+  for (const std::string& bad : {form + "5s", form + "1h&cron=0+0+*+*+*",
+                                 std::string("kind=id&rule_id=1&next=0&every=1h&delay_ms=0")})
     EXPECT_NE(Text(Get("gather_schedule.asp?action=add", bad)).find(u"没有保存"),
               std::u16string::npos)
         << bad;
