@@ -22,9 +22,10 @@ using Json = nlohmann::json;
 class RuleExchange : public ::testing::Test {
  protected:
   void SetUp() override {
-    for (const auto& s : {from, to}) {
+    for (int i = 0; i < 2; ++i) {
       engine::InitOptions init;
-      init.dir = s;
+      init.dir = i ? to : from;
+      init.database = databases[i].address();  // PostgreSQL when the tests run there
       init.from = testing::SourceDir() / "site";
       init.password = "secret123";
       std::ostringstream out, err;
@@ -86,6 +87,8 @@ class RuleExchange : public ::testing::Test {
 
   testing::TempDir dir;
   const std::filesystem::path from = dir.path() / "from", to = dir.path() / "to";
+  testing::TestDatabase databases[2]{testing::TestDatabase{testing::TestDatabase::Empty{}},
+                                     testing::TestDatabase{testing::TestDatabase::Empty{}}};
   std::shared_ptr<ado::Connection> source, target;
   std::string said;
 };
