@@ -1,5 +1,5 @@
 // The ostrakan command: make a site (init), serve one (serve), and the headless jobs on a site
-// (gather, worker, schedule, generate, reindex).
+// (gather, worker, schedule, rules, generate, reindex).
 #include <signal.h>
 #include <unistd.h>
 
@@ -15,6 +15,7 @@
 #include "engine/generate_command.h"
 #include "engine/migrate_command.h"
 #include "engine/reindex_command.h"
+#include "engine/rules_command.h"
 #include "engine/schedule_command.h"
 #include "engine/worker_command.h"
 #include "platform/http/fetch_stop.h"
@@ -131,6 +132,15 @@ Usage:
       as it grows. A new schedule is due at once, then every INTERVAL (30m, 6h, 1d; a
       minute or more) or at each local time the cron line names (minute and hour, each a
       number or *). "ostrakan worker" queues and works what is due.
+
+  ostrakan rules --site DIR export [--kind list|id] [ID ...]
+  ostrakan rules --site DIR import FILE [--dry-run] [--json]
+      Rules as files. export writes the chosen rules (all of both kinds, all of one kind,
+      or the numbered rules of one kind) with every field as one UTF-8 JSON document to
+      standard output. import adds the rules of such a document as new rules and rewrites
+      the rule files; a malformed file, an unknown version or a rule without one of its
+      fields is refused with one sentence naming the place, and nothing is added. --dry-run
+      says what would be added and adds nothing; --json prints {"dry_run", "rules"}.
 
   ostrakan --help
       This text.
@@ -362,6 +372,12 @@ int main(int argc, char** argv) {
     auto options = ParseScheduleArgs({args.begin() + 1, args.end()}, problem);
     if (!options) return Usage(problem);
     return RunSchedule(*options, std::cout, std::cerr);
+  }
+  if (command == "rules") {
+    std::string problem;
+    auto options = ParseRulesArgs({args.begin() + 1, args.end()}, problem);
+    if (!options) return Usage(problem);
+    return RunRules(*options, std::cout, std::cerr);
   }
   if (command == "worker") {
     std::string problem;
