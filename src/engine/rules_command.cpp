@@ -103,7 +103,8 @@ int RunRules(const RulesOptions& o, std::ostream& out, std::ostream& err) {
       for (const auto& r : added)
         out << (o.dryRun ? "would add " : "added ") << r.kind << " rule "
             << (o.dryRun ? "" : std::to_string(r.id) + " ") << r.web << "\n";
-      out << (o.dryRun ? "would add " : "added ") << added.size() << " rules\n";
+      out << (o.dryRun ? "would add " : "added ") << added.size()
+          << (added.size() == 1 ? " rule\n" : " rules\n");
     }
     out.flush();
     return 0;
