@@ -1,17 +1,14 @@
 // The headless runs (`ostrakan gather ... list|id`) against the fixture remote site.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 
 #include <sstream>
-#include <thread>
 
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "support/database_holder.h"
+#include "support/gathering_site.h"
 #include "support/id_rule_fixture.h"
 #include "support/list_rule_fixture.h"
-#include "support/remote_site.h"
 
 namespace ostrakan {
 namespace {
@@ -22,25 +19,16 @@ constexpr auto npos = std::string::npos;
 
 // A fresh site with a list rule over result pages /r/<page>.html (four entries each) and an ID
 // rule over pages /id/<id>.html, both on the fixture remote site.
-class GatherCommand : public ::testing::Test {
+class GatherCommand : public testing::GatheringSite {
  protected:
   void SetUp() override {
-    std::ostringstream out, err;
-    ASSERT_EQ(
-        engine::RunInit({site, testing::SourceDir() / "site", "admin", "secret123"}, out, err), 0)
-        << err.str();
+    GatheringSite::SetUp();
     for (int n = 1; n <= 5; ++n) {
       remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
       remote.Set("/id/" + std::to_string(n) + ".html", {200, testing::FixtureIdPage(n)});
     }
     listRule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
     idRule = testing::InsertFixtureIdRule(db, remote.Url("/id/[id].html"));
-  }
-  std::string Value(const std::string& sql) { return testing::SqlValue(db, sql); }
-  int Asked(const std::string& prefix) {
-    int n = 0;
-    for (const auto& r : remote.Requests()) n += r.starts_with(prefix);
-    return n;
   }
 
   // Runs the command in this process: 2 for arguments it refuses, else its exit status; `said`
@@ -60,9 +48,6 @@ class GatherCommand : public ::testing::Test {
     return rc;
   }
 
-  testing::TempDir dir;
-  const std::filesystem::path site = dir.path() / "site", db = site / "data/ostrakan.db";
-  testing::RemoteSite remote;
   std::string listRule, idRule, said;
 };
 
@@ -130,19 +115,8 @@ TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
 TEST_F(GatherCommand, AListRunKilledHalfWayIsResumedWithoutDuplicates) {
   testing::Sql(db, "drop table gather_run");  // an older database: the run adds its journal
   remote.Set("/r/3.html", RemoteReply(200, FixtureResultPage(3, 4)).Delay(20000));
-  std::fflush(stdout);
-  pid_t child = fork();
-  if (child == 0) {
-    freopen("/dev/null", "w", stdout);
-    execl(OSTRAKAN_BINARY, "ostrakan", "gather", "--site", site.c_str(), "list", listRule.c_str(),
-          "--pages", "1-5", "--delay-ms", "0", static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  for (int i = 0; i < 1000 && !Asked("/r/3.html"); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  ASSERT_TRUE(Asked("/r/3.html"));
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
+  KillWhenAsked({"gather", "--site", site, "list", listRule, "--pages", "1-5", "--delay-ms", "0"},
+                "/r/3.html");
   EXPECT_EQ(Value("select count(*) from db"), "8");
   EXPECT_EQ(Value("select next || cast(finished is null as integer) from gather_run"), "31");
 

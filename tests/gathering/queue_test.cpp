@@ -1,8 +1,6 @@
 // The run queue and `ostrakan worker` against the fixture remote site: runs shared by workers,
 // leases that expire, retries and failed pages, runs stopped and queued again.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 
 #include <mutex>
 #include <set>
@@ -13,8 +11,8 @@
 #include "engine/gather_command.h"
 #include "engine/worker_command.h"
 #include "gathering/work_queue.h"
+#include "support/gathering_site.h"
 #include "support/list_rule_fixture.h"
-#include "support/remote_site.h"
 
 namespace ostrakan {
 namespace {
@@ -40,22 +38,13 @@ class FailsFirstFetch : public http::Fetcher {
   std::set<std::string> seen_;
 };
 
-class Queue : public ::testing::Test {
+class Queue : public testing::GatheringSite {
  protected:
   void SetUp() override {
-    std::ostringstream out, err;
-    ASSERT_EQ(
-        engine::RunInit({site, testing::SourceDir() / "site", "admin", "secret123"}, out, err), 0)
-        << err.str();
+    GatheringSite::SetUp();
     for (int n = 1; n <= 40; ++n)
       remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
     rule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
-  }
-  std::string Value(const std::string& sql) { return testing::SqlValue(db, sql); }
-  int Asked(const std::string& target) {
-    int n = 0;
-    for (const auto& r : remote.Requests()) n += r.starts_with(target + "?");
-    return n;
   }
 
   // Queues a run of the list rule; the command's answer.
@@ -83,9 +72,6 @@ class Queue : public ::testing::Test {
     return text.substr(text.rfind('\n', text.size() - 2) + 1);
   }
 
-  testing::TempDir dir;
-  const std::filesystem::path site = dir.path() / "site", db = site / "data/ostrakan.db";
-  testing::RemoteSite remote;
   std::string rule;
 };
 
@@ -118,19 +104,7 @@ TEST_F(Queue, TwoWorkersShareARunFetchingAndStoringEachPageOnce) {
 TEST_F(Queue, AWorkerKilledMidRunLeavesItsPageToTheNextWorker) {
   QueueRun("1-5");
   remote.Set("/r/3.html", RemoteReply(200, FixtureResultPage(3, 4)).Delay(20000));
-  std::fflush(stdout);
-  pid_t child = fork();
-  if (child == 0) {
-    freopen("/dev/null", "w", stdout);
-    execl(OSTRAKAN_BINARY, "ostrakan", "worker", "--site", site.c_str(), "--once",
-          "--lease-seconds", "1", static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  for (int i = 0; i < 1000 && !Asked("/r/3.html"); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  ASSERT_TRUE(Asked("/r/3.html"));
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
+  KillWhenAsked({"worker", "--site", site, "--once", "--lease-seconds", "1"}, "/r/3.html");
   EXPECT_EQ(Value("select count(*) from db"), "8");
   EXPECT_EQ(Value("select lease_owner is not null from gather_unit where unit = 3"), "1");
 

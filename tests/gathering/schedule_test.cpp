@@ -9,20 +9,17 @@
 #include "engine/schedule_command.h"
 #include "engine/worker_command.h"
 #include "gathering/schedule.h"
+#include "support/gathering_site.h"
 #include "support/id_rule_fixture.h"
 #include "support/list_rule_fixture.h"
-#include "support/remote_site.h"
 
 namespace ostrakan {
 namespace {
 
-class Schedules : public ::testing::Test {
+class Schedules : public testing::GatheringSite {
  protected:
   void SetUp() override {
-    std::ostringstream out, err;
-    ASSERT_EQ(
-        engine::RunInit({site, testing::SourceDir() / "site", "admin", "secret123"}, out, err), 0)
-        << err.str();
+    GatheringSite::SetUp();
     for (int n = 1; n <= 9; ++n) {
       remote.Set("/r/" + std::to_string(n) + ".html", {200, testing::FixtureResultPage(n, 2)});
       remote.Set("/id/" + std::to_string(n) + ".html", {200, testing::FixtureIdPage(n)});
@@ -30,7 +27,6 @@ class Schedules : public ::testing::Test {
     listRule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
     idRule = testing::InsertFixtureIdRule(db, remote.Url("/id/[id].html"));
   }
-  std::string Value(const std::string& sql) { return testing::SqlValue(db, sql); }
 
   // Runs `ostrakan schedule ARGS`: 2 when the arguments are refused, else its status; `said`
   // gets its output.
@@ -52,9 +48,6 @@ class Schedules : public ::testing::Test {
     EXPECT_EQ(engine::RunWorker(o, out, err), 0) << err.str();
   }
 
-  testing::TempDir dir;
-  const std::filesystem::path site = dir.path() / "site", db = site / "data/ostrakan.db";
-  testing::RemoteSite remote;
   std::string listRule, idRule, said;
 };
 

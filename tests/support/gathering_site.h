@@ -1,0 +1,63 @@
+// A fresh site made by `ostrakan init` beside the fixture remote site, for the tests of the
+// gathering commands, the queue and the schedules.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "engine/commands.h"
+#include "support/page_harness.h"
+#include "support/remote_site.h"
+
+namespace ostrakan::testing {
+
+class GatheringSite : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::ostringstream out, err;
+    ASSERT_EQ(engine::RunInit({site, SourceDir() / "site", "admin", "secret123"}, out, err), 0)
+        << err.str();
+  }
+  std::string Value(const std::string& sql) { return SqlValue(db, sql); }
+  // How many requests the remote site had for addresses starting with `prefix`.
+  int Asked(const std::string& prefix) {
+    int n = 0;
+    for (const auto& r : remote.Requests()) n += r.starts_with(prefix);
+    return n;
+  }
+  // Starts the ostrakan program with `args` (after "ostrakan"), waits until it asks the remote
+  // site for `target`, and kills it there, as a crash or a lost machine would.
+  void KillWhenAsked(std::vector<std::string> args, const std::string& target) {
+    std::vector<char*> argv{const_cast<char*>("ostrakan")};
+    for (std::string& a : args) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    std::fflush(stdout);
+    const pid_t child = fork();
+    if (child == 0) {
+      std::freopen("/dev/null", "w", stdout);
+      execv(OSTRAKAN_BINARY, argv.data());
+      _exit(127);
+    }
+    for (int i = 0; i < 1000 && !Asked(target); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    ASSERT_TRUE(Asked(target));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+  }
+
+  TempDir dir;
+  const std::filesystem::path site = dir.path() / "site", db = site / "data/ostrakan.db";
+  RemoteSite remote;
+};
+
+}  // namespace ostrakan::testing
