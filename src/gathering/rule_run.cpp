@@ -1,4 +1,5 @@
 #include "gathering/rule_run.h"
+#include "gathering/journal_values.h"
 
 #include "gathering/id_extraction.h"
 #include "gathering/id_rule_store.h"
@@ -8,10 +9,6 @@
 
 namespace ostrakan::gathering {
 namespace {
-
-Variant Number(long long n) {
-  return Variant(static_cast<double>(n));
-}
 
 std::u16string KeywordOf(const RunRequest& request) {
   if (request.kind == u"id") return u"";

@@ -1,4 +1,5 @@
 #include "gathering/run_journal.h"
+#include "gathering/journal_values.h"
 
 #include <unistd.h>
 #include <initializer_list>
@@ -11,10 +12,6 @@
 
 namespace ostrakan::gathering {
 namespace {
-
-Variant Number(long long n) {
-  return Variant(static_cast<double>(n));
-}
 
 // Whether `table` has `column` (a query naming it fails when it does not).
 bool HasColumn(ado::Connection& conn, std::u16string_view table, std::u16string_view column) {

@@ -1,4 +1,5 @@
 #include "gathering/schedule.h"
+#include "gathering/journal_values.h"
 
 #include <ctime>
 
@@ -9,13 +10,6 @@
 
 namespace ostrakan::gathering {
 namespace {
-
-Variant Number(long long n) {
-  return Variant(static_cast<double>(n));
-}
-long long Whole(const Variant& v) {
-  return v.IsNull() ? 0 : static_cast<long long>(CDbl(v));
-}
 
 // The cron line's minute and hour: -1 for "*".
 bool ReadCron(std::string_view cron, int& minute, int& hour) {

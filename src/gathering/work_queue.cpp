@@ -1,4 +1,5 @@
 #include "gathering/work_queue.h"
+#include "gathering/journal_values.h"
 
 #include <map>
 #include <memory>
@@ -18,12 +19,6 @@
 namespace ostrakan::gathering {
 namespace {
 
-Variant Number(long long n) {
-  return Variant(static_cast<double>(n));
-}
-long long Whole(const Variant& v) {
-  return v.IsNull() ? 0 : static_cast<long long>(CDbl(v));
-}
 Variant Text(std::u16string_view s) {
   return Variant(std::u16string(s));
 }
