@@ -116,7 +116,7 @@ TEST_F(GatherCommand, AListRunKilledHalfWayIsResumedWithoutDuplicates) {
   testing::Sql(db, "drop table gather_run");  // an older database: the run adds its journal
   remote.Set("/r/3.html", RemoteReply(200, FixtureResultPage(3, 4)).Delay(20000));
   KillWhenAsked({"gather", "--site", site, "list", listRule, "--pages", "1-5", "--delay-ms", "0"},
-                "/r/3.html");
+                "/r/3.html", [&] { return Value("select count(*) from db") == "8"; });
   EXPECT_EQ(Value("select count(*) from db"), "8");
   EXPECT_EQ(Value("select next || cast(finished is null as integer) from gather_run"), "31");
 

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -36,8 +37,11 @@ class GatheringSite : public ::testing::Test {
     return n;
   }
   // Starts the ostrakan program with `args` (after "ostrakan"), waits until it asks the remote
-  // site for `target`, and kills it there, as a crash or a lost machine would.
-  void KillWhenAsked(std::vector<std::string> args, const std::string& target) {
+  // site for `target` and `settled()` holds (a run fetches its next page while it stores the
+  // last one), and kills it there, as a crash or a lost machine would.
+  void KillWhenAsked(
+      std::vector<std::string> args, const std::string& target,
+      const std::function<bool()>& settled = [] { return true; }) {
     std::vector<char*> argv{const_cast<char*>("ostrakan")};
     for (std::string& a : args) argv.push_back(a.data());
     argv.push_back(nullptr);
@@ -48,9 +52,9 @@ class GatheringSite : public ::testing::Test {
       execv(OSTRAKAN_BINARY, argv.data());
       _exit(127);
     }
-    for (int i = 0; i < 1000 && !Asked(target); ++i)
+    for (int i = 0; i < 1000 && !(Asked(target) && settled()); ++i)
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    ASSERT_TRUE(Asked(target));
+    ASSERT_TRUE(Asked(target) && settled());
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
   }
