@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <mutex>
 #include <random>
+#include <set>
 
 #include "core/script_error.h"
 #include "platform/ado/recordset.h"
@@ -24,16 +25,7 @@ bool HasColumn(ado::Connection& conn, std::u16string_view table, std::u16string_
   }
 }
 
-}  // namespace
-
-void EnsureRunJournal(ado::Connection& conn) {
-  // A site on PostgreSQL gets these tables from data/schema.pg.sql, applied by init and migrate.
-  if (conn.backend().dialect() != ado::Dialect::kSqlite) return;
-  // Pages call this on every request: two reads tell that the newest table and column are
-  // there, without the write lock that even a "create ... if not exists" takes.
-  if (HasColumn(conn, u"gather_schedule", u"retry_pause_ms") &&
-      HasColumn(conn, u"gather_run", u"retry_pause_ms"))
-    return;
+void CreateRunJournal(ado::Connection& conn) {
   conn.Execute(
       u"create table if not exists gather_run ("
       u"id integer primary key autoincrement, kind text not null, rule_id integer not null, "
@@ -71,6 +63,27 @@ void EnsureRunJournal(ado::Connection& conn) {
       u"kind text not null, rule_id integer not null, keywords text, first integer, "
       u"last integer, next_count integer, every_seconds integer, cron text, "
       u"due_at integer not null, delay_ms integer, retries integer, retry_pause_ms integer)");
+}
+
+}  // namespace
+
+void EnsureRunJournal(ado::Connection& conn) {
+  // A site on PostgreSQL gets these tables from data/schema.pg.sql, applied by init and migrate.
+  if (conn.backend().dialect() != ado::Dialect::kSqlite) return;
+  // Pages call this on every request: once a database is known to have the newest table and
+  // column, this process does not ask again (two reads, without the write lock that even a
+  // "create ... if not exists" takes, tell it).
+  static std::mutex mutex;
+  static std::set<std::u16string> upToDate;  // connection strings
+  {
+    std::lock_guard lock(mutex);
+    if (upToDate.count(conn.ConnectionString)) return;
+  }
+  if (!HasColumn(conn, u"gather_schedule", u"retry_pause_ms") ||
+      !HasColumn(conn, u"gather_run", u"retry_pause_ms"))
+    CreateRunJournal(conn);
+  std::lock_guard lock(mutex);
+  upToDate.insert(conn.ConnectionString);
 }
 
 JournalRun StartRun(ado::Connection& conn, std::u16string kind, long long ruleId,

@@ -7,6 +7,7 @@ SQLITE_EXTENSION_INIT1
 #include <sqlite3.h>
 #endif
 
+#include "platform/ado/database_file.h"
 #include "search/character_pairs.h"
 
 namespace ostrakan::search {
@@ -80,5 +81,6 @@ int RegisterOnOpen(sqlite3* db, const char**, const void*) {
 // Installed before main runs; the build asks the linker to keep this object (see
 // CMakeLists.txt), since nothing calls into it by name.
 extern "C" const int ostrakan_tokenizer_installed =
-    sqlite3_auto_extension(reinterpret_cast<void (*)()>(RegisterOnOpen));
+    (ostrakan::ado::ConfigureSqliteOnce(),
+     sqlite3_auto_extension(reinterpret_cast<void (*)()>(RegisterOnOpen)));
 #endif

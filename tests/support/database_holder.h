@@ -9,11 +9,16 @@
 #include <string>
 #include <thread>
 
+#include "platform/ado/database_pool.h"
+
 namespace ostrakan::testing {
 
 class DatabaseHolder {
  public:
   DatabaseHolder(const std::filesystem::path& db, std::chrono::milliseconds hold) {
+    // The commands under test run in this process: connections they keep for reuse would
+    // stand in the way of the exclusive lock, which a command started afresh would not.
+    ado::CloseIdleDatabases();
     sqlite3_open_v2(db.c_str(), &db_, SQLITE_OPEN_READWRITE, nullptr);
     held_ = sqlite3_exec(db_,
                          "PRAGMA locking_mode=EXCLUSIVE; BEGIN EXCLUSIVE; "

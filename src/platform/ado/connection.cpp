@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "platform/ado/database_file.h"
+#include "platform/ado/database_pool.h"
 #include "platform/ado/pg_backend.h"
 #include "platform/ado/recordset.h"
 #include "platform/ado/sqlite_backend.h"
@@ -55,7 +55,7 @@ void Connection::Open(std::u16string_view connectionString) {
     return;
   }
 
-  OpenedDatabase opened = OpenDatabase(file);
+  OpenedDatabase opened = OpenReusableDatabase(file);
   if (!opened.opened) throw FileNotFound(path);
   if (!opened.db)
     throw DatabaseError(kProviderError, FromUtf8(opened.problem), opened.code, opened.systemErrno);

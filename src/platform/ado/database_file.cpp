@@ -4,8 +4,12 @@
 
 namespace ostrakan::ado {
 
-void DatabaseCloser::operator()(sqlite3* db) const {
-  sqlite3_close_v2(db);
+void ConfigureSqliteOnce() {
+  static const bool configured = [] {
+    sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    return true;
+  }();
+  (void)configured;
 }
 
 namespace {
@@ -19,6 +23,7 @@ void Describe(OpenedDatabase& result, sqlite3* db) {
 }  // namespace
 
 OpenedDatabase OpenDatabase(const std::filesystem::path& file, bool create) {
+  ConfigureSqliteOnce();
   OpenedDatabase result;
   sqlite3* raw = nullptr;
   const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0);

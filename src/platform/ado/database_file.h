@@ -14,8 +14,17 @@ namespace ostrakan::ado {
 
 constexpr int kBusyTimeoutMs = 5000;
 
+// Sets SQLite's process-wide options once, before the library initialises: memory statistics
+// off, since keeping them takes one global mutex on every allocation of every connection (page
+// threads opening connections at once queued on it). Called by OpenDatabase and by anything
+// that initialises SQLite earlier (a static auto-extension); later calls do nothing.
+void ConfigureSqliteOnce();
+
 struct DatabaseCloser {
-  void operator()(sqlite3* db) const;  // sqlite3_close_v2: open statements finish first
+  // sqlite3_close_v2 (open statements finish first), or back to the pool of database_pool.h
+  // for a handle that OpenReusableDatabase gave.
+  void operator()(sqlite3* db) const;
+  bool reusable = false;
 };
 using DatabaseHandle = std::unique_ptr<sqlite3, DatabaseCloser>;
 

@@ -1,0 +1,54 @@
+// Connections kept for reuse (SQLite): the next page that opens the same file gets one only in
+// the state a fresh connection would have; once they are closed nothing holds the file.
+#include "platform/ado/database_pool.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/ado/connection.h"
+#include "platform/ado/recordset.h"
+#include "support/page_harness.h"
+
+namespace ostrakan::ado {
+namespace {
+
+class KeptConnections : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (testing::OnPostgres()) GTEST_SKIP() << "about SQLite files";
+  }
+  std::shared_ptr<Connection> Connect(const std::filesystem::path& file) {
+    auto conn = std::make_shared<Connection>();
+    conn->Open(u"DBQ=" + FromUtf8(file.string()) + u";DRIVER={Microsoft Access Driver (*.mdb)};");
+    return conn;
+  }
+  std::u16string Keywords(const std::shared_ptr<Connection>& conn) {
+    auto rs = conn->Execute(u"select count(*) from keyword");
+    return CStr(rs->FieldAt(0));
+  }
+  testing::TempDir dir_;
+  testing::TestDatabase database_{dir_.path() / "site.mdb"};
+};
+
+TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndClosingThemFreesTheFile) {
+  const std::filesystem::path file = database_.file();
+  // A page that ends inside a write (an error between BEGIN and COMMIT) leaves no open
+  // transaction and no uncommitted row to the next page.
+  {
+    auto conn = Connect(file);
+    conn->backend().BeginWrite();
+    conn->Execute(u"insert into keyword (keyword) values ('left open')");
+    conn->Close();
+  }
+  auto next = Connect(file);
+  EXPECT_FALSE(next->backend().InTransaction());
+  EXPECT_EQ(Keywords(next), u"0");
+  next->Execute(u"insert into keyword (keyword) values ('kept')");
+  next->Close();
+
+  // With every kept connection closed nothing holds the file: the write-ahead log is gone.
+  CloseIdleDatabases();
+  EXPECT_FALSE(std::filesystem::exists(file.string() + "-wal"));
+}
+
+}  // namespace
+}  // namespace ostrakan::ado
