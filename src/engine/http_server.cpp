@@ -162,7 +162,22 @@ void HttpServer::Handle(HttpRequest request, Connection::Reply reply) {
     return quick ? std::move(*quick) : HttpResponse{};
   });
   if (!isPage) return reply(std::move(answer));
+  if (!engine_->SharesSignIns(request)) return Admit(std::move(request), std::move(page), reply);
+  // The failures counted by the site's other servers are read from the database, which may
+  // be slow or away: on a page thread, never on this I/O thread.
+  auto shared = std::make_shared<HttpRequest>(std::move(request));
+  pages_->Submit(
+      PagePool::Lane::Quick,
+      [this, shared, page = std::move(page), reply]() mutable {
+        engine_->ReadSharedSignIns(*shared);
+        boost::asio::post(io_, [this, shared, page = std::move(page), reply]() mutable {
+          Admit(std::move(*shared), std::move(page), reply);
+        });
+      },
+      [reply] { reply(Busy()); });
+}
 
+void HttpServer::Admit(HttpRequest request, ResolvedPath page, Connection::Reply reply) {
   auto ticket = std::make_shared<SignInThrottle::Ticket>(engine_->AdmitSignIn(request));
   if (ticket->refused()) {
     HttpResponse r = HttpResponse::Plain(429,

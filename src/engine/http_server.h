@@ -60,6 +60,9 @@ class HttpServer {
   void Accepted(boost::asio::ip::tcp::socket socket);
   void Forget(Connection* gone);
   void Handle(HttpRequest request, Connection::Reply reply);
+  // Serves the sign-in throttle's answer for a page request (429, a pause on a timer, or
+  // nothing), then runs the page.
+  void Admit(HttpRequest request, ResolvedPath page, Connection::Reply reply);
   void RunPage(HttpRequest request, ResolvedPath page, Connection::Reply reply);
 
   ServerOptions options_;

@@ -126,19 +126,29 @@ HttpResponse PageEngine::ServePage(const HttpRequest& request, const ResolvedPat
   return RunPageFile(request, page.file, page.virtualPath);
 }
 
-SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {
-  if (!IsSignInAttempt(request)) return {};
-  // The servers of a site on PostgreSQL count failures together.
+const SharedSessions* PageEngine::SharedSignIns(const HttpRequest& request) {
+  if (!IsSignInAttempt(request)) return nullptr;
+  if (auto setup = setup_.Get(root_ / kSetupFileName)) return SharedSessionsOf(**setup);
+  return nullptr;
+}
+
+bool PageEngine::SharesSignIns(const HttpRequest& request) {
+  return SharedSignIns(request) != nullptr;
+}
+
+void PageEngine::ReadSharedSignIns(const HttpRequest& request) {
   try {
-    if (auto setup = setup_.Get(root_ / kSetupFileName))
-      if (const SharedSessions* shared = SharedSessionsOf(**setup))
-        signIns_.Observe(
-            request.remoteAddr,
-            static_cast<size_t>(shared->FailedSignIns(
-                request.remoteAddr, static_cast<int>(SignInThrottle::kWindow.count()))));
+    if (const SharedSessions* shared = SharedSignIns(request))
+      signIns_.Observe(request.remoteAddr,
+                       static_cast<size_t>(shared->FailedSignIns(
+                           request.remoteAddr, static_cast<int>(SignInThrottle::kWindow.count()))));
   } catch (const std::exception& e) {
     Report("the sign-in failures could not be read: " + std::string(e.what()));
   }
+}
+
+SignInThrottle::Ticket PageEngine::AdmitSignIn(const HttpRequest& request) {
+  if (!IsSignInAttempt(request)) return {};
   return signIns_.Admit(request.remoteAddr);
 }
 

@@ -53,11 +53,19 @@ class PageEngine {
   // Runs the page that AnswerWithoutPage left; needs a thread with a full-size stack.
   HttpResponse ServePage(const HttpRequest& request, const ResolvedPath& page);
 
+  // Whether `request` is a post to the sign-in page of a site whose servers count failures
+  // together (on PostgreSQL): then ReadSharedSignIns must run first, on a page thread.
+  bool SharesSignIns(const HttpRequest& request);
+  // Reads the failures that every server of the site counted for the request's address into
+  // the throttle. Queries the database: never on an I/O thread.
+  void ReadSharedSignIns(const HttpRequest& request);
   // For a post to the sign-in page, the throttle's ticket for its address (an empty ticket
-  // for any other request).
+  // for any other request). Memory only.
   SignInThrottle::Ticket AdmitSignIn(const HttpRequest& request);
 
  private:
+  // The site's shared sign-in state for a post to the sign-in page, or null.
+  const SharedSessions* SharedSignIns(const HttpRequest& request);
   HttpResponse RunPageFile(const HttpRequest& request, const std::filesystem::path& file,
                            const std::string& virtualPath);
   std::vector<Variant> RuleFields(const PageFile& page, const std::filesystem::path& file,
