@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/command_line.h"
 #include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "engine/generate_command.h"
@@ -151,27 +152,6 @@ int Usage(const std::string& problem) {
   return 2;
 }
 
-// Reads "--name value" pairs after the command; false with a message on anything else.
-bool ReadOptions(const std::vector<std::string>& args, size_t from,
-                 const std::vector<std::string>& known,
-                 std::vector<std::pair<std::string, std::string>>& out, std::string& problem) {
-  for (size_t i = from; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    bool isKnown = false;
-    for (const auto& k : known) isKnown = isKnown || a == k;
-    if (!isKnown) {
-      problem = "unknown argument \"" + a + "\"";
-      return false;
-    }
-    if (i + 1 >= args.size()) {
-      problem = a + " needs a value";
-      return false;
-    }
-    out.emplace_back(a, args[++i]);
-  }
-  return true;
-}
-
 std::filesystem::path DefaultSiteDir() {
 #ifdef OSTRAKAN_SITE_DIR
   if (std::filesystem::is_directory(OSTRAKAN_SITE_DIR)) return OSTRAKAN_SITE_DIR;
@@ -184,14 +164,15 @@ std::filesystem::path DefaultSiteDir() {
 
 int Init(const std::vector<std::string>& args) {
   if (args.size() < 2 || args[1].starts_with("--")) return Usage("init needs a folder");
+  std::string problem;
+  const auto line =
+      CommandLine::Read({args.begin() + 2, args.end()},
+                        {{}, {"--admin", "--password", "--from", "--database"}}, problem);
+  if (!line) return Usage(problem);
   InitOptions o;
   o.dir = args[1];
   o.from = DefaultSiteDir();
-  std::vector<std::pair<std::string, std::string>> options;
-  std::string problem;
-  if (!ReadOptions(args, 2, {"--admin", "--password", "--from", "--database"}, options, problem))
-    return Usage(problem);
-  for (const auto& [name, value] : options) {
+  for (const auto& [name, value] : line->options()) {
     if (name == "--database") o.database = value;
     if (name == "--admin") o.admin = value;
     if (name == "--password") o.password = value;
@@ -200,121 +181,89 @@ int Init(const std::vector<std::string>& args) {
   return RunInit(o, std::cout, std::cerr);
 }
 
-int Serve(std::vector<std::string> args) {
-  ServeOptions o;
-  if (auto flag = std::find(args.begin(), args.end(), "--behind-proxy"); flag != args.end()) {
-    o.behindProxy = true;
-    args.erase(flag);
-  }
-  std::vector<std::pair<std::string, std::string>> options;
+int Serve(const std::vector<std::string>& args) {
   std::string problem;
-  if (!ReadOptions(args, 1, {"--site", "--listen", "--threads"}, options, problem))
-    return Usage(problem);
-  bool haveSite = false;
-  for (const auto& [name, value] : options) {
-    if (name == "--site") {
-      o.site = value;
-      haveSite = true;
-    } else if (name == "--listen") {
-      bool barePort = value.find(':') == std::string::npos;
-      o.listen = barePort ? "127.0.0.1:" + value : value;
-    } else if (name == "--threads") {
-      try {
-        o.threads = std::stoi(value);
-      } catch (const std::exception&) {
-        o.threads = 0;
-      }
-      if (o.threads < 1 || o.threads > 1024)
-        return Usage("--threads takes a number from 1 to 1024");
+  const auto line =
+      CommandLine::Read({args.begin() + 1, args.end()},
+                        {{"--behind-proxy"}, {"--site", "--listen", "--threads"}}, problem);
+  if (!line) return Usage(problem);
+  ServeOptions o;
+  o.behindProxy = line->Has("--behind-proxy");
+  if (const std::string* listen = line->Value("--listen"))
+    o.listen = listen->find(':') == std::string::npos ? "127.0.0.1:" + *listen : *listen;
+  if (const std::string* threads = line->Value("--threads")) {
+    try {
+      o.threads = std::stoi(*threads);
+    } catch (const std::exception&) {
+      o.threads = 0;
     }
+    if (o.threads < 1 || o.threads > 1024) return Usage("--threads takes a number from 1 to 1024");
   }
-  if (!haveSite) return Usage("serve needs --site DIR");
+  const std::string* site = line->Value("--site");
+  if (!site) return Usage("serve needs --site DIR");
+  o.site = *site;
   return RunServe(o, std::cout, std::cerr);
 }
 
 // ostrakan generate --site DIR [--category ID ...] [--json]
 int Generate(const std::vector<std::string>& args) {
+  std::string problem;
+  const auto line = CommandLine::Read({args.begin() + 1, args.end()},
+                                      {{"--json"}, {"--site", "--category"}}, problem);
+  if (!line) return Usage(problem);
   GenerateOptions o;
-  bool haveSite = false;
-  for (size_t i = 1; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a == "--json") {
-      o.json = true;
-      continue;
-    }
-    if (a != "--site" && a != "--category") return Usage("unknown argument \"" + a + "\"");
-    if (i + 1 >= args.size()) return Usage(a + " needs a value");
-    if (a == "--site") {
-      o.site = args[++i];
-      haveSite = true;
-    } else {
-      o.categories.push_back(args[++i]);
-    }
-  }
-  if (!haveSite) return Usage("generate needs --site DIR");
+  o.json = line->Has("--json");
+  o.categories = line->Values("--category");
+  const std::string* site = line->Value("--site");
+  if (!site) return Usage("generate needs --site DIR");
+  o.site = *site;
   o.progress = isatty(STDERR_FILENO) != 0;
   return RunGenerate(o, std::cout, std::cerr);
 }
 
 // ostrakan reindex --site DIR [--json]
 int Reindex(const std::vector<std::string>& args) {
+  std::string problem;
+  const auto line =
+      CommandLine::Read({args.begin() + 1, args.end()}, {{"--json"}, {"--site"}}, problem);
+  if (!line) return Usage(problem);
   ReindexOptions o;
-  bool haveSite = false;
-  for (size_t i = 1; i < args.size(); ++i) {
-    if (args[i] == "--json") {
-      o.json = true;
-    } else if (args[i] == "--site" && i + 1 < args.size()) {
-      o.site = args[++i];
-      haveSite = true;
-    } else {
-      return Usage(args[i] == "--site" ? "--site needs a value"
-                                       : "unknown argument \"" + args[i] + "\"");
-    }
-  }
-  if (!haveSite) return Usage("reindex needs --site DIR");
+  o.json = line->Has("--json");
+  const std::string* site = line->Value("--site");
+  if (!site) return Usage("reindex needs --site DIR");
+  o.site = *site;
   return RunReindex(o, std::cout, std::cerr);
 }
 
-int Migrate(std::vector<std::string> args) {
-  MigrateOptions o;
-  if (auto flag = std::find(args.begin(), args.end(), "--json"); flag != args.end()) {
-    o.json = true;
-    args.erase(flag);
-  }
-  std::vector<std::pair<std::string, std::string>> options;
+int Migrate(const std::vector<std::string>& args) {
   std::string problem;
-  if (!ReadOptions(args, 1, {"--site", "--to"}, options, problem)) return Usage(problem);
-  for (const auto& [name, value] : options) {
-    if (name == "--site") o.site = value;
-    if (name == "--to") o.to = value;
-  }
-  if (o.site.empty() || o.to.empty()) return Usage("migrate needs --site DIR and --to URI");
+  const auto line =
+      CommandLine::Read({args.begin() + 1, args.end()}, {{"--json"}, {"--site", "--to"}}, problem);
+  if (!line) return Usage(problem);
+  MigrateOptions o;
+  o.json = line->Has("--json");
+  const std::string *site = line->Value("--site"), *to = line->Value("--to");
+  if (!site || !to || site->empty() || to->empty())
+    return Usage("migrate needs --site DIR and --to URI");
+  o.site = *site;
+  o.to = *to;
   return RunMigrate(o, std::cout, std::cerr);
 }
 
 int Passwd(const std::vector<std::string>& args) {
-  PasswdOptions o;
-  std::vector<std::string> rest;
-  for (size_t i = 1; i < args.size(); ++i) {
-    if (args[i] == "--json")
-      o.json = true;
-    else if (args[i] == "--add")
-      o.add = true;
-    else
-      rest.push_back(args[i]);
-  }
-  rest.insert(rest.begin(), "passwd");
-  std::vector<std::pair<std::string, std::string>> options;
   std::string problem;
-  if (!ReadOptions(rest, 1, {"--site", "--admin", "--password"}, options, problem))
-    return Usage(problem);
-  bool haveSite = false, haveAdmin = false;
-  for (const auto& [name, value] : options) {
-    if (name == "--site") o.site = value, haveSite = true;
-    if (name == "--admin") o.admin = value, haveAdmin = true;
-    if (name == "--password") o.password = value;
-  }
-  if (!haveSite || !haveAdmin) return Usage("passwd needs --site DIR and --admin NAME");
+  const auto line =
+      CommandLine::Read({args.begin() + 1, args.end()},
+                        {{"--json", "--add"}, {"--site", "--admin", "--password"}}, problem);
+  if (!line) return Usage(problem);
+  PasswdOptions o;
+  o.json = line->Has("--json");
+  o.add = line->Has("--add");
+  const std::string *site = line->Value("--site"), *admin = line->Value("--admin");
+  if (!site || !admin) return Usage("passwd needs --site DIR and --admin NAME");
+  o.site = *site;
+  o.admin = *admin;
+  if (const std::string* password = line->Value("--password")) o.password = *password;
   return RunPasswd(o, std::cout, std::cerr);
 }
 

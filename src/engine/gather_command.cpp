@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/script_error.h"
+#include "engine/command_line.h"
 #include "engine/commands.h"
 #include "engine/site_setup.h"
 #include "frame/error_log.h"
@@ -63,37 +64,27 @@ void DrawBar(std::ostream& out, const gathering::JournalRun& run, const char* un
 
 std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& args,
                                              std::string& problem) {
+  const auto line =
+      CommandLine::Read(args,
+                        {{"--json", "--queue", "--resume"},
+                         {"--site", "--keyword", "--pages", "--ids", "--delay-ms", "--retries"},
+                         true},
+                        problem);
+  if (!line) return std::nullopt;
   GatherOptions o;
-  std::vector<std::string> positional;
+  o.json = line->Has("--json");
+  o.queue = line->Has("--queue");
+  o.resume = line->Has("--resume");
+  const std::vector<std::string>& positional = line->words();
   bool haveSite = false, havePages = false, haveIds = false;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    auto value = [&]() -> const std::string* {
-      if (i + 1 >= args.size()) {
-        problem = a + " needs a value";
-        return nullptr;
-      }
-      return &args[++i];
-    };
-    if (a == "--json") {
-      o.json = true;
-    } else if (a == "--queue") {
-      o.queue = true;
-    } else if (a == "--resume") {
-      o.resume = true;
-    } else if (a == "--site") {
-      auto v = value();
-      if (!v) return std::nullopt;
-      o.site = *v;
+  for (const auto& [a, v] : line->options()) {
+    if (a == "--site") {
+      o.site = v;
       haveSite = true;
     } else if (a == "--keyword") {
-      auto v = value();
-      if (!v) return std::nullopt;
-      o.keyword = *v;
+      o.keyword = v;
     } else if (a == "--pages" || a == "--ids") {
-      auto v = value();
-      if (!v) return std::nullopt;
-      const auto range = ReadRange(*v);
+      const auto range = ReadRange(v);
       if (!range) {
         problem = a + " takes FIRST-LAST, two whole numbers with FIRST not above LAST";
         return std::nullopt;
@@ -102,19 +93,12 @@ std::optional<GatherOptions> ParseGatherArgs(const std::vector<std::string>& arg
       (a == "--pages" ? havePages : haveIds) = true;
       o.rangeGiven = true;
     } else if (a == "--delay-ms" || a == "--retries") {
-      auto v = value();
-      if (!v) return std::nullopt;
-      const std::optional<long long> n = ReadNumber(*v, 0);
+      const std::optional<long long> n = ReadNumber(v, 0);
       if (!n || *n > 3600000) {
         problem = a + " takes a whole number of 0 or more";
         return std::nullopt;
       }
       (a == "--delay-ms" ? o.delayMs : o.retries) = static_cast<int>(*n);
-    } else if (a.starts_with("--")) {
-      problem = "unknown option \"" + a + "\"";
-      return std::nullopt;
-    } else {
-      positional.push_back(a);
     }
   }
   if (!haveSite) {

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/script_error.h"
+#include "engine/command_line.h"
 #include "engine/gather_command.h"
 #include "gathering/rule_exchange.h"
 
@@ -14,35 +15,20 @@ namespace ostrakan::engine {
 
 std::optional<RulesOptions> ParseRulesArgs(const std::vector<std::string>& args,
                                            std::string& problem) {
+  const auto line =
+      CommandLine::Read(args, {{"--json", "--dry-run"}, {"--site", "--kind"}, true}, problem);
+  if (!line) return std::nullopt;
   RulesOptions o;
-  std::vector<std::string> positional;
-  bool haveSite = false;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a == "--json" || a == "--dry-run") {
-      (a == "--json" ? o.json : o.dryRun) = true;
-    } else if (a == "--site" || a == "--kind") {
-      if (i + 1 >= args.size()) {
-        problem = a + " needs a value";
-        return std::nullopt;
-      }
-      if (a == "--site") {
-        o.site = args[++i];
-        haveSite = true;
-      } else {
-        o.kind = args[++i];
-      }
-    } else if (a.starts_with("--")) {
-      problem = "unknown option \"" + a + "\"";
-      return std::nullopt;
-    } else {
-      positional.push_back(a);
-    }
-  }
-  if (!haveSite) {
+  o.json = line->Has("--json");
+  o.dryRun = line->Has("--dry-run");
+  if (const std::string* kind = line->Value("--kind")) o.kind = *kind;
+  const std::vector<std::string>& positional = line->words();
+  const std::string* site = line->Value("--site");
+  if (!site) {
     problem = "rules needs --site DIR";
     return std::nullopt;
   }
+  o.site = *site;
   if (!o.kind.empty() && o.kind != "list" && o.kind != "id") {
     problem = "--kind takes list or id";
     return std::nullopt;

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "core/script_error.h"
+#include "engine/command_line.h"
 #include "engine/gather_command.h"
 
 namespace ostrakan::engine {
@@ -43,25 +44,19 @@ std::string LocalTime(long long ms) {
 
 std::optional<ScheduleOptions> ParseScheduleArgs(const std::vector<std::string>& args,
                                                  std::string& problem) {
+  const auto line = CommandLine::Read(
+      args,
+      {{"--json"},
+       {"--site", "--keyword", "--pages", "--next", "--every", "--cron", "--delay-ms", "--retries"},
+       true},
+      problem);
+  if (!line) return std::nullopt;
   ScheduleOptions o;
-  std::vector<std::string> positional;
+  o.json = line->Has("--json");
+  const std::vector<std::string>& positional = line->words();
   bool haveSite = false, havePages = false, haveNext = false, haveEvery = false;
   gathering::Schedule& s = o.schedule;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a == "--json") {
-      o.json = true;
-      continue;
-    }
-    if (!a.starts_with("--")) {
-      positional.push_back(a);
-      continue;
-    }
-    if (i + 1 >= args.size()) {
-      problem = a + " needs a value";
-      return std::nullopt;
-    }
-    const std::string& v = args[++i];
+  for (const auto& [a, v] : line->options()) {
     if (a == "--site") {
       o.site = v;
       haveSite = true;
@@ -107,9 +102,6 @@ std::optional<ScheduleOptions> ParseScheduleArgs(const std::vector<std::string>&
         return std::nullopt;
       }
       (a == "--delay-ms" ? s.pacing.delayMs : s.pacing.retries) = static_cast<int>(*n);
-    } else {
-      problem = "unknown option \"" + a + "\"";
-      return std::nullopt;
     }
   }
   if (!haveSite) {

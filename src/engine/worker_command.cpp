@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "core/script_error.h"
+#include "engine/command_line.h"
 #include "engine/gather_command.h"
 #include "gathering/work_queue.h"
 
@@ -10,38 +11,26 @@ namespace ostrakan::engine {
 
 std::optional<WorkerOptions> ParseWorkerArgs(const std::vector<std::string>& args,
                                              std::string& problem) {
+  const auto line =
+      CommandLine::Read(args, {{"--once", "--json"}, {"--site", "--lease-seconds"}}, problem);
+  if (!line) return std::nullopt;
   WorkerOptions o;
-  bool haveSite = false;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a == "--once") {
-      o.once = true;
-    } else if (a == "--json") {
-      o.json = true;
-    } else if ((a == "--site" || a == "--lease-seconds") && i + 1 < args.size()) {
-      const std::string& v = args[++i];
-      if (a == "--site") {
-        o.site = v;
-        haveSite = true;
-      } else if (v.empty() || v.size() > 6 || v.find_first_not_of("0123456789") != v.npos ||
-                 std::stol(v) < 1) {
-        problem = "--lease-seconds takes a whole number from 1";
-        return std::nullopt;
-      } else {
-        o.leaseSeconds = std::stol(v);
-      }
-    } else if (a == "--site" || a == "--lease-seconds") {
-      problem = a + " needs a value";
-      return std::nullopt;
-    } else {
-      problem = "worker does not know \"" + a + "\"";
+  o.once = line->Has("--once");
+  o.json = line->Has("--json");
+  if (const std::string* v = line->Value("--lease-seconds")) {
+    if (v->empty() || v->size() > 6 || v->find_first_not_of("0123456789") != v->npos ||
+        std::stol(*v) < 1) {
+      problem = "--lease-seconds takes a whole number from 1";
       return std::nullopt;
     }
+    o.leaseSeconds = std::stol(*v);
   }
-  if (!haveSite) {
+  const std::string* site = line->Value("--site");
+  if (!site) {
     problem = "worker needs --site DIR";
     return std::nullopt;
   }
+  o.site = *site;
   return o;
 }
 
