@@ -8,12 +8,12 @@
 //    its place, as an attacker would. Prints p99 beside the quiet run's, the requests refused
 //    or failed, and the server's resident memory (at most seen while they were open).
 // 3. Closes them and prints the server's memory 10 seconds later.
-// Everything talks to 127.0.0.1 only. Needs `ulimit -n` above IDLE + SLOW + 100 for node.
+// The crowd is bench/crowd/crowd.cpp, built beside ostrakan (target crowd); it raises its own
+// limit of open files. Everything talks to 127.0.0.1 only.
 // Usage: node bench/slow_clients.mjs build/release/ostrakan [idle] [slow] [seconds]
-import { execFile } from 'node:child_process';
+import { execFile, spawn } from 'node:child_process';
 import { promisify } from 'node:util';
 import { readFileSync, readdirSync } from 'node:fs';
-import net from 'node:net';
 import { join, dirname, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
@@ -73,46 +73,31 @@ try {
   // Page threads keep the stack pages their pages touched: the crowd is measured from here.
   const quietRss = rssMiB(pid);
 
-  // Connections that stay open, replaced whenever the server closes one.
-  let holding = true, replaced = 0, peakRss = 0;
-  const open = new Set();
-  const connect = (slow) => {
-    const s = net.connect({ host: '127.0.0.1', port });
-    open.add(s);
-    s.on('error', () => {});
-    s.on('data', () => {});
-    s.on('connect', () =>
-      s.write(slow ? 'GET /admin/index.asp HTTP/1.1\r\nHost: x\r\n'
-                   : 'GET /admin/css/style.css HTTP/1.1\r\nHost: x\r\n\r\n'));
-    s.on('close', () => {
-      open.delete(s);
-      if (holding) {
-        ++replaced;
-        setTimeout(() => connect(slow), 10);
-      }
-    });
-    s.slow = slow;
-  };
-  for (let i = 0; i < idleCount + slowCount; ++i) {
-    connect(i < slowCount);
-    if (i % 500 === 499) await sleep(50);  // within the listen backlog
+  // The crowd runs as a program of its own (bench/crowd/crowd.cpp, one thread on epoll), so
+  // that holding it costs the machine little; node's sockets cost a core.
+  const crowd = spawn(join(dirname(process.env.OSTRAKAN_BINARY), 'crowd'),
+    [String(port), String(idleCount), String(slowCount)], { stdio: ['ignore', 'pipe', 'inherit'] });
+  const lines = [];
+  crowd.stdout.on('data', (d) => lines.push(...d.toString().trim().split('\n')));
+  while (!lines.some((l) => l.startsWith('ready'))) {
+    if (crowd.exitCode !== null) throw new Error('the crowd did not start');
+    await sleep(100);
   }
-  const trickle = setInterval(() => {
-    for (const s of open) if (s.slow && !s.destroyed) s.write('X-Slow: 1\r\n');
-    peakRss = Math.max(peakRss, rssMiB(pid));
-  }, 2000);
+  let peakRss = 0;
+  const watch = setInterval(() => (peakRss = Math.max(peakRss, rssMiB(pid))), 1000);
   await sleep(3000);
-  console.log(`${open.size} idle or slow connections open; server ${rssMiB(pid).toFixed(1)} MiB ` +
-    `(at start ${startRss.toFixed(1)} MiB, after the quiet runs ${quietRss.toFixed(1)} MiB)`);
+  console.log(`${lines.find((l) => l.startsWith('ready')).slice(6)} idle or slow connections ` +
+    `opened; server ${rssMiB(pid).toFixed(1)} MiB (at start ${startRss.toFixed(1)} MiB, after ` +
+    `the quiet runs ${quietRss.toFixed(1)} MiB)`);
   show('loaded: admin/css/style.css', await wrk(file));
   show('loaded: admin/desktop.asp', await wrk(page, ['-H', `Cookie: ${cookie}`]));
-  console.log(`${open.size} idle or slow connections open after the loaded runs`);
   peakRss = Math.max(peakRss, rssMiB(pid));
-  console.log(`connections replaced after the server closed them: ${replaced}; ` +
-    `server memory at most ${peakRss.toFixed(1)} MiB`);
-  holding = false;
-  clearInterval(trickle);
-  for (const s of open) s.destroy();
+  clearInterval(watch);
+  crowd.kill('SIGTERM');
+  await new Promise((ok) => (crowd.exitCode !== null ? ok() : crowd.once('exit', ok)));
+  const [, open, replaced] = lines.at(-1).match(/open (\d+) replaced (\d+)/);
+  console.log(`${open} idle or slow connections open after the loaded runs; replaced after ` +
+    `the server closed them: ${replaced}; server memory at most ${peakRss.toFixed(1)} MiB`);
   await sleep(10000);
   console.log(`10 s after they left: server ${rssMiB(pid).toFixed(1)} MiB`);
 } finally {
