@@ -1,6 +1,6 @@
 // The real site over loopback: signing in and out, what a verify code is worth, the slowing of
-// an address that keeps failing, the guarded pages, GBK text both ways, and a database that goes
-// away while the server runs. (How pauses grow and how many may wait is the throttle's test.)
+// an address that keeps failing, the guarded pages, text that GBK lacks, and a database that
+// goes away while the server runs. (How pauses grow and how many may wait is the throttle's test.)
 #include <future>
 
 #include "http/site_fixture.h"
@@ -91,22 +91,6 @@ TEST_F(SiteTest, TheSixthFailureFromOneAddressWaitsWhileOthersSignIn) {
   EXPECT_EQ(client().Get("/admin/desktop.asp", {SignIn()}).status, 200);
   EXPECT_EQ(sixth.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
   EXPECT_TRUE(Holds(sixth.get(), u"管理密码错误！"));
-}
-
-TEST_F(SiteTest, GbkTextCrossesTheWireBothWays) {
-  std::string cookie = SignIn();
-  const std::string account =
-      "username=" + GbkEscape(u"站长") + "&password=" + GbkEscape(u"新密码") + "&password2=x";
-  EXPECT_TRUE(Holds(Text(client().Post("/admin/admin_ok.asp", account, {cookie})), u"修改成功！"));
-  EXPECT_EQ(Value("select username from admin"), "站长");
-  SignIn(GbkEscape(u"站长"), GbkEscape(u"新密码"));
-
-  Sql(database(),
-      "insert into db (title, url) values ('周杰伦演唱会', 'v.test/1'), ('Other', 'v.test/2')");
-  HttpReply found =
-      client().Get("/admin/db_search.asp?action=title&keyword=" + GbkEscape(u"周杰伦"), {cookie});
-  EXPECT_TRUE(Holds(found.body, text::Encode(u">周杰伦演唱会</a>", 936)));
-  EXPECT_FALSE(Holds(found.body, ">Other</a>"));
 }
 
 // A record holding characters that GBK lacks (an emoji, a CJK character of extension B, one
