@@ -49,7 +49,6 @@ TEST(Md5, DoubleByteCharactersSpillTheirSignIntoTheirWord) {
       {Repeat(u"\u4e2d\u6587abc", 12), u"6a5b89c0bfcc8e54b326526e29aac78e"},  // 60: two blocks
       {Repeat(u"\u4e2d\u6587abc", 14), u"13a69c871c1c9bac5257e1781bb362bc"},  // 70
   });
-  EXPECT_NE(Md5(u"\u7ba1\u7406\u5458"), u"8178134ede762c42e41a7b1695082e28");  // of GBK bytes
   EXPECT_EQ(Md5(u"a\u0e01b"), Md5(u"a?b"));  // Thai ko kai has no GBK code: a "?"
 }
 

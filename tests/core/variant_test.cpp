@@ -82,17 +82,5 @@ TEST(Variant, Utf8RoundTripAndInvalidBytes) {
   EXPECT_EQ(ToUtf8(std::u16string(1, u'\xD800')), "\xEF\xBF\xBD");  // a lone surrogate
 }
 
-TEST(Variant, ObjectsAreSharedByCopies) {
-  struct Box : Object {
-    int value = 1;
-  };
-  auto box = std::make_shared<Box>();
-  Variant copy = Variant(box);
-  copy.As<Box>()->value = 7;
-  EXPECT_EQ(box->value, 7);
-  EXPECT_FALSE(Variant(u"x").As<Box>());
-  EXPECT_TRUE(Variant::Nothing().IsObject());
-}
-
 }  // namespace
 }  // namespace ostrakan

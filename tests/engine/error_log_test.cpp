@@ -4,6 +4,7 @@
 
 #include "admin/registry.h"
 #include "gathering/record_store.h"
+#include "http/holds.h"
 #include "platform/ado/connection.h"
 #include "platform/clock.h"
 #include "support/page_harness.h"
@@ -11,6 +12,7 @@
 namespace ostrakan {
 namespace {
 
+using testing::Holds;
 using testing::ReadFile;
 
 class ErrorLog : public ::testing::Test {
@@ -46,7 +48,7 @@ TEST_F(ErrorLog, AFullLogBecomesTheOldOneAndANewOneStarts) {
   std::string current = ReadFile(log_), previous = ReadFile(old);
   EXPECT_LE(current.size(), 300u);
   EXPECT_LE(previous.size(), 300u);
-  EXPECT_NE(current.find("error 19\r\n"), std::string::npos);
+  EXPECT_TRUE(Holds(current, "error 19\r\n"));
   EXPECT_LT(Lines(current) + Lines(previous), 20u);  // only one old file is kept
   EXPECT_FALSE(std::filesystem::exists(old.string() + ".1"));
 }
@@ -56,10 +58,9 @@ TEST_F(ErrorLog, ALineThatCannotBeWrittenGoesToStandardError) {
   ::testing::internal::CaptureStderr();
   LogComponentError(u"\\admin\\db_add_ok, InitFunction3: attempt to write a readonly database");
   std::string err = ::testing::internal::GetCapturedStderr();
-  EXPECT_NE(err.find("missing-folder/PagebindLog.Log"), std::string::npos) << err;
-  EXPECT_NE(err.find("\\admin\\db_add_ok, InitFunction3: attempt to write a readonly database"),
-            std::string::npos)
-      << err;
+  EXPECT_TRUE(Holds(err, "missing-folder/PagebindLog.Log"));
+  EXPECT_TRUE(
+      Holds(err, "\\admin\\db_add_ok, InitFunction3: attempt to write a readonly database"));
 }
 
 // The dates the system writes come from the process's clock: the log line's, and the time of a

@@ -13,13 +13,12 @@ namespace {
 class Recorder : public SitePage {
  public:
   static inline int alive = 0;
-  Variant id, Note, Extra;
+  Variant id, Note;
 
   Recorder() : SitePage(u"\\admin\\recorder") {
     ++alive;
     Property(u"id", id);
     Property(u"Note", Note);
-    Property(u"Extra", Extra);
     Block(u"Show", [this] { CurrentResponse().Write(u"[" + HtmlText(TextOf(id)) + u"]"); });
     Block(u"Stop", [] { CurrentResponse().Write(u"stopped"), EndResponse(); });
     Method(u"Crash", [](Args&) -> Variant { throw std::runtime_error("boom"); });
@@ -33,13 +32,6 @@ class Recorder : public SitePage {
         3);
   }
   ~Recorder() override { --alive; }
-
- protected:
-  void AssignExtra(Args& parameters, size_t from) override {
-    std::u16string joined;
-    for (size_t i = from; i < parameters.size(); ++i) joined += TextOf(parameters[i]) + u"|";
-    Extra = Variant(joined);
-  }
 };
 
 class PageRunnerTest : public ::testing::Test {
@@ -91,10 +83,6 @@ TEST_F(PageRunnerTest, WritesTextSetsPropertiesAndCallsMethodsInOrderUntilTheRes
           u"|<% Stop %> after<% Show %>",
           {Variant(u"web"), Variant(u"http://x/")}),
       u"<p>s1/s8</p>[42]from the form|s11|3|stopped");
-  // The rule fields follow the settings.
-  EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %><% InitFunction1 %><%= Extra %>",
-                {Variant(u"web"), Variant(u"http://x/")}),
-            u"web|http://x/|");
   context_.session->Set(u"user", Variant(u"ann"));
   EXPECT_EQ(Run(u"<b><%= Session(\"USER\") %></b><%= Setting(\"Missing\") %>"), u"<b>ann</b>");
 }

@@ -59,6 +59,10 @@ TEST(RequestReader, ReadsConnectionRulesAndTargets) {
   EXPECT_FALSE(Read("GET / HTTP/1.1\r\nHost: a\r\nConnection: TE, Close\r\n\r\n").keepAlive);
   EXPECT_FALSE(Read("GET / HTTP/1.0\r\n\r\n").keepAlive);
   EXPECT_TRUE(Read("GET / HTTP/1.0\r\nConnection: Keep-Alive\r\n\r\n").keepAlive);
+  // The same length twice says one thing.
+  EXPECT_EQ(Read("POST / HTTP/1.1\r\nHost: a\r\nContent-Length: 3\r\nContent-Length: 3\r\n\r\nf=x")
+                .request.body,
+            "f=x");
 
   RequestReader reader(kBodyLimit);
   std::string in =

@@ -6,12 +6,14 @@
 
 #include "frame/page_blocks.h"
 #include "frame/site_page.h"
+#include "http/holds.h"
 #include "platform/ado/connection.h"
 #include "support/page_harness.h"
 
 namespace ostrakan {
 namespace {
 
+using testing::Holds;
 using testing::RunBlocks;
 
 // A signed-in page whose blocks open the connection or fail in the ways a real page can.
@@ -55,8 +57,8 @@ TEST_F(Page, AnErrorIsLoggedOnceAndThePageGoesOn) {
   EXPECT_TRUE(RunBlocks(page, {u"InitFunction5"}));  // a foreign exception, the same way
   const std::string log = site.log();
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
-  EXPECT_NE(log.find("    \\admin\\probe, InitFunction3: Type mismatch\r\n"), std::string::npos);
-  EXPECT_NE(log.find("    \\admin\\probe, InitFunction5: disk full\r\n"), std::string::npos);
+  EXPECT_TRUE(Holds(log, "    \\admin\\probe, InitFunction3: Type mismatch\r\n"));
+  EXPECT_TRUE(Holds(log, "    \\admin\\probe, InitFunction5: disk full\r\n"));
 #ifdef OSTRAKAN_STRICT
   // In the test build a programming error is not swallowed into the log.
   EXPECT_THROW(RunBlocks(page, {u"InitFunction6"}), std::out_of_range);
@@ -111,9 +113,8 @@ TEST_F(Page, TheGuardRefusesWithoutTheSessionValueButSendsNoStoreHeaders) {
   std::string headers;
   for (const auto& [name, value] : request.response().Headers())
     headers += name + ":" + value + ";";
-  EXPECT_NE(headers.find("Pragma:No-Cache;"), std::string::npos) << headers;
-  EXPECT_NE(headers.find("Cache-Control:no-cache, no-store;Expires:"), std::string::npos)
-      << headers;
+  EXPECT_TRUE(Holds(headers, "Pragma:No-Cache;"));
+  EXPECT_TRUE(Holds(headers, "Cache-Control:no-cache, no-store;Expires:"));
   EXPECT_EQ(site.log(), "");
 }
 
@@ -132,7 +133,7 @@ TEST_F(Page, AMissingDatabaseStopsThePageWithTheSetupMessage) {
   EXPECT_EQ(request.text(), u"数据库连接出错，请检查Setup.asp文件中的数据库参数设置。");
   EXPECT_TRUE(page.conn.IsObject() && !page.conn.object());  // Nothing
   EXPECT_FALSE(std::filesystem::exists(site.database()));    // never created
-  EXPECT_NE(site.log().find("\\admin\\probe, InitFunction2: "), std::string::npos);
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\probe, InitFunction2: "));
 
   // An empty database setting maps the site's root folder, which is no database either.
   auto args = testing::Settings();

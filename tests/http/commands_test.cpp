@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "access/md5.h"
+#include "http/holds.h"
 #include "http/http_client.h"
 #include "support/page_harness.h"
 
@@ -40,13 +41,13 @@ TEST(Commands, ASiteIsMadeServedRebuiltBesideTheServerAndStoppedOnSigterm) {
   const fs::path site = dir.path() / "site", db = site / "data/ostrakan.db";
   CommandRun run = Ostrakan({"serve", "--site", site.string()});
   EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.output.find("does not exist"), std::string::npos) << run.output;  // in words
+  EXPECT_TRUE(Holds(run.output, "does not exist"));  // in words
   EXPECT_EQ(Ostrakan({"serve", "--site", site.string(), "--threads", "0"}).status, 2);
-  EXPECT_NE(Ostrakan({"--help"}).output.find("ostrakan serve --site DIR"), std::string::npos);
+  EXPECT_TRUE(Holds(Ostrakan({"--help"}).output, "ostrakan serve --site DIR"));
 
   run = Ostrakan({"init", site.string(), "--admin", "boss", "--password", "Secret42"});
   ASSERT_EQ(run.status, 0) << run.output;
-  EXPECT_EQ(run.output.find("Secret42"), std::string::npos) << "a given password is not echoed";
+  EXPECT_FALSE(Holds(run.output, "Secret42")) << "a given password is not echoed";
   EXPECT_EQ(SqlValue(db, "select group_concat(username || ' ' || password) from admin"),
             "boss " + ToUtf8(Md5(u"Secret42")));
 
@@ -67,7 +68,7 @@ TEST(Commands, ASiteIsMadeServedRebuiltBesideTheServerAndStoppedOnSigterm) {
   HttpClient client(at ? std::atoi(at + 28) : 1);
   EXPECT_NE(at, nullptr) << line;
 
-  EXPECT_NE(client.Get("/admin/index.asp").body.find("<form"), std::string::npos);
+  EXPECT_TRUE(Holds(client.Get("/admin/index.asp").body, "<form"));
   EXPECT_EQ(client.Get("/Setup.asp").status, 403);
   EXPECT_EQ(client.Get("/data/ostrakan.db").status, 403);
   EXPECT_EQ(client.Get("/favicon.ico").status, 200);

@@ -48,8 +48,7 @@ class GatheringPages : public SiteTest {
       values.push_back(fields.substr(equals + 1, bar - equals - 1));
       body += ToUtf8(fields.substr(at, equals - at)) + "=" + GbkEscape(values.back()) + "&";
     }
-    EXPECT_NE(Text(Get("gather_list_web_add_ok.asp", body)).find(u"添加成功！"),
-              std::u16string::npos);
+    EXPECT_TRUE(Holds(Text(Get("gather_list_web_add_ok.asp", body)), u"添加成功！"));
     return {values, Value("select max(id) from gather_list_web")};
   }
   HttpReply Get(const std::string& page, const std::string& form = "") {
@@ -75,21 +74,19 @@ TEST_F(GatheringPages, ARuleReachesItsRunStepsThroughTheRuleFile) {
   const std::string keyword = "&keyword=" + GbkEscape(u"电影");
   const std::string run = "gather_list_db_ok.asp?ID=" + id + keyword;
   std::u16string step = Text(Get(run + "&Page_Start=1&Page_End=3"));
-  EXPECT_NE(step.find(u"location.replace('gather_list_db_ok.asp?ID=" + FromUtf8(id) +
-                      u"&Keyword=%B5%E7%D3%B0&Page_Start=2&Page_End=3')"),
-            std::u16string::npos)
-      << ToUtf8(step);
+  EXPECT_TRUE(Holds(step, u"location.replace('gather_list_db_ok.asp?ID=" + FromUtf8(id) +
+                              u"&Keyword=%B5%E7%D3%B0&Page_Start=2&Page_End=3')"));
   EXPECT_EQ(remote_.Requests().back(), "/gb/1.html?q=%B5%E7%D3%B0");  // the keyword's GBK bytes
   EXPECT_EQ(Value("select group_concat(title || '|' || content || '|' || source || '|' || "
                   "source_url) from db where url = 'remote.test/v/1-2.html'"),
             "quoted 標題 1-2|描述 1-2|样站 gb|remote.test/");
-  EXPECT_NE(Text(Get(run + "&Page_Start=3&Page_End=3")).find(u"采集完成！"), std::u16string::npos);
+  EXPECT_TRUE(Holds(Text(Get(run + "&Page_Start=3&Page_End=3")), u"采集完成！"));
   EXPECT_EQ(Value("select count(*) from db"), "3");  // the last page only ends the run
 
   for (std::string page :
        {"gather_list_web_edit.asp?id=", "gather_list_web_ok.asp?action=del&id=",
         "gather_list_db.asp?id=", "gather_list_web_verify.asp?id=", "gather_list_db_ok.asp?ID="})
-    EXPECT_NE(Text(Get(page + "1%20or%201")).find(u"非法ID参数"), std::u16string::npos) << page;
+    EXPECT_TRUE(Holds(Text(Get(page + "1%20or%201")), u"非法ID参数")) << page;
 }
 
 TEST_F(GatheringPages, OtherPagesAnswerWhileOneWaitsOnASlowSite) {
@@ -119,35 +116,32 @@ TEST_F(GatheringPages, TheRunsPageListsStopsAndRequeuesRuns) {
     ASSERT_EQ(engine::RunGather(*o, out, err), 0) << err.str();
   }
   std::u16string page = Text(Get("gather_run_list.asp"));
-  EXPECT_NE(page.find(u"<meta http-equiv=\"refresh\""), std::u16string::npos);
-  EXPECT_NE(page.find(u"&lt;b&gt;电影&lt;/b&gt;（第 1-3 页）</td><td>等待中</td><td>0/3</td>"),
-            std::u16string::npos);
-  EXPECT_NE(page.find(u"样站 gb"), std::u16string::npos);
-  EXPECT_EQ(page.find(u"规则可能失效"), std::u16string::npos);
+  EXPECT_TRUE(Holds(page, u"<meta http-equiv=\"refresh\""));
+  EXPECT_TRUE(Holds(page, u"&lt;b&gt;电影&lt;/b&gt;（第 1-3 页）</td><td>等待中</td><td>0/3</td>"));
+  EXPECT_TRUE(Holds(page, u"样站 gb"));
+  EXPECT_FALSE(Holds(page, u"规则可能失效"));
 
   page = Text(Get("gather_run_list.asp?action=stop&id=1"));
-  EXPECT_NE(page.find(u"已停止采集任务 1"), std::u16string::npos);
-  EXPECT_NE(page.find(u"<td>已停止</td>"), std::u16string::npos);
+  EXPECT_TRUE(Holds(page, u"已停止采集任务 1"));
+  EXPECT_TRUE(Holds(page, u"<td>已停止</td>"));
   EXPECT_EQ(Value("select count(*) from gather_unit where run_id = 1 and state = 'queued'"), "0");
-  EXPECT_NE(Text(Get("gather_run_list.asp?action=stop&id=1")).find(u"这个采集任务已经结束"),
-            std::u16string::npos);
+  EXPECT_TRUE(Holds(Text(Get("gather_run_list.asp?action=stop&id=1")), u"这个采集任务已经结束"));
   Sql(database(), "update gather_unit set state = 'failed' where run_id = 2 and unit = 2");
   Sql(database(),
       "insert into gather_rule_health (kind, rule_id, since, sample) values "
       "('list', " +
           rule + ", '2026-01-01', 'x')");
   page = Text(Get("gather_run_list.asp?action=requeue&id=2"));
-  EXPECT_NE(page.find(u"已重新排队失败的页面：1"), std::u16string::npos);
+  EXPECT_TRUE(Holds(page, u"已重新排队失败的页面：1"));
   EXPECT_EQ(Value("select state from gather_unit where run_id = 2 and unit = 2"), "queued");
-  EXPECT_NE(page.find(u"规则可能失效"), std::u16string::npos);
-  EXPECT_NE(Text(Get("gather_list_web_manage.asp"))
-                .find(u"样站 gb <span class=\"warn\">规则可能失效</span>"),
-            std::u16string::npos);
+  EXPECT_TRUE(Holds(page, u"规则可能失效"));
+  EXPECT_TRUE(Holds(Text(Get("gather_list_web_manage.asp")),
+                    u"样站 gb <span class=\"warn\">规则可能失效</span>"));
   page = Text(Get("desktop.asp"));
-  EXPECT_NE(page.find(u"列表采集 " + FromUtf8(rule) + u" 样站 gb：规则可能失效（2026-1-1，x）"),
-            std::u16string::npos);
+  EXPECT_TRUE(
+      Holds(page, u"列表采集 " + FromUtf8(rule) + u" 样站 gb：规则可能失效（2026-1-1，x）"));
   // Signed out: the guard, nothing listed.
-  EXPECT_EQ(Text(client().Get("/admin/gather_run_list.asp")).find(u"<table"), std::u16string::npos);
+  EXPECT_FALSE(Holds(Text(client().Get("/admin/gather_run_list.asp")), u"<table"));
 }
 
 // The schedules page: a schedule added with typed Chinese keywords, edited, refused when its
@@ -157,32 +151,27 @@ TEST_F(GatheringPages, TheSchedulesPageAddsEditsAndRemovesSchedules) {
   const std::string form = "kind=list&rule_id=" + rule + "&keywords=" + GbkEscape(u"功夫\r\n喜剧") +
                            "&pages=1-3&next=&cron=&delay_ms=500&every=";
   std::u16string page = Text(Get("gather_schedule.asp?action=add", form + "6h"));
-  EXPECT_NE(page.find(u"已添加定时采集 1"), std::u16string::npos);
-  EXPECT_NE(
-      page.find(u"列表采集 " + FromUtf8(rule) + u"</td><td>功夫 喜剧 第 1-3 页</td><td>每 6h"),
-      std::u16string::npos);
+  EXPECT_TRUE(Holds(page, u"已添加定时采集 1"));
+  EXPECT_TRUE(
+      Holds(page, u"列表采集 " + FromUtf8(rule) + u"</td><td>功夫 喜剧 第 1-3 页</td><td>每 6h"));
   EXPECT_EQ(Value("select keywords || '|' || delay_ms from gather_schedule"), "功夫\n喜剧|500");
 
   page = Text(Get("gather_schedule.asp?action=edit&id=1"));
-  EXPECT_NE(page.find(u"action=\"gather_schedule.asp?action=save&id=1\""), std::u16string::npos);
-  EXPECT_NE(page.find(u">功夫\r\n喜剧\r\n</textarea>"), std::u16string::npos);
+  EXPECT_TRUE(Holds(page, u"action=\"gather_schedule.asp?action=save&id=1\""));
+  EXPECT_TRUE(Holds(page, u">功夫\r\n喜剧\r\n</textarea>"));
   page = Text(Get("gather_schedule.asp?action=save&id=1", form + "1d"));
-  EXPECT_NE(page.find(u"已保存定时采集 1"), std::u16string::npos);
+  EXPECT_TRUE(Holds(page, u"已保存定时采集 1"));
   EXPECT_EQ(Value("select every_seconds from gather_schedule"), "86400");
 
   for (const std::string& bad : {form + "5s", form + "1h&cron=0+0+*+*+*",
                                  std::string("kind=id&rule_id=1&next=0&every=1h&delay_ms=0")})
-    EXPECT_NE(Text(Get("gather_schedule.asp?action=add", bad)).find(u"没有保存"),
-              std::u16string::npos)
-        << bad;
-  EXPECT_NE(Text(Get("gather_schedule.asp?action=add",
-                     "kind=id&rule_id=99&next=5&every=1h&"
-                     "delay_ms=0"))
-                .find(u"没有这个采集规则"),
-            std::u16string::npos);
+    EXPECT_TRUE(Holds(Text(Get("gather_schedule.asp?action=add", bad)), u"没有保存")) << bad;
+  EXPECT_TRUE(Holds(Text(Get("gather_schedule.asp?action=add",
+                             "kind=id&rule_id=99&next=5&every=1h&"
+                             "delay_ms=0")),
+                    u"没有这个采集规则"));
   EXPECT_EQ(Value("select count(*) from gather_schedule"), "1");
-  EXPECT_NE(Text(Get("gather_schedule.asp?action=del&id=1")).find(u"已删除定时采集 1"),
-            std::u16string::npos);
+  EXPECT_TRUE(Holds(Text(Get("gather_schedule.asp?action=del&id=1")), u"已删除定时采集 1"));
   EXPECT_EQ(Value("select count(*) from gather_schedule"), "0");
 }
 

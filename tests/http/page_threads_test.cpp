@@ -13,16 +13,13 @@ class PageThreads : public EngineTest {
  protected:
   // One page thread for every page and one for the quick ones; a page waits half a second.
   std::unique_ptr<engine::HttpServer> StartServer() {
-    engine::ServerOptions options;
-    options.siteRoot = root_;
-    options.listen = "127.0.0.1:0";
-    options.threads = 1;
-    options.quickThreads = 1;
-    options.pageWaitMs = 500;
-    options.requestTimeoutMs = 60000;  // nothing below ends for a time-out
-    options.keepAliveTimeoutMs = 60000;
-    options.createComponent = [](std::u16string_view) { return std::make_shared<TestPage>(); };
-    return std::make_unique<engine::HttpServer>(options);
+    return EngineTest::StartServer([](engine::ServerOptions& o) {
+      o.threads = 1;
+      o.quickThreads = 1;
+      o.pageWaitMs = 500;
+      o.requestTimeoutMs = 60000;  // nothing below ends for a time-out
+      o.keepAliveTimeoutMs = 60000;
+    });
   }
 
   // Starts a page that fetches from the remote site, which answers only when it closes, and

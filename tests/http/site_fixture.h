@@ -12,6 +12,7 @@
 #include "engine/commands.h"
 #include "engine/http_server.h"
 #include "frame/error_log.h"
+#include "http/holds.h"
 #include "http/http_client.h"
 #include "platform/text/codepage.h"
 #include "support/page_harness.h"
@@ -86,8 +87,7 @@ class SiteTest : public ::testing::Test {
     Picture p = Solve(client());
     HttpReply login =
         client().Post("/admin/login.asp", SignInForm(name, password, p.code), {p.cookie});
-    EXPECT_NE(Text(login).find(u"location.replace('main.asp')"), std::u16string::npos)
-        << ToUtf8(Text(login));
+    EXPECT_TRUE(Holds(Text(login), u"location.replace('main.asp')"));
     return "Cookie: OSTRAKANSESSION=" + login.SessionCookie();
   }
 

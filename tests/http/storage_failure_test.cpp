@@ -74,18 +74,18 @@ TEST_F(StorageFailure, AFullDiskIsNamedOnThePageAndTheErrorGoesToStandardError) 
     ado::CloseIdleDatabases();
     FillTheDisk();
     auto [page, stderrText] = PostRecord();
-    EXPECT_NE(page.find(kFull), std::u16string::npos) << ToUtf8(page);
-    EXPECT_EQ(page.find(u"添加成功"), std::u16string::npos);
+    EXPECT_TRUE(Holds(page, kFull));
+    EXPECT_FALSE(Holds(page, u"添加成功"));
     // The log is on the full disk too, so the line comes out on standard error.
     const char* line = heldOpen ? "db_add_ok, InitFunction3: database or disk is full"
                                 : "db_add_ok, InitFunction2: ";
-    EXPECT_NE(stderrText.find(line), std::string::npos) << stderrText;
+    EXPECT_TRUE(Holds(stderrText, line));
     fs::remove(data() / "filler");
     sqlite3_close(other);
     EXPECT_EQ(Value("select count(*) from db"), "0");
   }
   // With room again the same post is stored.
-  EXPECT_NE(PostRecord().first.find(u"添加成功"), std::u16string::npos);
+  EXPECT_TRUE(Holds(PostRecord().first, u"添加成功"));
   EXPECT_EQ(Value("select url from db"), "disk.test/1");
 }
 
@@ -94,13 +94,12 @@ TEST_F(StorageFailure, AReadOnlyDatabaseIsNamedOnThePageNotBlamedOnSetup) {
   ASSERT_EQ(::mount(nullptr, data().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0)
       << std::strerror(errno);
   auto [page, stderrText] = PostRecord();
-  EXPECT_NE(page.find(kReadOnly), std::u16string::npos) << ToUtf8(page);
-  EXPECT_EQ(page.find(u"Setup.asp"), std::u16string::npos);
-  EXPECT_NE(stderrText.find("db_add_ok, "), std::string::npos) << stderrText;
+  EXPECT_TRUE(Holds(page, kReadOnly));
+  EXPECT_FALSE(Holds(page, u"Setup.asp"));
+  EXPECT_TRUE(Holds(stderrText, "db_add_ok, "));
   // A page that only reads cannot open the database either (SQLite needs to write its
   // shared-memory file beside it): it names the same cause.
-  EXPECT_NE(Text(client().Get("/admin/db_list.asp", {cookie_})).find(kReadOnly),
-            std::u16string::npos);
+  EXPECT_TRUE(Holds(Text(client().Get("/admin/db_list.asp", {cookie_})), kReadOnly));
   ASSERT_EQ(::mount(nullptr, data().c_str(), nullptr, MS_REMOUNT, nullptr), 0);
   EXPECT_EQ(Value("select count(*) from db"), "0");
 }
