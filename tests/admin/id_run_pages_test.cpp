@@ -2,7 +2,7 @@
 // records they would store collected: what each page shows, fetches and stores, step by step.
 #include <map>
 
-#include "admin/admin_pages.h"
+#include "support/admin_pages.h"
 #include "gathering/id_page_source.h"
 
 namespace ostrakan {
@@ -54,7 +54,7 @@ class IdRunPages : public AdminPages {
   PageRun Verify(const std::u16string& from, const std::u16string& to,
                  const std::vector<std::u16string>& rule = RuleFields()) {
     const Keys query = {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", from}, {u"ID_End", to}};
-    return Run(u"Ostrakan.Class43", 3, query, {}, rule);
+    return Run(u"Ostrakan.Class43", 3, query, {}, {}, rule);
   }
   // One step of a run (Class53).
   PageRun Step(const std::u16string& id, const std::u16string& from, const std::u16string& to,
@@ -62,7 +62,7 @@ class IdRunPages : public AdminPages {
                const std::vector<std::u16string>& rule = RuleFields()) {
     Keys query = {{u"ID", id}, {u"ID_Start", from}, {u"ID_End", to}};
     if (!dbNum.empty()) query.emplace_back(u"DB_Num", dbNum);
-    return Run(u"Ostrakan.Class53", 1, query, {}, rule);
+    return Run(u"Ostrakan.Class53", 1, query, {}, {}, rule);
   }
   std::string Ranges() {
     return Value(
@@ -85,7 +85,7 @@ TEST_F(IdRunPages, VerifyShowsEachIdWithoutStoring) {
   EXPECT_EQ(site.log(), "");
   // Without Action=ok only the form is shown; a start above the end fetches nothing.
   fakes->fetched.clear();
-  EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, RuleFields()).text, u"影视站");
+  EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, {}, RuleFields()).text, u"影视站");
   EXPECT_EQ(Verify(u"5", u"4").text, u"影视站7");
   EXPECT_TRUE(fakes->fetched.empty());
 
@@ -94,7 +94,7 @@ TEST_F(IdRunPages, VerifyShowsEachIdWithoutStoring) {
   const Keys query = {
       {u"id", u"7\"><script>"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"1"}};
   EXPECT_EQ(
-      Run(u"Ostrakan.Class43", 3, query, {}, RuleFields()).text,
+      Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields()).text,
       u"a&amp;amp;b<br>a&amp;amp;b<br>" + Address(1) + u"<br><br>影视站7&quot;&gt;&lt;script&gt;");
 }
 

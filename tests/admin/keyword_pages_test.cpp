@@ -1,6 +1,6 @@
 // The keyword list and the keyword deletes against a real database file. The deletes share their
 // checks with every other delete page; they are tested here.
-#include "admin/admin_pages.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {
@@ -25,20 +25,16 @@ class KeywordPages : public AdminPages {
   }
 };
 
-TEST_F(KeywordPages, EntriesShowTheirWordEscapedInLinesOfThree) {
-  Sql(site.database(),
-      "insert into keyword (keyword, hot) values ('<img src=x onerror=alert(1)>', 7), ('周杰伦', "
-      "2)");
+// (What the entries do with hostile text is the hostile text test's.)
+TEST_F(KeywordPages, EntriesLinkTheirSearchInGbkInLinesOfThree) {
+  Sql(site.database(), "insert into keyword (keyword, hot) values ('周杰伦', 2)");
   const std::u16string text = List({});
   for (const char16_t* part :
-       {u"<input name='id' type='checkbox' value='2'> <b>周杰伦</b> "
-        u"[<a href='javascript:keyword_delete(2)'>删除</a>]",
+       {u"<b>周杰伦</b> [<a href='javascript:keyword_delete(1)'>删除</a>]",
         u"搜索次数：2 <a href='keyword_manage.asp?keyword=%D6%DC%BD%DC%C2%D7'>相关搜索</a>",
-        u"<b>&lt;img src=x onerror=alert(1)&gt;</b>",
-        u"keyword=%3Cimg%20src%3Dx%20onerror%3Dalert%281%29%3E'",
-        u"</table></td><td width='250' bgcolor='#FFFFFF'></td></tr></table><br>"})
+        u"</td><td width='250' bgcolor='#FFFFFF'></td><td width='250' "
+        u"bgcolor='#FFFFFF'></td></tr>"})
     EXPECT_NE(text.find(part), npos) << ToUtf8(part);
-  EXPECT_EQ(text.find(u"<img"), npos);
 }
 
 TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {

@@ -1,6 +1,6 @@
 // The video record pages against a real database file: entry, editing, the edit form, deleting
 // and maintenance. The list is in list_pages_test.cpp.
-#include "admin/admin_pages.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {

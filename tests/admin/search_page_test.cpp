@@ -1,5 +1,5 @@
 // The record search against a real database file. Its rows and pager are the record list's.
-#include "admin/admin_pages.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {
