@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "platform/object_factory.h"
 #include "support/page_harness.h"
 
 namespace ostrakan {
@@ -33,6 +34,14 @@ Stream Holding(std::string_view bytes, int type = 1, std::u16string charset = u"
   s.Type = type;
   s.Charset = std::move(charset);
   return s;
+}
+
+// Pages make streams through Server.CreateObject: each call gives an object of the page's own,
+// whatever the case of the name; a name the host does not know is error 429.
+TEST(ObjectFactory, EachCallMakesANewObjectAndUnknownNamesAreError429) {
+  const ObjectFactory& factory = ObjectFactory::Default();
+  EXPECT_NE(factory.Create(u"ADODB.Stream"), factory.Create(u"adodb.stream"));
+  EXPECT_EQ(ErrorOf([&] { factory.Create(u"No.Such.Object"); }), 429);
 }
 
 TEST(Stream, BinaryWritesOverwriteAndExtendAtThePosition) {
