@@ -94,6 +94,15 @@ inline std::vector<int> Ids(const std::u16string& text) {
   return ids;
 }
 
+// Whether `text` holds `part`; a failure shows both.
+inline ::testing::AssertionResult Has(std::string_view text, std::string_view part) {
+  if (text.find(part) != std::string_view::npos) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "no \"" << part << "\" in\n" << text;
+}
+inline ::testing::AssertionResult Has(std::u16string_view text, std::u16string_view part) {
+  return Has(ToUtf8(text), ToUtf8(part));
+}
+
 // Occurrences of `needle` in `text`.
 inline size_t Count(const std::u16string& text, std::u16string_view needle) {
   size_t n = 0;
