@@ -102,11 +102,6 @@ TEST(CodePage, LabelsAreReadAsBrowsersReadThem) {
   EXPECT_EQ(DecodeCharset("caf\xE9 \x80\x81", u"ISO-8859-1"), u"café €\u0081");
   EXPECT_EQ(DecodeCharset("\x87\x40", u"big5"), u"\u43F0");  // big5 reads as Big5-HKSCS
   EXPECT_THROW(DecodeCharset("x", u"klingon"), ScriptError);
-  // Encoding: GBK labels as windows-936, gb18030 as itself.
-  EXPECT_EQ(EncodeCharset(u"中文测试가", u"gb2312"), kGbkChinese + "\x82\x37\xCF\x35");
-  EXPECT_EQ(EncodeCharset(u"가", u"gb18030"), "\x82\x37\xCF\x35");
-  EXPECT_EQ(EncodeCharset(u"中A", u"utf-16be"), std::string("\x4E\x2D\0A", 4));
-  EXPECT_EQ(DecodeCharset(EncodeCharset(u"日本語", u"shift_jis"), u"sjis"), u"日本語");
 }
 
 // A label that maps to a converter name ICU does not know would fail every page in it.
@@ -117,11 +112,8 @@ TEST(CodePage, EveryFamilyOfLabelsHasAWorkingConverter) {
       "x-mac-cyrillic windows-874 windows-1250 windows-1251 windows-1252 windows-1253 "
       "windows-1254 windows-1255 windows-1256 windows-1257 windows-1258 gbk gb18030 big5 euc-jp "
       "iso-2022-jp shift_jis euc-kr");
-  for (std::string name; labels >> name;) {
-    const std::u16string label = FromUtf8(name);
-    EXPECT_EQ(DecodeCharset("Ab1<", label), u"Ab1<") << ToUtf8(label);
-    EXPECT_EQ(EncodeCharset(u"Ab1<", label), "Ab1<") << ToUtf8(label);
-  }
+  for (std::string name; labels >> name;)
+    EXPECT_EQ(DecodeCharset("Ab1<", FromUtf8(name)), u"Ab1<") << name;
 }
 
 }  // namespace
