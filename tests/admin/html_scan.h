@@ -41,22 +41,14 @@ inline std::u16string Lower(std::u16string_view s) {
 inline std::u16string DecodeEntities(std::u16string_view s) {
   std::u16string out;
   for (size_t i = 0; i < s.size(); ++i) {
-    if (s[i] != u'&') {
-      out += s[i];
-      continue;
-    }
-    const size_t semi = s.find(u';', i);
-    if (semi == std::u16string_view::npos || semi - i > 10) {
-      out += s[i];
-      continue;
-    }
-    const std::u16string name(s.substr(i + 1, semi - i - 1));
-    char32_t c = 0;
-    if (name == u"amp") c = u'&';
-    if (name == u"lt") c = u'<';
-    if (name == u"gt") c = u'>';
-    if (name == u"quot") c = u'"';
-    if (name == u"copy") c = u'\u00a9';
+    const size_t semi = s[i] == u'&' ? s.find(u';', i) : std::u16string_view::npos;
+    const std::u16string name(semi - i <= 10 ? s.substr(i + 1, semi - i - 1) : u"");
+    char32_t c = name == u"amp"    ? u'&'
+                 : name == u"lt"   ? u'<'
+                 : name == u"gt"   ? u'>'
+                 : name == u"quot" ? u'"'
+                 : name == u"copy" ? u'\u00a9'
+                                   : 0;
     if (name.size() > 1 && name[0] == u'#') {
       const bool hex = name[1] == u'x' || name[1] == u'X';
       c = static_cast<char32_t>(

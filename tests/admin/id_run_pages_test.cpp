@@ -2,8 +2,8 @@
 // records they would store collected: what each page shows, fetches and stores, step by step.
 #include <map>
 
-#include "admin/admin_pages.h"
 #include "gathering/id_page_source.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {
@@ -54,7 +54,7 @@ class IdRunPages : public AdminPages {
   PageRun Verify(const std::u16string& from, const std::u16string& to,
                  const std::vector<std::u16string>& rule = RuleFields()) {
     const Keys query = {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", from}, {u"ID_End", to}};
-    return Run(u"Ostrakan.Class43", 3, query, {}, rule);
+    return Run(u"Ostrakan.Class43", 3, query, {}, {}, rule);
   }
   // One step of a run (Class53).
   PageRun Step(const std::u16string& id, const std::u16string& from, const std::u16string& to,
@@ -62,7 +62,7 @@ class IdRunPages : public AdminPages {
                const std::vector<std::u16string>& rule = RuleFields()) {
     Keys query = {{u"ID", id}, {u"ID_Start", from}, {u"ID_End", to}};
     if (!dbNum.empty()) query.emplace_back(u"DB_Num", dbNum);
-    return Run(u"Ostrakan.Class53", 1, query, {}, rule);
+    return Run(u"Ostrakan.Class53", 1, query, {}, {}, rule);
   }
   std::string Ranges() {
     return Value(
@@ -85,7 +85,7 @@ TEST_F(IdRunPages, VerifyShowsEachIdWithoutStoring) {
   EXPECT_EQ(site.log(), "");
   // Without Action=ok only the form is shown; a start above the end fetches nothing.
   fakes->fetched.clear();
-  EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, RuleFields()).text, u"影视站");
+  EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, {}, RuleFields()).text, u"影视站");
   EXPECT_EQ(Verify(u"5", u"4").text, u"影视站7");
   EXPECT_TRUE(fakes->fetched.empty());
 
@@ -94,18 +94,18 @@ TEST_F(IdRunPages, VerifyShowsEachIdWithoutStoring) {
   const Keys query = {
       {u"id", u"7\"><script>"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"1"}};
   EXPECT_EQ(
-      Run(u"Ostrakan.Class43", 3, query, {}, RuleFields()).text,
+      Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields()).text,
       u"a&amp;amp;b<br>a&amp;amp;b<br>" + Address(1) + u"<br><br>影视站7&quot;&gt;&lt;script&gt;");
 }
 
 TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
   EXPECT_EQ(Verify(u"1", u"2", RuleFields(u"<h1>(")).text, u"影视站7");
-  EXPECT_NE(site.log().find("\\admin\\gather_id_web_verify, InitFunction1: Syntax error in "
-                            "regular expression"),
-            std::string::npos);
+  EXPECT_TRUE(Has(site.log(),
+                  "\\admin\\gather_id_web_verify, InitFunction1: Syntax error in "
+                  "regular expression"));
   fakes->fetched.clear();
   EXPECT_EQ(Verify(u"a", u"2").text, u"影视站7");
-  EXPECT_NE(site.log().find("InitFunction1: Type mismatch"), std::string::npos);
+  EXPECT_TRUE(Has(site.log(), "InitFunction1: Type mismatch"));
   EXPECT_TRUE(fakes->fetched.empty());
 
   // A marker that runs away on a large page: logged, and the run stops.
@@ -113,16 +113,14 @@ TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
   PageRun run = Step(u"7", u"1", u"3", u"", RuleFields(u"(a|aa)*<h1>"));
   EXPECT_TRUE(run.completed);
   EXPECT_EQ(run.text, u"正在采集第 1 页<br>还乘余 2 页等待处理...");  // no next step
-  EXPECT_NE(site.log().find("\\admin\\gather_id_db_ok, InitFunction1: Out of stack space"),
-            std::string::npos);
+  EXPECT_TRUE(Has(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Out of stack space"));
   EXPECT_TRUE(fakes->saved.empty());
 }
 
 // The pages' flow from step to step is tested over HTTP; here, what a step hands on.
 TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
-  EXPECT_NE(
-      Step(u"7", u"1", u"3").text.find(u"gather_id_db_ok.asp?ID=7&ID_Start=2&DB_Num=1&ID_End=3"),
-      std::u16string::npos);
+  EXPECT_TRUE(
+      Has(Step(u"7", u"1", u"3").text, u"gather_id_db_ok.asp?ID=7&ID_Start=2&DB_Num=1&ID_End=3"));
   ASSERT_EQ(fakes->saved.size(), 1u);
   const IdRecord& r = fakes->saved[0];
   EXPECT_EQ(r.title + u"|" + r.content + u"|" + r.url + u"|" + r.source + u"|" + r.source_url,
@@ -134,17 +132,15 @@ TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
   EXPECT_EQ(Ranges(), "1 - 3|x");
   EXPECT_EQ(fakes->fetched, std::vector<std::u16string>{Address(3)});
   EXPECT_EQ(fakes->saved.size(), 1u);
-  EXPECT_NE(site.log().find("\\admin\\gather_id_db_ok, InitFunction1: Object required"),
-            std::string::npos);
+  EXPECT_TRUE(Has(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Object required"));
 }
 
 TEST_F(IdRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
   Step(u"7 or 1=1", u"4", u"4");
   EXPECT_EQ(Ranges(), "|x");
-  EXPECT_NE(site.log().find("InitFunction1: Syntax error in UPDATE statement."), std::string::npos);
-  EXPECT_NE(Step(u"7');alert(1);('", u"1", u"3")
-                .text.find(u"ID=7%27%29%3Balert%281%29%3B%28%27&ID_Start=2"),
-            std::u16string::npos);
+  EXPECT_TRUE(Has(site.log(), "InitFunction1: Syntax error in UPDATE statement."));
+  EXPECT_TRUE(Has(Step(u"7');alert(1);('", u"1", u"3").text,
+                  u"ID=7%27%29%3Balert%281%29%3B%28%27&ID_Start=2"));
 }
 
 }  // namespace

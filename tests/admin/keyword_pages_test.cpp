@@ -1,12 +1,11 @@
 // The keyword list and the keyword deletes against a real database file. The deletes share their
 // checks with every other delete page; they are tested here.
-#include "admin/admin_pages.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {
 
 using namespace testing;
-constexpr auto npos = std::u16string::npos;
 
 class KeywordPages : public AdminPages {
  protected:
@@ -25,20 +24,16 @@ class KeywordPages : public AdminPages {
   }
 };
 
-TEST_F(KeywordPages, EntriesShowTheirWordEscapedInLinesOfThree) {
-  Sql(site.database(),
-      "insert into keyword (keyword, hot) values ('<img src=x onerror=alert(1)>', 7), ('周杰伦', "
-      "2)");
+// (What the entries do with hostile text is the hostile text test's.)
+TEST_F(KeywordPages, EntriesLinkTheirSearchInGbkInLinesOfThree) {
+  Sql(site.database(), "insert into keyword (keyword, hot) values ('周杰伦', 2)");
   const std::u16string text = List({});
   for (const char16_t* part :
-       {u"<input name='id' type='checkbox' value='2'> <b>周杰伦</b> "
-        u"[<a href='javascript:keyword_delete(2)'>删除</a>]",
+       {u"<b>周杰伦</b> [<a href='javascript:keyword_delete(1)'>删除</a>]",
         u"搜索次数：2 <a href='keyword_manage.asp?keyword=%D6%DC%BD%DC%C2%D7'>相关搜索</a>",
-        u"<b>&lt;img src=x onerror=alert(1)&gt;</b>",
-        u"keyword=%3Cimg%20src%3Dx%20onerror%3Dalert%281%29%3E'",
-        u"</table></td><td width='250' bgcolor='#FFFFFF'></td></tr></table><br>"})
-    EXPECT_NE(text.find(part), npos) << ToUtf8(part);
-  EXPECT_EQ(text.find(u"<img"), npos);
+        u"</td><td width='250' bgcolor='#FFFFFF'></td><td width='250' "
+        u"bgcolor='#FFFFFF'></td></tr>"})
+    EXPECT_TRUE(Has(text, part));
 }
 
 TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
@@ -54,7 +49,7 @@ TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
   AddWords(65, "x<");  // ids 7 .. 71
   const std::u16string first = List({{u"keyword", u"x<"}});
   EXPECT_EQ(Ids(first), Descending(71, 42));
-  EXPECT_NE(first.find(u"<a href='?keyword=x%3C&page=3&db_count=65'>最后一页</a>"), npos);
+  EXPECT_TRUE(Has(first, u"<a href='?keyword=x%3C&page=3&db_count=65'>最后一页</a>"));
   // Later pages show up to ninety entries from their first: page 2 shows the other 35.
   EXPECT_EQ(Ids(List({{u"keyword", u"x<"}, {u"page", u"2"}})), Descending(41, 7));
   EXPECT_EQ(ReturnUrl(), u"keyword_manage.asp?keyword=x%3C&page=2");
@@ -78,9 +73,7 @@ TEST_F(KeywordPages, NoFilterChangesTheStatement) {
   const std::string log = site.log();
   // Both fail the same way on the same page: the log keeps that error once a minute.
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
-  EXPECT_NE(log.find("\\admin\\keyword_manage, InitFunction5: Syntax error in string"),
-            std::string::npos)
-      << log;
+  EXPECT_TRUE(Has(log, "\\admin\\keyword_manage, InitFunction5: Syntax error in string"));
   // Every other sign is data: LIKE's wildcards still match as wildcards, the rest literally.
   EXPECT_EQ(Ids(List({{u"keyword", u"a\"b--;"}})), (std::vector<int>{5}));
   EXPECT_EQ(Ids(List({{u"keyword", u"0%_o"}})), (std::vector<int>{4}));

@@ -1,32 +1,18 @@
 // The pager shared by the paged lists (records, search results, keywords), and the record list
 // that pages with it against a real database file.
-#include "admin/admin_pages.h"
 #include "platform/clock.h"
 #include "records/pager.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {
 
 using namespace testing;
 using records::PagerLine;
-using records::ShownPage;
-constexpr auto npos = std::u16string::npos;
 
-TEST(Pager, ShowsTheRequestedPageClampedToTheCount) {
-  EXPECT_EQ(ShownPage(2, 40, 20), 2);
-  EXPECT_EQ(ShownPage(0, 40, 20), 1);
-  EXPECT_EQ(ShownPage(-7, 40, 20), 1);
-  EXPECT_EQ(ShownPage(3, 40, 20), 2);  // would start right at the end
-  EXPECT_EQ(ShownPage(3, 41, 20), 3);  // one row on the last page
-  EXPECT_EQ(ShownPage(32767, 40, 20), 2);
-  EXPECT_EQ(ShownPage(2, 0, 20), 1);
-}
-
+// Which page is shown is the record list's test below; here, which neighbours are links.
 TEST(Pager, LinksOnlyWhereThereIsAPageToGoTo) {
   const records::PagerStyle records{u"条记录", false}, keywords{u"个关键词", true};
-  EXPECT_EQ(PagerLine(records, u"", Variant(40), 20, 1, Variant(40)),
-            u"第一页 上一页 <a href='?page=2&db_count=40'>下一页</a> "
-            u"<a href='?page=2&db_count=40'>最后一页</a> 共40条记录 页次：1/2页");
   EXPECT_EQ(PagerLine(records, u"", Variant(40), 20, 2, Variant(u"40")),
             u"<a href='?page=1'>第一页</a> <a href='?page=1&db_count=40'>上一页</a> 下一页 "
             u"最后一页 共40条记录 页次：2/2页");
@@ -56,20 +42,20 @@ TEST_F(RecordList, PagesShowTheirRowsAndClampToTheLast) {
   AddRecords(45);
   PageRun first = List();
   EXPECT_EQ(Ids(first.text), Descending(45, 26));  // newest first
-  EXPECT_NE(first.text.find(u"页次：1/3页"), npos);
+  EXPECT_TRUE(Has(first.text, u"页次：1/3页"));
   EXPECT_EQ(ReturnUrl(), u"db_list.asp?page=1");
   EXPECT_EQ(Ids(List({{u"page", u"2"}, {u"db_count", u"45"}}).text), Descending(25, 6));
   EXPECT_EQ(Ids(List({{u"page", u"-7"}}).text), Descending(45, 26));
   for (const char16_t* last : {u"3", u"4", u"32767"}) {  // the last page, and past it
     PageRun run = List({{u"page", last}});
     EXPECT_EQ(Ids(run.text), Descending(5, 1)) << ToUtf8(last);
-    EXPECT_NE(run.text.find(u"页次：3/3页"), npos);
+    EXPECT_TRUE(Has(run.text, u"页次：3/3页"));
     EXPECT_EQ(ReturnUrl(), u"db_list.asp?page=3");
   }
   // A count carried over from before records were deleted is trusted: its last page is empty.
   PageRun stale = List({{u"page", u"5"}, {u"db_count", u"100"}});
   EXPECT_EQ(Ids(stale.text), std::vector<int>{});
-  EXPECT_NE(stale.text.find(u"页次：5/5页"), npos);
+  EXPECT_TRUE(Has(stale.text, u"页次：5/5页"));
   EXPECT_EQ(site.log(), "");
 
   // Not a number, or beyond a 16-bit integer: logged before any of the list is written.
@@ -78,8 +64,8 @@ TEST_F(RecordList, PagesShowTheirRowsAndClampToTheLast) {
     EXPECT_TRUE(run.completed);
     EXPECT_EQ(run.text, u"") << ToUtf8(bad);
   }
-  EXPECT_NE(site.log().find("\\admin\\db_list, InitFunction4: Type mismatch"), std::string::npos);
-  EXPECT_NE(site.log().find("\\admin\\db_list, InitFunction4: Overflow"), std::string::npos);
+  EXPECT_TRUE(Has(site.log(), "\\admin\\db_list, InitFunction4: Type mismatch"));
+  EXPECT_TRUE(Has(site.log(), "\\admin\\db_list, InitFunction4: Overflow"));
 }
 
 TEST_F(RecordList, ARowLinksTheRecordsPagesAndEscapesItsText) {
@@ -88,17 +74,17 @@ TEST_F(RecordList, ARowLinksTheRecordsPagesAndEscapesItsText) {
   ScopedClock fixed(clock);
   EXPECT_EQ(List().text, u"<br>0.000000 秒");  // no rows, no pager
 
+  // (What a row does with hostile text is the hostile text test's.)
   Sql(site.database(),
       "insert into db (id, title, url, source, source_url, time) values "
-      "(7, 'a<b>&', 'v.com/?a=1&b=''2''', '源<', 'src.com', '2026-01-02 03:04:05')");
+      "(7, 'a', 'v.com/?a=1', '源', 'src.com', '2026-01-02 03:04:05')");
   const std::u16string text = List().text;
   for (const char16_t* part :
-       {u"<input name='id' type='checkbox' id='id' value='7'> <a href='db_edit.asp?id=7'>"
-        u"a&lt;b&gt;&amp;</a> [<a href='db_edit.asp?id=7'>修改</a>][<a "
-        u"href='javascript:db_delete(7)'>删除</a>]",
-        u"<a href='http://v.com/?a=1&amp;b=&#39;2&#39;' target='_blank'>v.com/?a=1&amp;b='2'</a>",
-        u"来源：<a href='http://src.com' target='_blank'>源&lt;</a> 日期：2026-1-2 3:04:05<br>"})
-    EXPECT_NE(text.find(part), npos) << ToUtf8(part);
+       {u"<input name='id' type='checkbox' id='id' value='7'> <a href='db_edit.asp?id=7'>a</a>",
+        u"[<a href='javascript:db_delete(7)'>删除</a>]",
+        u"<a href='http://v.com/?a=1' target='_blank'>v.com/?a=1</a>",
+        u"来源：<a href='http://src.com' target='_blank'>源</a> 日期：2026-1-2 3:04:05<br>"})
+    EXPECT_TRUE(Has(text, part));
 }
 
 }  // namespace

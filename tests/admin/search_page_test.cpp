@@ -1,12 +1,12 @@
 // The record search against a real database file. Its rows and pager are the record list's.
-#include "admin/admin_pages.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {
 
 using namespace testing;
 
-const std::u16string kRefused = u"<Script>window.alert('请输入关键字！');history.go(-1);</Script>";
+const std::u16string kRefused = Alert(u"请输入关键字！");
 
 class SearchPage : public AdminPages {
  protected:
@@ -47,8 +47,8 @@ TEST_F(SearchPage, ThePagerLinksKeepFieldAndWord) {
   const std::u16string first = SearchRun({{u"action", u"title"}, {u"keyword", u"panda&"}}).text;
   EXPECT_EQ(Ids(first), Descending(25, 6));
   // The word's "&" is percent-encoded, so the link carries the whole word.
-  EXPECT_NE(first.find(u"<a href='?action=title&keyword=panda%26&page=2&db_count=21'>下一页</a>"),
-            std::u16string::npos);
+  EXPECT_TRUE(
+      Has(first, u"<a href='?action=title&keyword=panda%26&page=2&db_count=21'>下一页</a>"));
   const std::u16string second =
       SearchRun(
           {{u"action", u"title"}, {u"keyword", u"panda&"}, {u"page", u"2"}, {u"db_count", u"21"}})

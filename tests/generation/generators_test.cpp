@@ -1,42 +1,36 @@
 // The category page generators (the pages they write from the site's real templates, the
 // record list's choice and order, bad ids), the pages that drive them (one generator frame per
 // page to build, in the rebuild plan's order), and the public click-through goto.asp.
-#include <gtest/gtest.h>
-
 #include <regex>
 
 #include "generation/category_pages.h"
 #include "platform/text/codepage.h"
-#include "support/category_fixture.h"
-#include "support/list_text.h"
+#include "support/admin_pages.h"
 
 namespace ostrakan {
 namespace {
 
 using generation::PageKind;
-using testing::Count;
+using namespace testing;
 
-class Generation : public testing::CategoryPages {
+class Generation : public AdminPages {
  protected:
-  void SetUp() override {
-    CategoryPages::SetUp();
-    std::filesystem::copy(testing::SourceDir() / "site/template", site.root() / "template");
+  Generation() {
+    std::filesystem::copy(SourceDir() / "site/template", site.root() / "template");
     std::filesystem::create_directories(site.root() / "list");
   }
   // create_sort_one_ok.asp (Class26) or create_sort_two_ok.asp (Class23) for `id`.
-  Run Generate(const char16_t* progId, const std::u16string& id) {
-    return Page(progId, 3, {}, {}, {{u"id", id}});
+  PageRun Generate(const char16_t* progId, const std::u16string& id) {
+    return Run(progId, 3, {}, {}, {{u"id", id}});
   }
   std::u16string File(const std::string& relative) {
-    return text::Decode(testing::ReadFile(site.root() / relative), 936);
+    return text::Decode(ReadFile(site.root() / relative), 936);
   }
-  void AddRecord(const std::string& title, int click, const std::string& time,
-                 const std::string& image = "NULL") {
-    testing::Sql(site.database(),
-                 "insert into db (title, content, url, image, source, source_url, click, time) "
-                 "values ('" +
-                     title + "', '说明', 'v.test/" + title + "', " + image +
-                     ", '来源站', 'src.test', " + std::to_string(click) + ", '" + time + "')");
+  void AddRecord(const std::string& title, int click, const std::string& image = "NULL") {
+    Sql(site.database(),
+        "insert into db (title, content, url, image, source, source_url, click, time) values ('" +
+            title + "', '说明', 'v.test/" + title + "', " + image + ", '来源站', 'src.test', " +
+            std::to_string(click) + ", '2021-01-02 03:04:05')");
   }
   // The sub-category page as the headless command writes it, with Source_Show as given.
   std::u16string SubCategoryPage(int id, bool showSource) {
@@ -49,9 +43,9 @@ class Generation : public testing::CategoryPages {
     return File("list/list_" + std::to_string(id) + ".html");
   }
   // The generator addresses of a driver page's frames, in page order ("one:2", "two:5" ...).
-  std::vector<std::string> Frames(const char16_t* progId, int blocks, const testing::Fields& query,
-                                  const testing::Fields& form = {}) {
-    const std::string text = ToUtf8(Page(progId, blocks, query, form).text);
+  std::vector<std::string> Frames(const char16_t* progId, int blocks, const Keys& query,
+                                  const Keys& form = {}) {
+    const std::string text = ToUtf8(Run(progId, blocks, query, form).text);
     static const std::regex frame(
         "<iframe[^>]* src=\"create_sort_(one|two)_ok\\.asp\\?id=([^\"]*)\"");
     std::vector<std::string> out;
@@ -71,26 +65,24 @@ TEST_F(Generation, TopLevelPagesLinkTheirSubCategoriesWhosePagesListTheirRecords
   std::u16string page = File("sort_list_1.html");
   EXPECT_EQ(page.find(u"[pellumar]"), std::u16string::npos);  // every marker replaced
   EXPECT_EQ(Count(page, u"<a name='"), 26u);                  // the empty groups too
-  EXPECT_NE(page.find(u"<a href='list/list_2.html' target='_blank'>功夫</a>"),
-            std::u16string::npos);
+  EXPECT_TRUE(Has(page, u"<a href='list/list_2.html' target='_blank'>功夫</a>"));
   EXPECT_EQ(page.find(u"别家"), std::u16string::npos);
   // Without its template the page is not written again: logged, and the old page stays whole.
   std::filesystem::remove(site.root() / "template/sort_one_list.asp");
   AddCategory("新的", top, 2);
   EXPECT_EQ(Generate(u"Ostrakan.Class26", u"1").text, u"");
   EXPECT_EQ(File("sort_list_1.html"), page);
-  EXPECT_NE(site.log().find("\\admin\\create_sort_one_ok, InitFunction3: cannot find the file"),
-            std::string::npos);
+  EXPECT_TRUE(Has(site.log(), "\\admin\\create_sort_one_ok, InitFunction3: cannot find the file"));
 
   // At most a hundred records whose title has the name, most clicked first, then newest.
   std::string sql = "begin;";
   for (int i = 0; i < 120; ++i)
     sql += "insert into db (title, url, click, time) values ('功夫片" + std::to_string(i) +
            "', 'u', " + std::to_string(i % 7) + ", '2020-01-01 00:00:00');";
-  testing::Sql(site.database(), sql + "commit;");
-  AddRecord("老功夫", 50, "2019-05-05 10:00:00");
-  AddRecord("新功夫", 50, "2021-05-05 10:00:00");
-  AddRecord("喜剧", 99, "2021-05-05 10:00:00");
+  Sql(site.database(), sql + "commit;");
+  AddRecord("新功夫", 50);
+  Sql(site.database(), "insert into db (title, click, time) values ('老功夫', 50, '2019-05-05')");
+  AddRecord("喜剧", 99);
   EXPECT_EQ(Generate(u"Ostrakan.Class23", CStr(Variant(kungfu))).text, u"功夫 >> 生成HTML成功！");
   page = File("list/list_" + std::to_string(kungfu) + ".html");
   EXPECT_EQ(Count(page, u"<table  width='68%'>"), 100u);
@@ -102,22 +94,16 @@ TEST_F(Generation, TopLevelPagesLinkTheirSubCategoriesWhosePagesListTheirRecords
 
 TEST_F(Generation, RecordsShowTheirPictureOrThePlaceholderAndTheirSourceWhenAsked) {
   const int id = AddCategory("猫", 1, 1);
-  AddRecord("猫和老鼠", 2, "2021-01-02 03:04:05", "'img.test/cat.jpg'");
-  AddRecord("猫<b>", 1, "2021-01-02 03:04:05");
+  AddRecord("猫和老鼠", 2, "'img.test/cat.jpg'");
+  AddRecord("猫<b>", 1);
   std::u16string page = SubCategoryPage(id, true);
   for (const char16_t* part :
-       {u"<a href='../goto.asp?id=1'  target='_blank'><img src='http://img.test/cat.jpg' "
-        u"width='120' "
-        u"height='90' border='0' onerror=\"src='../image/image.gif'\"></a>",
-        u"<a href='../goto.asp?id=2'  target='_blank'><img src='../image/image.gif' width='120' "
-        u"height='90' border='0'></a>",
-        u"<font color='#009900'>2021-1-2 3:04:05 来源：</font><a href='http://src.test' "
-        u"target='_blank'><font color='#999999'>来源站</font></a>",
-        u">猫&lt;b&gt;</a>"})
-    EXPECT_NE(page.find(part), std::u16string::npos) << ToUtf8(part) << "\n" << ToUtf8(page);
-  page = SubCategoryPage(id, false);
-  EXPECT_EQ(page.find(u"来源"), std::u16string::npos);
-  EXPECT_NE(page.find(u"3:04:05</font><br><font color='#009900'>"), std::u16string::npos);
+       {u"<img src='http://img.test/cat.jpg' width='120' height='90' border='0' "
+        u"onerror=\"src='../image/image.gif'\">",
+        u"<a href='../goto.asp?id=2'  target='_blank'><img src='../image/image.gif' ",
+        u"3:04:05 来源：</font><a href='http://src.test' target='_blank'>", u">猫&lt;b&gt;</a>"})
+    EXPECT_TRUE(Has(page, part));
+  EXPECT_EQ(SubCategoryPage(id, false).find(u"来源"), std::u16string::npos);
   // Source_Show asks for the source when it is the number 1.
   EXPECT_TRUE(generation::ShowsSource(Variant(u"1")) && generation::ShowsSource(Variant(1)));
   for (const Variant& v : {Variant(u"0"), Variant(u"yes"), Variant(), Variant(2)})
@@ -125,8 +111,8 @@ TEST_F(Generation, RecordsShowTheirPictureOrThePlaceholderAndTheirSourceWhenAske
 }
 
 TEST_F(Generation, BadIdsAndQuotesOrLikeSignsInANameChangeNothing) {
-  AddRecord("100%好", 1, "2021-01-01 00:00:00");
-  AddRecord("100X好", 1, "2021-01-01 00:00:00");
+  AddRecord("100%好", 1);
+  AddRecord("100X好", 1);
   // "%" and "_" keep their meaning inside the pattern, as the name was always taken.
   EXPECT_EQ(Count(SubCategoryPage(AddCategory("100%好", 1, 1), true), u"68%'>"), 2u);
   EXPECT_EQ(Count(SubCategoryPage(AddCategory("100_好", 1, 1), true), u"68%'>"), 2u);
@@ -135,13 +121,13 @@ TEST_F(Generation, BadIdsAndQuotesOrLikeSignsInANameChangeNothing) {
   EXPECT_EQ(Generate(u"Ostrakan.Class23", CStr(Variant(quoted))).text, u"");
   EXPECT_FALSE(
       std::filesystem::exists(site.root() / ("list/list_" + std::to_string(quoted) + ".html")));
-  EXPECT_NE(site.log().find("create_sort_two_ok, InitFunction3: [Microsoft][ODBC Microsoft Access "
-                            "Driver] Syntax error"),
-            std::string::npos);
+  EXPECT_TRUE(Has(site.log(),
+                  "create_sort_two_ok, InitFunction3: [Microsoft][ODBC Microsoft Access "
+                  "Driver] Syntax error"));
   for (const char16_t* bad : {u"", u"x", u"1 or 1=1", u"1;delete from sort"}) {
-    const Run run = Generate(u"Ostrakan.Class26", bad);
-    EXPECT_EQ(run.text, u"非法ID参数") << ToUtf8(bad);
-    EXPECT_FALSE(run.ranToEnd);
+    const PageRun run = Generate(u"Ostrakan.Class26", bad);
+    EXPECT_EQ(run.text, kBadId) << ToUtf8(bad);
+    EXPECT_FALSE(run.completed);
   }
   EXPECT_EQ(Generate(u"Ostrakan.Class26", u"42").text, u"该记录不存在或错误！");
   EXPECT_FALSE(std::filesystem::exists(site.root() / "sort_list_42.html"));
@@ -150,10 +136,10 @@ TEST_F(Generation, BadIdsAndQuotesOrLikeSignsInANameChangeNothing) {
 }
 
 TEST_F(Generation, DriverFramesFollowEachTopLevelPageWithItsSubCategories) {
-  EXPECT_EQ(Page(u"Ostrakan.Class58", 3).text, u"");  // create_all_instruction: nothing yet
-  AddCategory("电影");                                // 1
-  AddCategory("电视");                                // 2
-  AddCategory("动作", 1, 1);                          // 3
+  EXPECT_EQ(Run(u"Ostrakan.Class58", 3).text, u"");  // create_all_instruction: nothing yet
+  AddCategory("电影");                               // 1
+  AddCategory("电视");                               // 2
+  AddCategory("动作", 1, 1);                         // 3
   AddCategory("无字母", 2, 0);  // 4: hidden from the letter lists, still generated
   AddCategory("喜剧", 1, 2);    // 5
   EXPECT_EQ(Frames(u"Ostrakan.Class58", 3, {}),
@@ -167,37 +153,34 @@ TEST_F(Generation, DriverFramesFollowEachTopLevelPageWithItsSubCategories) {
   EXPECT_EQ(Frames(u"Ostrakan.Class57", 2, {{u"id", u"5"}, {u"id", u"3"}}),
             (Plan{"two:5", "two:3"}));
   // The lists to choose from link each category to its own generator.
-  std::u16string text = Page(u"Ostrakan.Class22", 4).text;  // create_sort.asp
-  EXPECT_EQ(testing::Ids(text), (std::vector<int>{1, 2}));
-  EXPECT_NE(text.find(u"<a href='create_sort_one_ok.asp?id=2' target='_blank'>生成HTML</a>"),
-            std::u16string::npos);
-  text = Page(u"Ostrakan.Class56", 5, {{u"sort", u"电影"}, {u"sort_id", u"1"}}).text;
-  EXPECT_NE(text.find(u"<a href='create_sort_two_ok.asp?id=5' target='_blank'>生成HTML</a>"),
-            std::u16string::npos);
-  EXPECT_EQ(Page(u"Ostrakan.Class56", 5, {{u"sort_id", u"x"}}).text, u"非法ID参数");
+  std::u16string text = Run(u"Ostrakan.Class22", 4).text;  // create_sort.asp
+  EXPECT_EQ(Ids(text), (std::vector<int>{1, 2}));
+  EXPECT_TRUE(Has(text, u"<a href='create_sort_one_ok.asp?id=2' target='_blank'>"));
+  text = Run(u"Ostrakan.Class56", 5, {{u"sort", u"电影"}, {u"sort_id", u"1"}}).text;
+  EXPECT_TRUE(Has(text, u"<a href='create_sort_two_ok.asp?id=5' target='_blank'>"));
+  EXPECT_EQ(Run(u"Ostrakan.Class56", 5, {{u"sort_id", u"x"}}).text, kBadId);
 }
 
+// The redirect itself is followed over HTTP and in the browser; here, what goto.asp refuses
+// and what it counts.
 TEST_F(Generation, GotoCountsOneClickAndRedirectsOrRefusesWithA404) {
-  testing::Sql(site.database(),
-               "insert into db (title, url, click) values ('a', 'v.test/a?x=1', 4);"
-               "insert into db (title, url, click) values ('b', 'https://v.test/b', null);"
-               "insert into db (title, url) values ('c', 'v.test/c\r\nSet-Cookie: x=1')");
+  Sql(site.database(),
+      "insert into db (title, url, click) values ('a', 'v.test/a?x=1', 4), "
+      "('b', 'https://v.test/b', null)");
   session = std::make_shared<Session>();  // nobody signed in
   auto go = [&](const std::u16string& id) {
-    return Page(u"Ostrakan.Goto", 2, {}, {}, {{u"id", id}});
+    return Run(u"Ostrakan.Goto", 2, {}, {}, {{u"id", id}});
   };
-  const Run run = go(u"1");
-  EXPECT_EQ(run.status, 302);
-  EXPECT_EQ(run.location, "http://v.test/a?x=1");
+  EXPECT_EQ(go(u"1").location, "http://v.test/a?x=1");
   EXPECT_EQ(go(u"2").location, "https://v.test/b");
-  EXPECT_EQ(go(u"3").location, "http://v.test/cSet-Cookie: x=1");  // no line break in a header
   for (const char16_t* bad : {u"", u"x", u"1 or 1=1", u"1;update db set click=0", u"4"}) {
-    const Run refused = go(bad);
+    const PageRun refused = go(bad);
     EXPECT_EQ(refused.status, 404);
-    EXPECT_EQ(refused.text, bad == std::u16string(u"4") ? u"该记录不存在或错误！" : u"非法ID参数");
+    EXPECT_EQ(refused.text, bad == std::u16string(u"4") ? u"该记录不存在或错误！" : kBadId);
     EXPECT_EQ(refused.location, "");
   }
-  EXPECT_EQ(Value("select group_concat(click) from (select click from db order by id)"), "5,1,1");
+  EXPECT_EQ(Value("select group_concat(click) from (select click from db order by id) as t"),
+            "5,1");
 }
 
 TEST(FillTemplate, ReplacesEveryMarkerEverywhereAndOnlyTheKindsList) {

@@ -1,5 +1,5 @@
-// The file-system seam: the real one writes whole files through a renamed temporary file; the
-// memory double fails where the disk would.
+// The file-system seam: the real one writes whole files through a renamed temporary file, and
+// batches of writes that land together.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -101,29 +101,6 @@ TEST(BatchedWrites, PutFilesInPlaceOnlyOnCommitAndCleanUpOtherwise) {
   EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "list/b.html"));
   EXPECT_EQ(Entries(dir.path()), 2u);  // a.html and list/: no temporary file left
   EXPECT_EQ(Entries(dir.path() / "list"), 2u);
-
-  // Over a memory double the writes go straight through.
-  MemoryFileSystem memory;
-  memory.MakeFolder("/site");
-  BatchedWrites batch(memory);
-  EXPECT_FALSE(batch.WriteAtomic("/site/p.html", "p").has_value());
-  EXPECT_EQ(memory.files().at("/site/p.html"), "p");
-  EXPECT_TRUE(batch.Commit().empty());
-}
-
-TEST(MemoryFileSystem, FailsWhereTheDiskWould) {
-  MemoryFileSystem files;
-  files.Put("/site/template/t.asp", "tpl");
-  std::string bytes;
-  EXPECT_FALSE(files.Read("/site/template/../template/t.asp", bytes).has_value());
-  EXPECT_EQ(bytes, "tpl");
-  EXPECT_TRUE(files.WriteAtomic("/site/list/a.html", "a").has_value());
-  EXPECT_FALSE(files.MakeFolder("/site/list").has_value());
-  EXPECT_FALSE(files.WriteAtomic("/site/list/a.html", "a").has_value());
-  files.FailWrites("/site");
-  EXPECT_TRUE(files.WriteAtomic("/site/list/a.html", "b").has_value());
-  EXPECT_EQ(files.files().at("/site/list/a.html"), "a");
-  EXPECT_TRUE(files.MakeFolder("/site/template/t.asp").has_value());
 }
 
 }  // namespace

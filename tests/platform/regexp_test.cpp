@@ -57,12 +57,10 @@ TEST(RegExp, ChangingThePatternOrCaseRecompiles) {
   RegExp re;
   re.Pattern = u"a";
   EXPECT_EQ(re.Execute(u"A a").size(), 1u);
-  re.IgnoreCase = true;
-  re.Global = true;
+  re.IgnoreCase = re.Global = true;
   EXPECT_EQ(re.Execute(u"A a").size(), 2u);
   re.Pattern = u"b";
-  EXPECT_TRUE(re.Execute(u"A a").empty());
-  EXPECT_TRUE(re.Test(u"xbx"));
+  EXPECT_TRUE(re.Execute(u"A a").empty() && re.Test(u"xbx"));
 }
 
 // Runaway patterns end as error 28: exponential backtracking (the match limit), a page-long
