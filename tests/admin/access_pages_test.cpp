@@ -81,7 +81,7 @@ TEST_F(AccessPages, AccountChangeRefusesWhatSignInCannotTakeAndStoresTheRest) {
                                 {u"新管理员", u""}}) {
     const std::u16string page = ChangeAccount(name, password);
     EXPECT_TRUE(page.starts_with(u"<Script>window.alert('管理")) << ToUtf8(page);
-    EXPECT_TRUE(Has(page, *password && *name ? u"不能含有空格" : u"不能空！"));
+    EXPECT_TRUE(Holds(page, *password && *name ? u"不能含有空格" : u"不能空！"));
   }
   EXPECT_EQ(Value("select username || ' ' || password from admin"), before);
 
@@ -101,7 +101,7 @@ TEST_F(AccessPages, AMissingPictureFileIsLoggedAndTheCodeStillChanges) {
   pagePath = u"/admin/inc/code.asp";
   EXPECT_TRUE(Run(u"Ostrakan.Class1", 1).completed);
   EXPECT_EQ(CStr(session->Get(u"verifyid")).size(), 4u);
-  EXPECT_TRUE(Has(site.log(), "\\admin\\inc\\code, NumCode: "));
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\inc\\code, NumCode: "));
 }
 
 }  // namespace

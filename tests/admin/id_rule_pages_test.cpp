@@ -86,16 +86,16 @@ TEST_F(IdRulePages, QuotedMarkersSurviveFormDatabaseRuleFileAndPage) {
   const std::u16string form = EditForm(u"1").text;
   for (const char16_t* part :
        {u"<option value=\"gb2312\" selected>", u"<input type=\"hidden\" name=\"id\" value=\"1\">"})
-    EXPECT_TRUE(Has(form, part));
+    EXPECT_TRUE(Holds(form, part));
 
   // The list shows the rules newest first, with their ranges and edit links.
   Add(RuleForm(u"新"));
   Sql(site.database(), "update gather_id_web set range='100 - 250' where id=1");
   const std::u16string list = Run(u"Ostrakan.Class38", 4).text;
   EXPECT_LT(list.find(u">新</td>"), list.find(u">站点A</td>"));
-  EXPECT_TRUE(Has(list, u">站点A</td>"));
-  EXPECT_TRUE(Has(list, u">100 - 250</td>"));
-  EXPECT_TRUE(Has(list, u"<a href=\"gather_id_web_edit.asp?id=1\">"));
+  EXPECT_TRUE(Holds(list, u">站点A</td>"));
+  EXPECT_TRUE(Holds(list, u">100 - 250</td>"));
+  EXPECT_TRUE(Holds(list, u"<a href=\"gather_id_web_edit.asp?id=1\">"));
   EXPECT_EQ(site.log(), "");
 }
 
@@ -119,7 +119,7 @@ TEST_F(IdRulePages, TheRuleFileFollowsAddAndEditButNotDelete) {
   EXPECT_EQ(Rules(), "2:B2:1 - 9");  // the range is kept
   ASSERT_TRUE(RebuildRuleFile().completed);
   EXPECT_EQ(RuleFile().find(u"Case \"1\""), std::u16string::npos);
-  EXPECT_TRUE(Has(RuleFile(), u"Web=\"B2\" \r\n"));
+  EXPECT_TRUE(Holds(RuleFile(), u"Web=\"B2\" \r\n"));
 }
 
 TEST_F(IdRulePages, BadIdsAndMissingRulesChangeNothing) {
@@ -144,7 +144,7 @@ TEST_F(IdRulePages, AMissingTemplateIsLoggedAndLeavesTheRuleFile) {
   PageRun rebuilt = RebuildRuleFile();
   EXPECT_TRUE(rebuilt.completed);
   EXPECT_EQ(rebuilt.text, u"");
-  EXPECT_TRUE(Has(site.log(), "\\admin\\gather_id_web_update, InitFunction3: File not found"));
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_web_update, InitFunction3: File not found"));
   EXPECT_EQ(RuleFile(), file);
 }
 

@@ -100,12 +100,12 @@ TEST_F(IdRunPages, VerifyShowsEachIdWithoutStoring) {
 
 TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
   EXPECT_EQ(Verify(u"1", u"2", RuleFields(u"<h1>(")).text, u"影视站7");
-  EXPECT_TRUE(Has(site.log(),
-                  "\\admin\\gather_id_web_verify, InitFunction1: Syntax error in "
-                  "regular expression"));
+  EXPECT_TRUE(Holds(site.log(),
+                    "\\admin\\gather_id_web_verify, InitFunction1: Syntax error in "
+                    "regular expression"));
   fakes->fetched.clear();
   EXPECT_EQ(Verify(u"a", u"2").text, u"影视站7");
-  EXPECT_TRUE(Has(site.log(), "InitFunction1: Type mismatch"));
+  EXPECT_TRUE(Holds(site.log(), "InitFunction1: Type mismatch"));
   EXPECT_TRUE(fakes->fetched.empty());
 
   // A marker that runs away on a large page: logged, and the run stops.
@@ -113,14 +113,14 @@ TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
   PageRun run = Step(u"7", u"1", u"3", u"", RuleFields(u"(a|aa)*<h1>"));
   EXPECT_TRUE(run.completed);
   EXPECT_EQ(run.text, u"正在采集第 1 页<br>还乘余 2 页等待处理...");  // no next step
-  EXPECT_TRUE(Has(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Out of stack space"));
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Out of stack space"));
   EXPECT_TRUE(fakes->saved.empty());
 }
 
 // The pages' flow from step to step is tested over HTTP; here, what a step hands on.
 TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
   EXPECT_TRUE(
-      Has(Step(u"7", u"1", u"3").text, u"gather_id_db_ok.asp?ID=7&ID_Start=2&DB_Num=1&ID_End=3"));
+      Holds(Step(u"7", u"1", u"3").text, u"gather_id_db_ok.asp?ID=7&ID_Start=2&DB_Num=1&ID_End=3"));
   ASSERT_EQ(fakes->saved.size(), 1u);
   const IdRecord& r = fakes->saved[0];
   EXPECT_EQ(r.title + u"|" + r.content + u"|" + r.url + u"|" + r.source + u"|" + r.source_url,
@@ -132,15 +132,15 @@ TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
   EXPECT_EQ(Ranges(), "1 - 3|x");
   EXPECT_EQ(fakes->fetched, std::vector<std::u16string>{Address(3)});
   EXPECT_EQ(fakes->saved.size(), 1u);
-  EXPECT_TRUE(Has(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Object required"));
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Object required"));
 }
 
 TEST_F(IdRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
   Step(u"7 or 1=1", u"4", u"4");
   EXPECT_EQ(Ranges(), "|x");
-  EXPECT_TRUE(Has(site.log(), "InitFunction1: Syntax error in UPDATE statement."));
-  EXPECT_TRUE(Has(Step(u"7');alert(1);('", u"1", u"3").text,
-                  u"ID=7%27%29%3Balert%281%29%3B%28%27&ID_Start=2"));
+  EXPECT_TRUE(Holds(site.log(), "InitFunction1: Syntax error in UPDATE statement."));
+  EXPECT_TRUE(Holds(Step(u"7');alert(1);('", u"1", u"3").text,
+                    u"ID=7%27%29%3Balert%281%29%3B%28%27&ID_Start=2"));
 }
 
 }  // namespace

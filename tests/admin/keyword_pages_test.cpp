@@ -33,7 +33,7 @@ TEST_F(KeywordPages, EntriesLinkTheirSearchInGbkInLinesOfThree) {
         u"搜索次数：2 <a href='keyword_manage.asp?keyword=%D6%DC%BD%DC%C2%D7'>相关搜索</a>",
         u"</td><td width='250' bgcolor='#FFFFFF'></td><td width='250' "
         u"bgcolor='#FFFFFF'></td></tr>"})
-    EXPECT_TRUE(Has(text, part));
+    EXPECT_TRUE(Holds(text, part));
 }
 
 TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
@@ -49,7 +49,7 @@ TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
   AddWords(65, "x<");  // ids 7 .. 71
   const std::u16string first = List({{u"keyword", u"x<"}});
   EXPECT_EQ(Ids(first), Descending(71, 42));
-  EXPECT_TRUE(Has(first, u"<a href='?keyword=x%3C&page=3&db_count=65'>最后一页</a>"));
+  EXPECT_TRUE(Holds(first, u"<a href='?keyword=x%3C&page=3&db_count=65'>最后一页</a>"));
   // Later pages show up to ninety entries from their first: page 2 shows the other 35.
   EXPECT_EQ(Ids(List({{u"keyword", u"x<"}, {u"page", u"2"}})), Descending(41, 7));
   EXPECT_EQ(ReturnUrl(), u"keyword_manage.asp?keyword=x%3C&page=2");
@@ -73,7 +73,7 @@ TEST_F(KeywordPages, NoFilterChangesTheStatement) {
   const std::string log = site.log();
   // Both fail the same way on the same page: the log keeps that error once a minute.
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
-  EXPECT_TRUE(Has(log, "\\admin\\keyword_manage, InitFunction5: Syntax error in string"));
+  EXPECT_TRUE(Holds(log, "\\admin\\keyword_manage, InitFunction5: Syntax error in string"));
   // Every other sign is data: LIKE's wildcards still match as wildcards, the rest literally.
   EXPECT_EQ(Ids(List({{u"keyword", u"a\"b--;"}})), (std::vector<int>{5}));
   EXPECT_EQ(Ids(List({{u"keyword", u"0%_o"}})), (std::vector<int>{4}));

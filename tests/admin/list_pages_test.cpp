@@ -42,20 +42,20 @@ TEST_F(RecordList, PagesShowTheirRowsAndClampToTheLast) {
   AddRecords(45);
   PageRun first = List();
   EXPECT_EQ(Ids(first.text), Descending(45, 26));  // newest first
-  EXPECT_TRUE(Has(first.text, u"页次：1/3页"));
+  EXPECT_TRUE(Holds(first.text, u"页次：1/3页"));
   EXPECT_EQ(ReturnUrl(), u"db_list.asp?page=1");
   EXPECT_EQ(Ids(List({{u"page", u"2"}, {u"db_count", u"45"}}).text), Descending(25, 6));
   EXPECT_EQ(Ids(List({{u"page", u"-7"}}).text), Descending(45, 26));
   for (const char16_t* last : {u"3", u"4", u"32767"}) {  // the last page, and past it
     PageRun run = List({{u"page", last}});
     EXPECT_EQ(Ids(run.text), Descending(5, 1)) << ToUtf8(last);
-    EXPECT_TRUE(Has(run.text, u"页次：3/3页"));
+    EXPECT_TRUE(Holds(run.text, u"页次：3/3页"));
     EXPECT_EQ(ReturnUrl(), u"db_list.asp?page=3");
   }
   // A count carried over from before records were deleted is trusted: its last page is empty.
   PageRun stale = List({{u"page", u"5"}, {u"db_count", u"100"}});
   EXPECT_EQ(Ids(stale.text), std::vector<int>{});
-  EXPECT_TRUE(Has(stale.text, u"页次：5/5页"));
+  EXPECT_TRUE(Holds(stale.text, u"页次：5/5页"));
   EXPECT_EQ(site.log(), "");
 
   // Not a number, or beyond a 16-bit integer: logged before any of the list is written.
@@ -64,8 +64,8 @@ TEST_F(RecordList, PagesShowTheirRowsAndClampToTheLast) {
     EXPECT_TRUE(run.completed);
     EXPECT_EQ(run.text, u"") << ToUtf8(bad);
   }
-  EXPECT_TRUE(Has(site.log(), "\\admin\\db_list, InitFunction4: Type mismatch"));
-  EXPECT_TRUE(Has(site.log(), "\\admin\\db_list, InitFunction4: Overflow"));
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\db_list, InitFunction4: Type mismatch"));
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\db_list, InitFunction4: Overflow"));
 }
 
 TEST_F(RecordList, ARowLinksTheRecordsPagesAndEscapesItsText) {
@@ -84,7 +84,7 @@ TEST_F(RecordList, ARowLinksTheRecordsPagesAndEscapesItsText) {
         u"[<a href='javascript:db_delete(7)'>删除</a>]",
         u"<a href='http://v.com/?a=1' target='_blank'>v.com/?a=1</a>",
         u"来源：<a href='http://src.com' target='_blank'>源</a> 日期：2026-1-2 3:04:05<br>"})
-    EXPECT_TRUE(Has(text, part));
+    EXPECT_TRUE(Holds(text, part));
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ TEST_F(RecordPages, AnAddressAlreadyStoredIsRefusedWithOrWithoutItsScheme) {
   EXPECT_FALSE(run.completed);
   EXPECT_EQ(run.text, refusal);
   // The quotation marks go out as their GB2312 codes.
-  EXPECT_TRUE(Has(run.bytes, "\xA1\xB0www.a.com/1\xA1\xB1"));
+  EXPECT_TRUE(Holds(run.bytes, "\xA1\xB0www.a.com/1\xA1\xB1"));
   // Filtering comes before the test: blanks and quotes make no new address.
   EXPECT_EQ(Post(u"三", u" www.a.com/'1 ").text, refusal);
   EXPECT_EQ(Value("select group_concat(title) from db"), "一");
@@ -79,7 +79,7 @@ TEST_F(RecordPages, ARecordKeepsItsOwnAddressButCannotTakeAnother) {
 TEST_F(RecordPages, TheEditFormOpensOnlyARowNumber) {
   Sql(site.database(), "insert into db (id, title) values (5, '标题'), (16, 'x'), (1000, 'y')");
   auto form = [&](const char16_t* id) { return Run(u"Ostrakan.Class61", 3, {{u"id", id}}).text; };
-  EXPECT_TRUE(Has(form(u" 5 "), u"value=\"标题\""));
+  EXPECT_TRUE(Holds(form(u" 5 "), u"value=\"标题\""));
   for (const char16_t* bad : {u"abc", u"&H10", u"1e3", u"5.0", u"", u"5;delete from db"})
     EXPECT_EQ(form(bad), kBadId) << ToUtf8(bad);
   EXPECT_EQ(form(u"6"), kMissing);

@@ -48,7 +48,7 @@ TEST_F(SearchPage, ThePagerLinksKeepFieldAndWord) {
   EXPECT_EQ(Ids(first), Descending(25, 6));
   // The word's "&" is percent-encoded, so the link carries the whole word.
   EXPECT_TRUE(
-      Has(first, u"<a href='?action=title&keyword=panda%26&page=2&db_count=21'>下一页</a>"));
+      Holds(first, u"<a href='?action=title&keyword=panda%26&page=2&db_count=21'>下一页</a>"));
   const std::u16string second =
       SearchRun(
           {{u"action", u"title"}, {u"keyword", u"panda&"}, {u"page", u"2"}, {u"db_count", u"21"}})

@@ -56,7 +56,7 @@ TEST_F(SortPages, AddAndEditKeepNamesAsTextAndRefuseNonNumericValues) {
                   "'|') from sort"),
             "0,0,9|1,3,7|0,0,5000");
   EXPECT_EQ(Names("id < 3"), "ad mins 1|100_off");
-  EXPECT_TRUE(Has(site.log(), "\\admin\\sort_ok, add: Type mismatch"));
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\sort_ok, add: Type mismatch"));
 
   post(u"edit",
        {{u"id", u"2"}, {u"sort", u"新 名"}, {u"sort_id", u"2"}, {u"alphabetical_id", u"5"}});

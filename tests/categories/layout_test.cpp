@@ -8,7 +8,7 @@ namespace ostrakan::categories {
 namespace {
 
 using testing::Count;
-using testing::Has;
+using testing::Holds;
 
 TEST(Grid, FillsTheLastLineWithEmptyCellsAndWritesNothingForNoCells) {
   EXPECT_EQ(LayOut({}, kAdminGrid).text(), u"");
@@ -27,16 +27,17 @@ TEST(TreeMarkup, EscapesNamesForEachPlaceAndKeepsEveryLetterGroup) {
   for (const char16_t* part :
        {u">a'b\"&lt;c&gt;&amp;</a>", u"href='sort_list.asp?sort=a%27b%22%3Cc%3E%26&sort_id=7'",
         u"javascript:sort_edit('a\\&#39;b\\&quot;\\x3cc&gt;&amp;',0,7)"})
-    EXPECT_TRUE(Has(cell, part));
+    EXPECT_TRUE(Holds(cell, part));
 
   const std::vector<LetterGroup> groups{{{1, u"A"}, {{5, u"甲", 2, 1}, {6, u"乙", 2, 1}}},
                                         {{2, u"B"}, {}}};
   const std::u16string rows = ManageLetterGroups(groups).text();
   // An empty group keeps its letter and its anchor.
-  EXPECT_TRUE(Has(rows, u"<b>B</b></td><td bgcolor=\"#FFFFFF\"><a name=\"B\" id=\"B\"></a></td>"));
-  EXPECT_TRUE(Has(rows, u"[<a href=\"javascript:sort_edit('乙',1,2,6)\">编辑</a>]"))
+  EXPECT_TRUE(
+      Holds(rows, u"<b>B</b></td><td bgcolor=\"#FFFFFF\"><a name=\"B\" id=\"B\"></a></td>"));
+  EXPECT_TRUE(Holds(rows, u"[<a href=\"javascript:sort_edit('乙',1,2,6)\">编辑</a>]"))
       << ToUtf8(rows);
-  EXPECT_TRUE(Has(GenerateLetterGroups(groups).text(), u"'create_sort_two_ok.asp?id=6'"));
+  EXPECT_TRUE(Holds(GenerateLetterGroups(groups).text(), u"'create_sort_two_ok.asp?id=6'"));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include "access/md5.h"
 #include "engine/generate_command.h"
 #include "engine/migrate_command.h"
-#include "http/holds.h"
+#include "support/holds.h"
 #include "support/database_holder.h"
 #include "support/page_harness.h"
 

@@ -4,7 +4,7 @@
 
 #include "admin/registry.h"
 #include "gathering/record_store.h"
-#include "http/holds.h"
+#include "support/holds.h"
 #include "platform/ado/connection.h"
 #include "platform/clock.h"
 #include "support/page_harness.h"

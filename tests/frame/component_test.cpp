@@ -6,7 +6,7 @@
 
 #include "frame/page_blocks.h"
 #include "frame/site_page.h"
-#include "http/holds.h"
+#include "support/holds.h"
 #include "platform/ado/connection.h"
 #include "support/page_harness.h"
 

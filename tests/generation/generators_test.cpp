@@ -65,14 +65,15 @@ TEST_F(Generation, TopLevelPagesLinkTheirSubCategoriesWhosePagesListTheirRecords
   std::u16string page = File("sort_list_1.html");
   EXPECT_EQ(page.find(u"[pellumar]"), std::u16string::npos);  // every marker replaced
   EXPECT_EQ(Count(page, u"<a name='"), 26u);                  // the empty groups too
-  EXPECT_TRUE(Has(page, u"<a href='list/list_2.html' target='_blank'>功夫</a>"));
+  EXPECT_TRUE(Holds(page, u"<a href='list/list_2.html' target='_blank'>功夫</a>"));
   EXPECT_EQ(page.find(u"别家"), std::u16string::npos);
   // Without its template the page is not written again: logged, and the old page stays whole.
   std::filesystem::remove(site.root() / "template/sort_one_list.asp");
   AddCategory("新的", top, 2);
   EXPECT_EQ(Generate(u"Ostrakan.Class26", u"1").text, u"");
   EXPECT_EQ(File("sort_list_1.html"), page);
-  EXPECT_TRUE(Has(site.log(), "\\admin\\create_sort_one_ok, InitFunction3: cannot find the file"));
+  EXPECT_TRUE(
+      Holds(site.log(), "\\admin\\create_sort_one_ok, InitFunction3: cannot find the file"));
 
   // At most a hundred records whose title has the name, most clicked first, then newest.
   std::string sql = "begin;";
@@ -102,7 +103,7 @@ TEST_F(Generation, RecordsShowTheirPictureOrThePlaceholderAndTheirSourceWhenAske
         u"onerror=\"src='../image/image.gif'\">",
         u"<a href='../goto.asp?id=2'  target='_blank'><img src='../image/image.gif' ",
         u"3:04:05 来源：</font><a href='http://src.test' target='_blank'>", u">猫&lt;b&gt;</a>"})
-    EXPECT_TRUE(Has(page, part));
+    EXPECT_TRUE(Holds(page, part));
   EXPECT_EQ(SubCategoryPage(id, false).find(u"来源"), std::u16string::npos);
   // Source_Show asks for the source when it is the number 1.
   EXPECT_TRUE(generation::ShowsSource(Variant(u"1")) && generation::ShowsSource(Variant(1)));
@@ -121,9 +122,9 @@ TEST_F(Generation, BadIdsAndQuotesOrLikeSignsInANameChangeNothing) {
   EXPECT_EQ(Generate(u"Ostrakan.Class23", CStr(Variant(quoted))).text, u"");
   EXPECT_FALSE(
       std::filesystem::exists(site.root() / ("list/list_" + std::to_string(quoted) + ".html")));
-  EXPECT_TRUE(Has(site.log(),
-                  "create_sort_two_ok, InitFunction3: [Microsoft][ODBC Microsoft Access "
-                  "Driver] Syntax error"));
+  EXPECT_TRUE(Holds(site.log(),
+                    "create_sort_two_ok, InitFunction3: [Microsoft][ODBC Microsoft Access "
+                    "Driver] Syntax error"));
   for (const char16_t* bad : {u"", u"x", u"1 or 1=1", u"1;delete from sort"}) {
     const PageRun run = Generate(u"Ostrakan.Class26", bad);
     EXPECT_EQ(run.text, kBadId) << ToUtf8(bad);
@@ -155,9 +156,9 @@ TEST_F(Generation, DriverFramesFollowEachTopLevelPageWithItsSubCategories) {
   // The lists to choose from link each category to its own generator.
   std::u16string text = Run(u"Ostrakan.Class22", 4).text;  // create_sort.asp
   EXPECT_EQ(Ids(text), (std::vector<int>{1, 2}));
-  EXPECT_TRUE(Has(text, u"<a href='create_sort_one_ok.asp?id=2' target='_blank'>"));
+  EXPECT_TRUE(Holds(text, u"<a href='create_sort_one_ok.asp?id=2' target='_blank'>"));
   text = Run(u"Ostrakan.Class56", 5, {{u"sort", u"电影"}, {u"sort_id", u"1"}}).text;
-  EXPECT_TRUE(Has(text, u"<a href='create_sort_two_ok.asp?id=5' target='_blank'>"));
+  EXPECT_TRUE(Holds(text, u"<a href='create_sort_two_ok.asp?id=5' target='_blank'>"));
   EXPECT_EQ(Run(u"Ostrakan.Class56", 5, {{u"sort_id", u"x"}}).text, kBadId);
 }
 

@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "access/md5.h"
-#include "http/holds.h"
+#include "support/holds.h"
 #include "http/http_client.h"
 #include "support/page_harness.h"
 

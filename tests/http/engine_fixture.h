@@ -12,7 +12,7 @@
 #include "frame/error_log.h"
 #include "frame/escape.h"
 #include "frame/site_page.h"
-#include "http/holds.h"
+#include "support/holds.h"
 #include "http/http_client.h"
 #include "platform/http/fetcher.h"
 #include "platform/text/codepage.h"

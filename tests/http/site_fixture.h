@@ -12,7 +12,7 @@
 #include "engine/commands.h"
 #include "engine/http_server.h"
 #include "frame/error_log.h"
-#include "http/holds.h"
+#include "support/holds.h"
 #include "http/http_client.h"
 #include "platform/text/codepage.h"
 #include "support/page_harness.h"

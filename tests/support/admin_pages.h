@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "admin/registry.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::testing {
@@ -92,15 +93,6 @@ inline std::vector<int> Ids(const std::u16string& text) {
     ids.push_back(std::stoi(ToUtf8(text.substr(value, text.find(u'\'', value) - value))));
   }
   return ids;
-}
-
-// Whether `text` holds `part`; a failure shows both.
-inline ::testing::AssertionResult Has(std::string_view text, std::string_view part) {
-  if (text.find(part) != std::string_view::npos) return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << "no \"" << part << "\" in\n" << text;
-}
-inline ::testing::AssertionResult Has(std::u16string_view text, std::u16string_view part) {
-  return Has(ToUtf8(text), ToUtf8(part));
 }
 
 // Occurrences of `needle` in `text`.
