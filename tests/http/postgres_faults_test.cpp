@@ -146,6 +146,10 @@ TEST_F(PostgresFaults, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
   backend.Rollback();
   EXPECT_EQ(count(), 990);
   EXPECT_EQ(ServerSql(Address(database_), "select count(*) from db"), "990");
+  // LIKE ignores letter case, NOT LIKE too.
+  auto matching = [&](const char16_t* sql) { return CLng(conn->Execute(sql)->FieldAt(0)); };
+  EXPECT_EQ(matching(u"select count(*) from db where title like 'RECORD 99%'"), 2);
+  EXPECT_EQ(matching(u"select count(*) from db where db.title not like 'RECORD 99%'"), 988);
 
   auto rs = std::make_shared<ado::Recordset>();
   rs->Open(u"select id, title from db where title like ? order by id desc", Variant(conn), 1, 1,
