@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 
@@ -115,7 +116,8 @@ TEST_F(PostgresFaults, AnOutageAnswersAsAFailedOpenAndARestartNeedsNothingOfOurs
 TEST_F(PostgresFaults, AnUnreachableDatabaseStopsServeAndInitWithOneSentence) {
   Cluster("halt");
   const fs::path errFile = dir_.path() / "err.txt";
-  const std::string binary = OSTRAKAN_BINARY;
+  // Bounded, should a server start listening after all.
+  const std::string binary = std::string("timeout 30 ") + OSTRAKAN_BINARY;
   const Ran serve =
       RunCommand(binary + " serve --site " + root().string() + " --listen 127.0.0.1:0", errFile);
   const Ran init = RunCommand(binary + " init " + (dir_.path() / "second").string() +
