@@ -1,12 +1,16 @@
-// The same site on SQLite and on PostgreSQL, side by side in one run: db_list.asp page 1 and a
-// page near the end, db_search.asp by title; requests per second and latency with wrk on
-// loopback, and the server's memory after each size. PostgreSQL runs in a throwaway cluster
+// The same site on SQLite and on PostgreSQL, side by side in one run: db_list.asp page 1 and the
+// last page the pager reaches (page numbers stop at 32767), db_search.asp by title (requests per
+// second and latency with wrk on loopback), the server's memory after each size, a whole-site
+// rebuild (`ostrakan generate`, six category pages) and one gathered entry stored (the
+// ostrakan_bench program beside the binary, when built). Each database is prepared as an
+// operator would: the SQLite site's record index built (`ostrakan reindex`), the PostgreSQL
+// database vacuumed and analyzed after the bulk load. PostgreSQL runs in a throwaway cluster
 // that this script starts in a temporary folder (Unix socket only) and removes at the end.
 // Usage: node bench/pg_vs_sqlite.mjs path/to/ostrakan [seconds] [records...]
 //   e.g. node bench/pg_vs_sqlite.mjs build/release/ostrakan 10 100000 1000000
 // Needs sqlite3, wrk and PostgreSQL's server programs (/usr/lib/postgresql/15/bin).
 import { execFileSync, spawn } from 'node:child_process';
-import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import { existsSync, mkdtempSync, readFileSync, rmSync } from 'node:fs';
 import { createServer } from 'node:net';
 import { tmpdir } from 'node:os';
 import { join, dirname } from 'node:path';
@@ -17,6 +21,7 @@ const binary = process.argv[2];
 const seconds = process.argv[3] ?? '10';
 const sizes = process.argv.length > 4 ? process.argv.slice(4).map(Number) : [100000, 1000000];
 const clusterScript = join(here, '../tests/support/pg_cluster.sh');
+const storeBench = join(dirname(binary), 'ostrakan_bench');
 
 const rows = (records, dateOf) => `
   INSERT INTO db (title, content, url, source, source_url, click, time)
@@ -25,19 +30,24 @@ const rows = (records, dateOf) => `
          'video' || (i % 50) || '.test/play/' || i || '.html',
          '来源站点' || (i % 50), 'video' || (i % 50) || '.test', i % 997, ${dateOf}`;
 
+// One top-level category and five below it: words that one title in a thousand holds, that every
+// title holds, and that no title holds (the rebuild's worst case: the whole table is read).
+const categories = `INSERT INTO sort (sort, sort_id, alphabetical_id) VALUES ('视频', 0, 0),
+  ('功夫', 1, 1), ('标题 12', 1, 2), ('描述', 1, 3), ('play/77', 1, 4), ('来源站点7', 1, 5);`;
+
 const backends = {
   sqlite: {
     init: (site) => execFileSync(binary, ['init', site, '--password', 'secret123']),
     fill: (site, records) => execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], {
       input: `BEGIN; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ${records})
-        ${rows(records, "datetime('2026-01-01', '+' || (i % 300) || ' days')")} FROM n; COMMIT;`,
-    }),
+        ${rows(records, "datetime('2026-01-01', '+' || (i % 300) || ' days')")} FROM n; ${categories} COMMIT;`,
+    }) && execFileSync(binary, ['reindex', '--site', site]),
   },
   postgresql: {
     init: (site, uri) => execFileSync(binary, ['init', site, '--password', 'secret123', '--database', uri]),
     fill: (site, records, uri) => execFileSync('psql', ['-q', uri], {
       input: `${rows(records, "timestamp '2026-01-01' + (i % 300) * interval '1 day'")}
-        FROM generate_series(1, ${records}) AS i; VACUUM ANALYZE db;`,
+        FROM generate_series(1, ${records}) AS i; ${categories} VACUUM ANALYZE;`,
     }),
   },
 };
@@ -94,13 +104,14 @@ execFileSync('bash', [clusterScript, 'start', cluster]);
 const admin = `postgresql:///postgres?host=${cluster}&user=ostrakan`;
 try {
   for (const records of sizes) {
-    const nearEnd = Math.min(Math.ceil(records / 20) - 1, 32767);
+    const nearEnd = Math.min(Math.ceil(records / 20), 32767);
     const pages = [
       ['db_list.asp page 1', '/admin/db_list.asp'],
       [`db_list.asp page ${nearEnd}`, `/admin/db_list.asp?page=${nearEnd}&db_count=${records}`],
       ['db_search.asp title', '/admin/db_search.asp?action=title&keyword=%B9%A6%B7%F2'],
     ];
     console.log(`\n${records} records (wrk -t2 -c8 -d${seconds}s)`);
+    const databases = [];
     for (const [name, backend] of Object.entries(backends)) {
       const site = join(work, `${name}-${records}`);
       const database = `bench_${records}`;
@@ -125,6 +136,18 @@ try {
         child.kill('SIGTERM');
         await new Promise((r) => (child.exitCode !== null ? r() : child.once('exit', r)));
       }
+      const started = process.hrtime.bigint();
+      execFileSync(binary, ['generate', '--site', site]);
+      const rebuild = Number(process.hrtime.bigint() - started) / 1e9;
+      console.log(`    ${'generate (6 pages)'.padEnd(24)} ${rebuild.toFixed(2)} s`);
+      databases.push(join(site, 'data', 'ostrakan.db'));
+    }
+    if (existsSync(storeBench)) {
+      const out = execFileSync(storeBench, ['--benchmark_filter=BM_StoreEntryInSite',
+                                            '--benchmark_min_time=2'],
+                               { env: { ...process.env, OSTRAKAN_BENCH_DATABASES: databases.join(',') } });
+      for (const line of out.toString().split('\n').filter((l) => l.startsWith('BM_')))
+        console.log(`  one gathered entry stored: ${line.replace(/\s+/g, ' ')}`);
     }
   }
 } finally {

@@ -1,7 +1,8 @@
 #!/bin/bash
 # A throwaway PostgreSQL cluster for the tests: `start DIR` makes one in DIR (Unix socket in
 # DIR, no TCP, trust authentication, superuser "ostrakan") and starts it; `stop DIR` stops it
-# and removes DIR. Run as root, the cluster belongs to the unprivileged user nobody.
+# and removes DIR; `halt DIR` stops it keeping its data and `resume DIR` starts it again (the
+# fault tests' outage). Run as root, the cluster belongs to the unprivileged user nobody.
 set -euo pipefail
 bin=${OSTRAKAN_PG_BIN:-/usr/lib/postgresql/15/bin}
 command=${1:?start or stop}
@@ -27,6 +28,14 @@ case $command in
       -o "-c listen_addresses='' -c unix_socket_directories='$dir' -c fsync=off" \
       -o "-c synchronous_commit=off -c full_page_writes=off -c max_connections=200" start
     ;;
+  halt)
+    as_owner "$bin/pg_ctl" -D "$dir/data" -m fast -w -s stop
+    ;;
+  resume)
+    as_owner "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w -s \
+      -o "-c listen_addresses='' -c unix_socket_directories='$dir' -c fsync=off" \
+      -o "-c synchronous_commit=off -c full_page_writes=off -c max_connections=200" start
+    ;;
   stop)
     if [ -f "$dir/data/postmaster.pid" ]; then
       as_owner "$bin/pg_ctl" -D "$dir/data" -m immediate -w -s stop || true
@@ -34,7 +43,7 @@ case $command in
     rm -rf "$dir"
     ;;
   *)
-    echo "usage: pg_cluster.sh start|stop DIR" >&2
+    echo "usage: pg_cluster.sh start|stop|halt|resume DIR" >&2
     exit 2
     ;;
 esac

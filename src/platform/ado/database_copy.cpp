@@ -234,6 +234,9 @@ std::vector<CopiedTable> CopyToServer(const std::filesystem::path& sqliteFile,
     copied.push_back(std::move(table));
   }
   PQclear(pg.Exec("COMMIT", "the database"));
+  // Statistics for the planner and the visibility map for index-only scans (the list pages'
+  // paging), as an operator would after a bulk load; the copy stands should this fail.
+  PQclear(PQexec(pg.conn, "VACUUM (ANALYZE)"));
   return copied;
 }
 

@@ -11,6 +11,7 @@
 #include <limits>
 #include <map>
 #include <mutex>
+#include <regex>
 #include <stdexcept>
 #include <vector>
 
@@ -24,6 +25,8 @@ namespace {
 constexpr Oid kBool = 16, kBytea = 17, kInt8 = 20, kInt2 = 21, kInt4 = 23, kFloat4 = 700,
               kFloat8 = 701, kNumeric = 1700, kDate = 1082, kTimestamp = 1114, kTimestampTz = 1184;
 constexpr size_t kIdlePerAddress = 16;
+// Rows of an abandoned run read to keep its connection; a longer rest closes the connection.
+constexpr int kDrainBeforeClosing = 256;
 // The advisory lock that serializes write transactions (any number; the same in every process).
 constexpr const char* kBeginWrite = "BEGIN; SELECT pg_advisory_xact_lock(7031853)";
 
@@ -64,8 +67,11 @@ struct Session {
   Link* tx = nullptr;  // the connection of the open write transaction
   ~Session();
   Link* FreeLink() {
-    for (auto& link : links)
-      if (!link->reading) return link.get();
+    for (auto& link : links) {
+      if (link->reading) continue;
+      if (!link->conn) link->conn = OpenLink(uri);  // closed when a long run was abandoned
+      return link.get();
+    }
     links.push_back(std::make_unique<Link>());
     links.back()->conn = OpenLink(uri);
     return links.back().get();
@@ -234,6 +240,24 @@ size_t MarksIn(std::u16string_view sql) {
   return highest;
 }
 
+// "select count(*) [as name] from db" without a condition reads the count that the schema's
+// triggers keep in row_count (exact and transactional) rather than reading every row; the
+// table's own count stands in should the row be missing.
+std::optional<std::u16string> KeptRowCount(std::u16string_view sql) {
+  if (sql.size() > 96) return std::nullopt;
+  static const std::regex kCount(
+      R"(^\s*select\s+count\s*\(\s*\*\s*\)\s*(?:as\s+([a-z_][a-z0-9_]*)\s+)?from\s+"?db"?\s*;?\s*$)",
+      std::regex::icase | std::regex::optimize);
+  const std::string text = ToUtf8(sql);
+  std::smatch m;
+  if (!std::regex_match(text, m, kCount)) return std::nullopt;
+  const std::string name = m[1].matched ? m[1].str() : "count";
+  return FromUtf8(
+      "select coalesce((select n from row_count where name = 'db'), "
+      "(select count(*) from db)) as " +
+      name);
+}
+
 class PgStatement : public Statement {
  public:
   PgStatement(std::shared_ptr<Session> session, std::u16string_view sql)
@@ -382,10 +406,21 @@ class PgStatement : public Statement {
     return error;
   }
 
-  // Ends the run under way: the rows not read are read and dropped.
+  // Ends the run under way. A few rows still to come are read and dropped; past those the
+  // connection is closed instead (the server stops at its next write), since reading the rest
+  // of a long run costs as much as the run itself: a list page leaves the rows after its own
+  // unread. Inside a write transaction the rows are read to the end, as the transaction needs
+  // its connection.
   void Abandon() {
     if (link_ && link_->reading == this) {
-      while (Fetch()) {
+      const bool keep = session_->tx == link_;
+      for (int left = kDrainBeforeClosing; keep || left > 0; --left) {
+        if (!Fetch()) break;
+      }
+      if (link_->reading == this) {
+        link_->reading = nullptr;
+        PQfinish(link_->conn);
+        link_->conn = nullptr;
       }
     }
     buffered_.clear();
@@ -419,6 +454,8 @@ class PgBackend : public Backend {
   Dialect dialect() const override { return Dialect::kPostgres; }
   StatementPtr PrepareUnbound(std::u16string_view sql) override {
     CheckOneStatement(sql);
+    if (std::optional<std::u16string> kept = KeptRowCount(sql); kept && KeepsRowCount())
+      return std::make_unique<PgStatement>(session_, *kept);
     return std::make_unique<PgStatement>(session_, sql);
   }
   long long Insert(std::u16string_view sql, const Params& params,
@@ -457,6 +494,22 @@ class PgBackend : public Backend {
   }
 
  private:
+  // Whether the database has the row_count table (a database made by an earlier version of
+  // the schema has not); asked once per address.
+  bool KeepsRowCount() {
+    static std::mutex mutex;
+    static auto* known = new std::map<std::string, bool>;
+    std::lock_guard lock(mutex);
+    if (auto it = known->find(session_->uri); it != known->end()) return it->second;
+    Link* link = session_->LinkFor();
+    if (link->reading) Session::FinishReading(*link);
+    ResultPtr r(PQexec(link->conn, "SELECT to_regclass('row_count') IS NOT NULL"));
+    if (PQresultStatus(r.get()) != PGRES_TUPLES_OK) throw ServerError(link->conn, r.get());
+    const bool keeps = PQgetvalue(r.get(), 0, 0)[0] == 't';
+    known->emplace(session_->uri, keeps);
+    return keeps;
+  }
+
   std::shared_ptr<Session> session_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/ado/backend.h"
 #include "platform/ado/connection.h"
+#include "platform/ado/skip_rows.h"
 #include "platform/ado/sqlite_call.h"
 #include "platform/ado/statement_text.h"
 
@@ -140,10 +141,7 @@ void Recordset::Execute() {
 }
 
 void Recordset::SkipTo(long row) {
-  const bool sqlite = conn_->backend().dialect() == Dialect::kSqlite;
-  stmt_ =
-      PrepareBound(std::u16string(TrimStatementEnd(sql_)) +
-                   (sqlite ? u" limit -1 offset " : u" offset ") + FromUtf8(std::to_string(row)));
+  stmt_ = PrepareBound(SkipRows(sql_, row, conn_->backend().dialect()));
   offset_ = row;
   position_ = row - 1;
   StepStatement();

@@ -162,6 +162,75 @@ std::u16string ToPostgres(std::u16string_view sql) {
   return out;
 }
 
+// Where the name that ends just before `end` begins (a word, a "quoted" name, either dotted
+// after a table's), or npos when no name ends there.
+size_t NameStart(std::u16string_view s, size_t end) {
+  size_t i = end;
+  for (;;) {
+    if (i > 0 && s[i - 1] == u'"') {
+      const size_t open = i > 1 ? s.rfind(u'"', i - 2) : std::u16string_view::npos;
+      if (open == std::u16string_view::npos) return open;
+      i = open;
+    } else {
+      size_t j = i;
+      while (j > 0 && IsWordChar(s[j - 1])) --j;
+      if (j == i || (s[j] >= u'0' && s[j] <= u'9')) return std::u16string_view::npos;
+      i = j;
+    }
+    if (i == 0 || s[i - 1] != u'.') return i;
+    --i;
+  }
+}
+
+// "name [not] like" as "name::text [not] ilike". PostgreSQL has no estimate of how many rows a
+// pattern matches in a citext column (it assumes one in 200), and so reads a long list backwards
+// through an index, fetching every row, looking for a word that no row holds; over text it
+// tests the pattern against the column's statistics and scans the table instead. ILIKE ignores
+// letter case as citext's LIKE does.
+std::u16string CaseBlindLike(std::u16string sql) {
+  size_t i = 0;
+  while (i < sql.size()) {
+    const size_t skipped = SkipQuoted(sql, i);
+    if (skipped != i) {
+      i = skipped;
+      continue;
+    }
+    if (!IsWordChar(sql[i])) {
+      ++i;
+      continue;
+    }
+    const std::u16string_view word = WordAt(sql, i);
+    const bool like = IEquals(word, u"like") && (i == 0 || !IsWordChar(sql[i - 1]));
+    if (!like) {
+      i += word.size();
+      continue;
+    }
+    size_t before = i;
+    while (before > 0 && IsBlank(sql[before - 1])) --before;
+    if (before >= 3 && IEquals(std::u16string_view(sql).substr(before - 3, 3), u"not") &&
+        (before == 3 || !IsWordChar(sql[before - 4]))) {
+      before -= 3;
+      while (before > 0 && IsBlank(sql[before - 1])) --before;
+    }
+    const size_t name = NameStart(sql, before);
+    size_t operand = name;  // the name must be the whole left operand, not the end of one
+    while (operand != std::u16string_view::npos && operand > 0 && IsBlank(sql[operand - 1]))
+      --operand;
+    const bool whole = name != std::u16string_view::npos &&
+                       (operand == 0 || IsWordChar(sql[operand - 1]) ||
+                        std::u16string_view(u"(,").find(sql[operand - 1]) != std::u16string::npos);
+    if (!whole || IEquals(WordAt(sql, name), u"where") || IEquals(WordAt(sql, name), u"and") ||
+        IEquals(WordAt(sql, name), u"or")) {
+      i += word.size();
+      continue;
+    }
+    sql.replace(i, 4, u"ilike");
+    sql.insert(before, u"::text");
+    i += 5 + 6;
+  }
+  return sql;
+}
+
 }  // namespace
 
 size_t SkipQuoted(std::u16string_view s, size_t i) {
@@ -244,7 +313,7 @@ std::u16string_view TrimStatementEnd(std::u16string_view sql) {
 
 std::u16string AdaptStatement(std::u16string_view accessSql, Dialect dialect) {
   std::u16string sql = MoveTopToLimit(RewriteTokens(accessSql));
-  return dialect == Dialect::kPostgres ? ToPostgres(sql) : sql;
+  return dialect == Dialect::kPostgres ? CaseBlindLike(ToPostgres(sql)) : sql;
 }
 
 }  // namespace ostrakan::ado
