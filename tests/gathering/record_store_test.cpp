@@ -62,7 +62,7 @@ TEST_F(Records, ARefreshKeepsItsTimeAndTextExactWhetherOrNotTheTextChanged) {
   EXPECT_EQ(StoreRecord(conn, {u"Title", u"TEXT", u"v.test/1", u""}, source),
             StoreOutcome::Updated);
   StoreRecord(conn, {u"title", u"TEXT", u"v.test/1", u""}, source);
-  EXPECT_EQ(Value("select title || content || count(*) from db"), "titleTEXT1");
+  EXPECT_EQ(Value("select title || content || (select count(*) from db) from db"), "titleTEXT1");
 }
 
 TEST_F(Records, AFailedWriteLeavesNoHalfRecordAndNoOpenTransaction) {
