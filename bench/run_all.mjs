@@ -41,6 +41,16 @@ function timeRatio(a, b) {
   const r = gbench(`^(${a}|${b})(/|$)`);
   return [ms(r[a]) / ms(r[b]), `${ms(r[a]).toFixed(2)} ms / ${ms(r[b]).toFixed(2)} ms`];
 }
+// a's counter over b's (from one run of both).
+function counterRatio(a, b, counter) {
+  const r = gbench(`^(${a}|${b})(/|$)`);
+  return [r[a][counter] / r[b][counter], `${r[a][counter].toFixed(1)} / ${r[b][counter].toFixed(1)} ${counter}`];
+}
+function memoryGrowth() {
+  const b = gbench('^BM_HeadlessRunMemory(/|$)').BM_HeadlessRunMemory;
+  const at1000 = b.rss_kib_at_1000, growth = b.rss_growth_kib;
+  return [(at1000 + growth) / at1000, `RSS ${at1000.toFixed(0)} KiB at page 1,000, ${growth >= 0 ? '+' : ''}${growth.toFixed(0)} KiB by page 10,000`];
+}
 // a's rate over b's (higher is better).
 function rateRatio(a, b, counter) {
   const r = gbench(`^(${a}|${b})(/|$)`);
@@ -97,6 +107,8 @@ function slowClientsRatio() {
 const figures = [
   ['list extraction of a 1 MiB page / one case-insensitive scan', '<= 2', () => timeRatio('BM_ExtractLargePage', 'BM_CaseInsensitiveScan')],
   ['headless list run / fetch alone (pages/s)', '>= 0.8', () => rateRatio('BM_HeadlessRun', 'BM_FetchOnly', 'pages/s')],
+  ['headless list run / fetch alone, process CPU per page', '', () => counterRatio('BM_HeadlessRun', 'BM_FetchOnly', 'cpu_us/page')],
+  ['headless run of 10,000 pages: RSS at the end / at page 1,000', '~1', () => memoryGrowth()],
   ['headless list run, 1 MiB pages of 2,000 entries / fetch alone', '>= 0.3', () => rateRatio('BM_HeadlessRunLargePages', 'BM_FetchOnlyLargePages', 'pages/s')],
   ['headless ID run / fetch alone (ids/s)', '>= 0.8', () => rateRatio('BM_HeadlessIdRun', 'BM_IdFetchOnly', 'ids/s')],
   ['db_list.asp page 1 at 1M records / its bare statements', '<= 1.2', () => pageRatio('/admin/db_list.asp', 'BM_RecordListStatements')],

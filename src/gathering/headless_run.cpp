@@ -1,11 +1,11 @@
 #include "gathering/headless_run.h"
 
-#include <future>
 #include <thread>
 
 #include "core/script_error.h"
 #include "gathering/id_extraction.h"
 #include "gathering/list_extraction.h"
+#include "gathering/units_ahead.h"
 #include "platform/ado/write_transaction.h"
 #include "platform/text/bytes_to_bstr.h"
 
@@ -41,24 +41,51 @@ void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunC
   }
 }
 
+namespace {
+
+// A write transaction holds units while the next one is already gathered, up to this long: it
+// keeps other writers (pages, workers) waiting no longer than this.
+constexpr auto kLongestBatch = std::chrono::milliseconds(100);
+
+// A unit stored in the open transaction, reported once that commits.
+struct StoredUnit {
+  long unit;
+  std::vector<std::string> failures;
+  JournalRun run;  // as it stood after the unit
+};
+
+}  // namespace
+
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
              const GatherUnit& gather, const RunReport& report) {
   // The next unit is fetched and cut while this one is stored; units are still gathered one
   // after the other, in order, so pacing and the extractor's carried state are kept.
+  //
+  // A unit and its journal update are committed together with the units stored just before
+  // it: the transaction commits as soon as the next unit is not gathered yet (so a paced run,
+  // or one waiting on a slow site, commits every unit before it waits), at the end, and at
+  // the latest after kLongestBatch. A run killed at any moment thus leaves whole units, and
+  // the journal says which. Each unit's failures and progress are reported, in order, once it
+  // is committed: what a run says it stored, it stored.
   RecordStore store(conn, site);
-  std::future<UnitResult> ahead;
-  if (run.next <= run.last) ahead = std::async(std::launch::async, gather, run.next);
+  UnitsAhead ahead(gather, run.next, run.last);
+  std::optional<ado::WriteTransaction> transaction;
+  std::chrono::steady_clock::time_point batchStart;
+  std::vector<StoredUnit> stored;
   while (run.next <= run.last) {
     const long unit = run.next;
-    UnitResult result = ahead.get();
-    if (unit + 1 <= run.last) ahead = std::async(std::launch::async, gather, unit + 1);
-    ado::WriteTransaction transaction(conn);
+    UnitResult result = ahead.Take();
+    if (!transaction) {
+      transaction.emplace(conn);
+      batchStart = std::chrono::steady_clock::now();
+    }
+    StoredUnit& done = stored.emplace_back(StoredUnit{unit, {}, {}});
     RunCounts& c = run.counts;
     ++c.pages;
     switch (result.outcome) {
       case UnitOutcome::Failed:
         ++c.failed;
-        if (report.failure) report.failure(unit, result.why);
+        done.failures.push_back(std::move(result.why));
         break;
       case UnitOutcome::NoResults:
         ++c.noResults;
@@ -67,15 +94,24 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
         ++c.unmatched;
         break;
       case UnitOutcome::Gathered:
-        StoreEntries(store, result.records, c, [&](const std::string& why) {
-          if (report.failure) report.failure(unit, why);
-        });
+        StoreEntries(store, result.records, c,
+                     [&](const std::string& why) { done.failures.push_back(why); });
         break;
     }
     run.next = unit + 1;
     RecordProgress(conn, run, run.next > run.last);
-    transaction.Commit();
-    if (report.progress) report.progress(run);
+    done.run = run;
+    if (run.next <= run.last && ahead.Ready() &&
+        std::chrono::steady_clock::now() - batchStart < kLongestBatch)
+      continue;
+    transaction->Commit();
+    transaction.reset();
+    for (const StoredUnit& u : stored) {
+      if (report.failure)
+        for (const std::string& why : u.failures) report.failure(u.unit, why);
+      if (report.progress) report.progress(u.run);
+    }
+    stored.clear();
   }
   if (run.first > run.last) RecordProgress(conn, run, true);
 }

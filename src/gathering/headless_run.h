@@ -2,8 +2,9 @@
 // over pages or IDs that stores what it finds with the record store and keeps the run journal
 // up to date after every unit, so that a stopped run can be resumed without duplicates.
 //
-// One unit (a page) is stored in one write transaction together with its journal update: a
-// run killed at any moment leaves either the whole unit or nothing of it.
+// A unit (a page) is stored in the same write transaction as its journal update (one
+// transaction may hold a few units in a row, see WalkRun): a run killed at any moment leaves
+// either the whole unit or nothing of it.
 #pragma once
 
 #include <chrono>
@@ -70,8 +71,10 @@ struct RunReport {
 void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
                   const std::function<void(const std::string& why)>& refused);
 
-// Walks run.next .. run.last: gathers each unit, then stores its records and the journal
-// update in one write transaction; marks the run finished at the end.
+// Walks run.next .. run.last: gathers each unit (the next one while this one is stored), then
+// stores its records and the journal update in one write transaction, with the units before
+// it while the next one is ready; reports each unit once it is committed; marks the run
+// finished at the end.
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
              const GatherUnit& gather, const RunReport& report);
 

@@ -12,6 +12,11 @@ Variant Left(std::u16string_view text, size_t n) {
   return Variant(std::u16string(text.substr(0, n)));
 }
 
+// The stored text is exactly what Left(text, n) would store.
+bool Holds(const Variant& stored, std::u16string_view text, size_t n) {
+  return stored.type() == VarType::String && stored.str() == text.substr(0, n);
+}
+
 Variant NowText() {
   return Variant(IsoDate(CurrentClock().Now()));
 }
@@ -24,7 +29,11 @@ std::u16string StoredLink(std::u16string_view link) {
 
 namespace {
 
-constexpr char16_t kLookup[] = u"select id from db where url = ? limit 1";
+// The lookup also reads what a refresh would overwrite, so that a refresh that changes nothing
+// but the time writes the time alone: the title index and the record index's notes stay
+// untouched.
+constexpr char16_t kLookup[] = u"select id, title, content from db where url = ? limit 1";
+constexpr char16_t kTouch[] = u"update db set time = ? where id = ?";
 constexpr char16_t kInsert[] =
     u"insert into db (title, content, url, image, source, source_url, click, time) "
     u"values (?, ?, ?, ?, ?, ?, 0, ?)";
@@ -35,8 +44,8 @@ std::u16string SourceAddress(const SourceSite& site) {
 }
 
 void Insert(ado::PreparedStatement& insert, const GatheredRecord& r, const SourceSite& site,
-            const std::u16string& sourceUrl) {
-  insert.Run({Left(r.title, 100), Left(r.content, 150), Variant(StoredLink(r.url)),
+            const std::u16string& sourceUrl, std::u16string link) {
+  insert.Run({Left(r.title, 100), Left(r.content, 150), Variant(std::move(link)),
               r.image.empty() ? Variant::Null() : Variant(r.image), Variant(site.name),
               Variant(sourceUrl), NowText()});
 }
@@ -50,7 +59,7 @@ void Update(ado::PreparedStatement& update, const Variant& id, std::u16string_vi
 
 void AddRecord(ado::Connection& conn, const GatheredRecord& r, const SourceSite& site) {
   ado::PreparedStatement insert(conn, kInsert);
-  Insert(insert, r, site, SourceAddress(site));
+  Insert(insert, r, site, SourceAddress(site), StoredLink(r.url));
 }
 
 void EditRecord(ado::Connection& conn, long long id, std::u16string_view title,
@@ -61,8 +70,8 @@ void EditRecord(ado::Connection& conn, long long id, std::u16string_view title,
 
 struct RecordStore::Statements {
   explicit Statements(ado::Connection& conn)
-      : lookup(conn, kLookup), insert(conn, kInsert), update(conn, kUpdate) {}
-  ado::PreparedStatement lookup, insert, update;
+      : lookup(conn, kLookup), insert(conn, kInsert), update(conn, kUpdate), touch(conn, kTouch) {}
+  ado::PreparedStatement lookup, insert, update, touch;
   std::u16string sourceUrl;
 };
 
@@ -76,11 +85,14 @@ RecordStore::~RecordStore() = default;
 StoreOutcome RecordStore::Store(const GatheredRecord& record) {
   ado::WriteTransaction transaction(conn_);
   Statements& s = *statements_;
-  const std::optional<Variant> known = s.lookup.FirstValue({Variant(StoredLink(record.url))});
-  if (known) {
-    Update(s.update, *known, record.title, record.content);
+  std::u16string link = StoredLink(record.url);
+  std::optional<std::vector<Variant>> known = s.lookup.FirstRow({Variant(link)});
+  if (!known) {
+    Insert(s.insert, record, site_, s.sourceUrl, std::move(link));
+  } else if (Holds((*known)[1], record.title, 100) && Holds((*known)[2], record.content, 150)) {
+    s.touch.Run({NowText(), (*known)[0]});
   } else {
-    Insert(s.insert, record, site_, s.sourceUrl);
+    Update(s.update, (*known)[0], record.title, record.content);
   }
   transaction.Commit();
   return known ? StoreOutcome::Updated : StoreOutcome::Inserted;

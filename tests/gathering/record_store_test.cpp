@@ -48,6 +48,23 @@ TEST_F(Records, InsertsNewLinksCutToSizeAndRefreshesKnownOnesKeepingTheirClicks)
   EXPECT_EQ(Value("select count(*) from db"), "3");
 }
 
+// A refresh whose stored text would not change writes the time alone; text that differs,
+// if only in letter case or past what was cut, is still what the record ends with.
+TEST_F(Records, ARefreshKeepsItsTimeAndTextExactWhetherOrNotTheTextChanged) {
+  const std::u16string longTitle(120, u'标');
+  StoreRecord(conn, {longTitle, u"Text", u"v.test/1", u""}, source);
+  testing::Sql(site.database(), "update db set time = '2001-01-01 00:00:00'");
+  EXPECT_EQ(StoreRecord(conn, {longTitle + u"more", u"Text", u"v.test/1", u""}, source),
+            StoreOutcome::Updated);
+  EXPECT_EQ(
+      Value("select length(title) || content || cast(time > '2001-01-01' as integer) from db"),
+      "100Text1");
+  EXPECT_EQ(StoreRecord(conn, {u"Title", u"TEXT", u"v.test/1", u""}, source),
+            StoreOutcome::Updated);
+  StoreRecord(conn, {u"title", u"TEXT", u"v.test/1", u""}, source);
+  EXPECT_EQ(Value("select title || content || (select count(*) from db) from db"), "titleTEXT1");
+}
+
 TEST_F(Records, AFailedWriteLeavesNoHalfRecordAndNoOpenTransaction) {
   // A check that no row passes makes every insert fail.
   const bool server = testing::OnPostgres();

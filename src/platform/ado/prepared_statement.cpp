@@ -20,4 +20,17 @@ std::optional<Variant> PreparedStatement::FirstValue(const Params& params) {
   return value;
 }
 
+std::optional<std::vector<Variant>> PreparedStatement::FirstRow(const Params& params) {
+  stmt_->Bind(params, {});
+  std::optional<std::vector<Variant>> row;
+  if (stmt_->Step()) {
+    const int columns = stmt_->ColumnCount();
+    row.emplace();
+    row->reserve(columns);
+    for (int i = 0; i < columns; ++i) row->push_back(stmt_->Column(i, stmt_->ColumnIsDate(i)));
+  }
+  stmt_->Reset();
+  return row;
+}
+
 }  // namespace ostrakan::ado

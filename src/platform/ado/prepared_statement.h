@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "core/variant.h"
 #include "platform/ado/backend.h"
@@ -23,6 +24,8 @@ class PreparedStatement {
   long Run(const Params& params);
   // Runs a query: the first column of its first row; nullopt when it gives no row.
   std::optional<Variant> FirstValue(const Params& params);
+  // Runs a query: every column of its first row; nullopt when it gives no row.
+  std::optional<std::vector<Variant>> FirstRow(const Params& params);
 
  private:
   StatementPtr stmt_;
