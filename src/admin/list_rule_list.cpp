@@ -24,7 +24,7 @@ void ListRuleList::WriteRuleRows() {
     web = rules.Field(u"web");
     const Markup n = UrlQuery(TextOf(id));
     out += u"<tr><td><input type=\"checkbox\" name=\"id\" value=\"" + HtmlAttr(TextOf(id)) +
-           u"\"> " + HtmlText(TextOf(web)) +
+           u"\"></td><td>" + HtmlText(TextOf(web)) +
            (marked.contains(static_cast<long long>(CDbl(id)))
                 ? u" <span class=\"warn\">" + Markup(gathering::kRuleMayBeBroken) + u"</span>"
                 : Markup()) +

@@ -94,8 +94,8 @@ void RuleImportPreview::ShowRulesOfTheFile() {
     out += Markup(u"<tr><td>") + (rule.kind == "id" ? Markup(u"编号采集") : Markup(u"列表采集")) +
            u"</td><td>" + HtmlText(FromUtf8(rule.web)) + u"</td></tr>\r\n";
   out +=
-      u"</table>\r\n<form name=\"import\" method=\"post\" action=\"gather_rules_import_ok.asp\" "
-      u"accept-charset=\"gb18030\">\r\n<input type=\"hidden\" name=\"kind\" value=\"" +
+      u"</table>\r\n<form accept-charset=\"gb18030\" name=\"import\" method=\"post\" "
+      u"action=\"gather_rules_import_ok.asp\">\r\n<input type=\"hidden\" name=\"kind\" value=\"" +
       HtmlAttr(KindOfRequest()) + u"\">\r\n<input type=\"hidden\" name=\"document\" value=\"" +
       HtmlAttr(FromUtf8(ToBase64(file->bytes))) +
       u"\">\r\n<input type=\"submit\" value=\"确认导入\" class=\"button\">\r\n</form>\r\n";

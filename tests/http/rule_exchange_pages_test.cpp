@@ -42,7 +42,7 @@ TEST_F(RuleExchangePages, TickedRulesAreDownloadedAndAnUploadedFileIsImportedAft
   Sql(database(), "update gather_list_web set web = '功夫 \"站\"' where id = " + second);
   EXPECT_NE(Text(client().Get("/admin/gather_list_web_manage.asp", {cookie}))
                 .find(u"<input type=\"checkbox\" name=\"id\" value=\"" + FromUtf8(second) +
-                      u"\"> 功夫 \"站\""),
+                      u"\"></td><td>功夫 \"站\""),
             npos);
 
   // The download is the document of `ostrakan rules export`.
