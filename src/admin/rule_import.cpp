@@ -98,7 +98,7 @@ void RuleImportPreview::ShowRulesOfTheFile() {
       u"action=\"gather_rules_import_ok.asp\">\r\n<input type=\"hidden\" name=\"kind\" value=\"" +
       HtmlAttr(KindOfRequest()) + u"\">\r\n<input type=\"hidden\" name=\"document\" value=\"" +
       HtmlAttr(FromUtf8(ToBase64(file->bytes))) +
-      u"\">\r\n<input type=\"submit\" value=\"确认导入\" class=\"button\">\r\n</form>\r\n";
+      u"\">\r\n<p><input type=\"submit\" value=\"确认导入\" class=\"button\"></p>\r\n</form>\r\n";
   CurrentResponse().Write(out);
 }
 
