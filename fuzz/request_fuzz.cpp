@@ -1,9 +1,10 @@
 // Request reading and decoding: the bytes a client sends (request line, header fields, a body
 // framed by Content-Length or chunks) through the engine's reader on Beast's parser, arriving
 // in two pieces as they would from a socket, then the requests it reads (pipelined ones too)
-// through query strings, form bodies, cookies, header checks and the Request object, in both
-// code pages a session can have.
+// through query strings, form bodies (multipart uploads too), cookies, header checks and the
+// Request object, in both code pages a session can have.
 #include "engine/cross_site.h"
+#include "engine/multipart_form.h"
 #include "engine/request_builder.h"
 #include "engine/request_reader.h"
 #include "engine/url_decoding.h"
@@ -21,7 +22,10 @@ void Decode(engine::HttpRequest& r) {
     KeyedValues pairs;
     engine::AddUrlEncoded(r.body, codePage, pairs);
     engine::AddCookies(r.Header("Cookie"), codePage, pairs);
-    engine::BuildRequest(r, "/admin/x.asp", codePage);
+    try {
+      engine::BuildRequest(r, "/admin/x.asp", codePage);
+    } catch (const engine::MultipartError&) {  // a refused upload body: answered with 400
+    }
   }
   engine::IsActionPage(r.path, r.queryString);
   engine::NamesAnotherSite(r);

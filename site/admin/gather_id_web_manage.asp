@@ -12,8 +12,11 @@ function web_delete(id) {
 <body class="content">
 <h3>采集信息管理 - 编号采集网站管理</h3>
 <p><a href="gather_id_web_add.asp">添加编号采集网站</a></p>
+<form accept-charset="gb18030" name="rules" method="post" action="gather_rules_export.asp">
+<input type="hidden" name="kind" value="id">
 <table class="list" cellspacing="1" bgcolor="#C8D3E3">
             <tr>
+<th>选择</th>
 <th>网站名称</th>
 <th>采集范围</th>
 <th>测试</th>
@@ -23,6 +26,12 @@ function web_delete(id) {
             </tr>
 <% InitFunction4 %>
 </table>
+<p class="batch"><input type="submit" value="导出选中的规则" class="button"></p>
+</form>
+<form accept-charset="gb18030" name="upload" method="post" action="gather_rules_import.asp?kind=id" enctype="multipart/form-data">
+导入规则文件：<input type="file" name="file" accept=".json,application/json"> <input type="submit" value="预览导入" class="button">
+</form>
+<p class="hint">导出的文件可以在其他站点用“预览导入”或 ostrakan rules import 导入，规则将作为新规则添加。</p>
 <p class="footer">Ostrakan 视频搜索管理系统 &copy; Pellumar</p>
 </body>
 </html>

@@ -12,5 +12,6 @@
 <input type="hidden" name="Action" value="ok">
 <input type="submit" value="╡Б йт" class="button">
 </form>
+<% InitFunction4 %>
 </body>
 </html>

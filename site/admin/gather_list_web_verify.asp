@@ -6,6 +6,7 @@
 </head>
 <body class="content">
 <div class="entries"><% InitFunction1 %></div>
+<% InitFunction6 %><% InitFunction5 %>
 <p class="hint">ฒโสิอ๘ีพฃบ<% InitFunction2 %>กกนุผüืึฃบ<% InitFunction3 %>กกนๆิ๒ฑเบลฃบ<% InitFunction4 %></p>
 </body>
 </html>

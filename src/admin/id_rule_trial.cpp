@@ -2,7 +2,7 @@
 
 #include "frame/escape.h"
 #include "frame/page_blocks.h"
-#include "gathering/id_run.h"
+#include "gathering/page_fetch.h"
 
 namespace ostrakan::admin {
 
@@ -11,6 +11,7 @@ IdRuleTrial::IdRuleTrial() : IdRulePage(u"\\admin\\gather_id_web_verify") {
     Property(name, *member);
   Block(u"InitFunction2", &IdRuleTrial::WriteSiteName);
   Block(u"InitFunction3", &IdRuleTrial::WriteRuleId);
+  Block(u"InitFunction4", &IdRuleTrial::WriteSummary);
 }
 
 // Header, guard and, when the test form was sent, the test of every ID of the range.
@@ -21,9 +22,9 @@ void IdRuleTrial::FirstBlock() {
   CurrentServer().ScriptTimeout = 999999;
   ID_Start = request.Item(u"ID_Start");
   ID_End = request.Item(u"ID_End");
-  gathering::WriteIdVerification(CurrentResponse(),
-                                 *gathering::IdPageSource(CurrentServer().factory()), Rule(),
-                                 ID_Start, ID_End);
+  trials_ = gathering::WriteIdVerification(CurrentResponse(),
+                                           *gathering::IdPageSource(CurrentServer().factory()),
+                                           Rule(), ID_Start, ID_End);
 }
 
 void IdRuleTrial::WriteSiteName() {
@@ -32,6 +33,35 @@ void IdRuleTrial::WriteSiteName() {
 
 void IdRuleTrial::WriteRuleId() {
   CurrentResponse().Write(HtmlAttr(TextOf(CurrentRequest().Item(u"id"))));
+}
+
+void IdRuleTrial::WriteSummary() {
+  if (trials_.empty()) return;
+  using Outcome = gathering::IdTrial::Outcome;
+  Markup out = u"<p class=\"summary\">";
+  long titled = 0;
+  for (const gathering::IdTrial& t : trials_) {
+    out += u"编号 " + HtmlText(t.id) + u"：";
+    switch (t.outcome) {
+      case Outcome::Titled:
+        ++titled;
+        out += u"找到标题";
+        break;
+      case Outcome::NoData:
+        out += u"找不到相关数据";
+        break;
+      case Outcome::Untitled:
+        out += u"<span class=\"warn\">没有找到标题（页面的标记可能已改变）</span>";
+        break;
+      case Outcome::Failed:
+        out += u"<span class=\"warn\">未能取得页面（" +
+               HtmlText(gathering::FetchFailureText(t.why)) + u"）</span>";
+        break;
+    }
+    out += u"　" + HtmlText(t.address) + u"<br>\r\n";
+  }
+  CurrentResponse().Write(out + u"共 " + HtmlText(FromUtf8(std::to_string(titled))) +
+                          u" 个编号找到标题。</p>\r\n");
 }
 
 }  // namespace ostrakan::admin

@@ -23,7 +23,8 @@ void ListRuleList::WriteRuleRows() {
     id = rules.Field(u"id");
     web = rules.Field(u"web");
     const Markup n = UrlQuery(TextOf(id));
-    out += u"<tr><td>" + HtmlText(TextOf(web)) +
+    out += u"<tr><td><input type=\"checkbox\" name=\"id\" value=\"" + HtmlAttr(TextOf(id)) +
+           u"\"></td><td>" + HtmlText(TextOf(web)) +
            (marked.contains(static_cast<long long>(CDbl(id)))
                 ? u" <span class=\"warn\">" + Markup(gathering::kRuleMayBeBroken) + u"</span>"
                 : Markup()) +

@@ -48,6 +48,8 @@
 #include "admin/record_entry_form.h"
 #include "admin/record_list.h"
 #include "admin/record_search.h"
+#include "admin/rule_export_download.h"
+#include "admin/rule_import.h"
 #include "admin/run_journal_page.h"
 #include "admin/schedule_page.h"
 #include "admin/sign_in.h"
@@ -130,6 +132,10 @@ const std::vector<Entry>& Table() {
       {u"Ostrakan.Class66", Make<admin::ListGatherStart>},     // gather_list_db.asp
       {u"Ostrakan.Class170", Make<admin::RunJournalPage>},     // gather_run_list.asp
       {u"Ostrakan.Class171", Make<admin::SchedulePage>},       // gather_schedule.asp
+      // Rules as files, from the rule lists
+      {u"Ostrakan.Class180", Make<admin::RuleExportDownload>},  // gather_rules_export.asp
+      {u"Ostrakan.Class181", Make<admin::RuleImportPreview>},   // gather_rules_import.asp
+      {u"Ostrakan.Class182", Make<admin::RuleImportSave>},      // gather_rules_import_ok.asp
       // ID-site gathering rules
       {u"Ostrakan.Class38", Make<admin::IdRuleList>},        // gather_id_web_manage.asp
       {u"Ostrakan.Class41", Make<admin::IdRuleFileWriter>},  // gather_id_web_update.asp

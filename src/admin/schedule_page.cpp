@@ -109,7 +109,7 @@ void SchedulePage::Act() {
     s.id = number;
     if (std::u16string problem = ReadForm(s); !problem.empty()) {
       said_ = HtmlText(problem) + u"，没有保存。";
-      editing_ = s, haveEditing_ = action == u"save";
+      editing_ = s, haveEditing_ = action == u"save", typed_ = true;
     } else if (action == u"add") {
       const auto added = gathering::AddSchedule(connection, s);
       said_ = added ? Markup(u"已添加定时采集 ") + Number(*added) : Markup(u"没有这个采集规则");
@@ -157,9 +157,17 @@ void SchedulePage::WriteForm() {
   const bool edit = haveEditing_ && s.id > 0;
   std::u16string words;
   for (const auto& w : s.keywords) words += w + u"\r\n";
+  // A refused form comes back as it was typed.
+  const Request& request = CurrentRequest();
+  auto typed = [&](const char16_t* name, const std::u16string& otherwise) {
+    return typed_ ? TextOf(request.Form(name)) : otherwise;
+  };
+  words = typed(u"keywords", words);
   const Markup action =
       edit ? u"save&id=" + UrlQuery(CStr(Variant(static_cast<double>(s.id)))) : Markup(u"add");
-  auto value = [&](const std::u16string& v) { return HtmlAttr(haveEditing_ ? v : u""); };
+  auto field = [&](const char16_t* name, const std::u16string& v) {
+    return HtmlAttr(typed(name, haveEditing_ ? v : u""));
+  };
   CurrentResponse().Write(
       u"<h3>" + (edit ? Markup(u"修改定时采集") : Markup(u"添加定时采集")) +
       u"</h3><form accept-charset=\"gb18030\" method=\"post\" name=\"schedule\" "
@@ -170,26 +178,27 @@ void SchedulePage::WriteForm() {
       (s.kind == u"id" ? Markup(u" selected") : Markup(u"")) +
       u">编号采集</option></select> 编号 <input type=\"text\" name=\"rule_id\" size=\"6\" "
       u"value=\"" +
-      value(s.ruleId ? CStr(Variant(static_cast<double>(s.ruleId))) : u"") +
+      field(u"rule_id", s.ruleId ? CStr(Variant(static_cast<double>(s.ruleId))) : u"") +
       u"\"></td></tr><tr><th>关键词（每行一个）</th><td><textarea name=\"keywords\" rows=\"3\" "
       u"cols=\"30\">" +
       HtmlText(words) +
       u"</textarea></td></tr><tr><th>页码（列表采集）</th><td><input type=\"text\" "
       u"name=\"pages\" size=\"10\" value=\"" +
-      value(s.kind == u"list" && s.last ? CStr(Variant(static_cast<double>(s.first))) + u"-" +
-                                              CStr(Variant(static_cast<double>(s.last)))
-                                        : u"1-1") +
+      field(u"pages", s.kind == u"list" && s.last
+                          ? CStr(Variant(static_cast<double>(s.first))) + u"-" +
+                                CStr(Variant(static_cast<double>(s.last)))
+                          : u"1-1") +
       u"\"></td></tr><tr><th>每次编号数（编号采集）</th><td><input type=\"text\" "
       u"name=\"next\" size=\"10\" value=\"" +
-      value(s.next ? CStr(Variant(static_cast<double>(s.next))) : u"") +
+      field(u"next", s.next ? CStr(Variant(static_cast<double>(s.next))) : u"") +
       u"\"></td></tr><tr><th>间隔</th><td><input type=\"text\" name=\"every\" size=\"10\" "
       u"value=\"" +
-      value(s.everySeconds ? IntervalText(s.everySeconds) : u"") +
+      field(u"every", s.everySeconds ? IntervalText(s.everySeconds) : u"") +
       u"\"> 如 6h、1d；或定时 <input type=\"text\" name=\"cron\" size=\"14\" value=\"" +
-      value(s.cron) +
+      field(u"cron", s.cron) +
       u"\"> 如 30 2 * * *</td></tr><tr><th>两次抓取间隔（毫秒）</th><td><input type=\"text\" "
       u"name=\"delay_ms\" size=\"10\" value=\"" +
-      HtmlAttr(CStr(Variant(static_cast<double>(s.pacing.delayMs)))) +
+      HtmlAttr(typed(u"delay_ms", CStr(Variant(static_cast<double>(s.pacing.delayMs))))) +
       u"\"></td></tr></table><input type=\"submit\" value=\"保 存\" class=\"button\"></form>");
 }
 

@@ -23,6 +23,7 @@ class SchedulePage : public DatabasePage {
   Markup said_;
   gathering::Schedule editing_;
   bool haveEditing_ = false;
+  bool typed_ = false;  // a refused form: written back as posted
 };
 
 }  // namespace ostrakan::admin

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "engine/cross_site.h"
+#include "engine/multipart_form.h"
 #include "engine/path_safety.h"
 #include "engine/request_builder.h"
 #include "engine/static_files.h"
@@ -214,7 +215,11 @@ HttpResponse PageEngine::RunPageFile(const HttpRequest& http, const std::filesys
   RequestContext context;
   context.application = application_;
   context.session = session;
-  context.request = BuildRequest(http, virtualPath, codePage);
+  try {
+    context.request = BuildRequest(http, virtualPath, codePage);
+  } catch (const MultipartError& e) {
+    return HttpResponse::Plain(400, std::string("400 Bad Request\n") + e.what());
+  }
   context.response = std::make_shared<Response>(codePage);
   context.server = std::make_shared<Server>(root_, FromUtf8(virtualPath), factory_);
 

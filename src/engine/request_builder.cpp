@@ -2,6 +2,7 @@
 
 #include <cctype>
 
+#include "engine/multipart_form.h"
 #include "engine/url_decoding.h"
 
 namespace ostrakan::engine {
@@ -31,6 +32,16 @@ std::shared_ptr<Request> BuildRequest(const HttpRequest& http, const std::string
   std::string contentType = http.Header("Content-Type");
   if (StartsWithNoCase(contentType, "application/x-www-form-urlencoded"))
     AddUrlEncoded(http.body, codePage, request->form);
+  else if (StartsWithNoCase(contentType, "multipart/form-data"))
+    for (FormPart& part : ReadMultipart(http.body, MultipartBoundary(contentType))) {
+      std::u16string name = DecodeRequestText(part.name, codePage);
+      if (part.fileName)
+        request->files.emplace_back(
+            std::move(name),
+            UploadedFile{DecodeRequestText(*part.fileName, codePage), std::move(part.data)});
+      else
+        request->form.Add(std::move(name), DecodeRequestText(part.data, codePage));
+    }
   for (const auto& [name, value] : http.headers)
     if (StartsWithNoCase(name, "cookie") && name.size() == 6)
       AddCookies(value, codePage, request->cookies);

@@ -1,6 +1,6 @@
 // Builds the Request object of a page from the HTTP request: the query string and an
-// application/x-www-form-urlencoded body decoded with the session's code page, the cookies,
-// and the server variables.
+// application/x-www-form-urlencoded or multipart/form-data body decoded with the session's code
+// page (uploaded files kept as bytes), the cookies, and the server variables.
 #pragma once
 
 #include <memory>
@@ -12,7 +12,7 @@
 namespace ostrakan::engine {
 
 // `pagePath` is the virtual path of the page file that runs ("/admin/index.asp" for
-// "/admin/").
+// "/admin/"). A multipart body that the strict reader refuses raises MultipartError.
 std::shared_ptr<Request> BuildRequest(const HttpRequest& http, const std::string& pagePath,
                                       int codePage);
 

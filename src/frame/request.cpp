@@ -13,4 +13,10 @@ Variant Request::Item(std::u16string_view name) const {
   return {};
 }
 
+const UploadedFile* Request::File(std::u16string_view name) const {
+  for (const auto& [field, file] : files)
+    if (IEquals(field, name)) return &file;
+  return nullptr;
+}
+
 }  // namespace ostrakan

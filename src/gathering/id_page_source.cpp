@@ -8,7 +8,9 @@
 namespace ostrakan::gathering {
 
 std::u16string FactoryPages::Fetch(std::u16string_view url, std::u16string_view charset) {
-  return GetHttpPage(factory_, url, charset);
+  FetchedPage page = FetchPage(factory_, url, charset);
+  why_ = std::move(page.why);
+  return std::move(page.text).value_or(u"");
 }
 
 void DatabaseIdStore::Save(ado::Connection& conn, const IdRecord& record) {

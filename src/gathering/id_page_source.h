@@ -18,6 +18,8 @@ class PageSource {
   virtual ~PageSource() = default;
   // The page at `url` decoded with the rule's `charset`; "" when it cannot be fetched.
   virtual std::u16string Fetch(std::u16string_view url, std::u16string_view charset) = 0;
+  // Why the last Fetch gave no page (the fetcher's words); "" when it gave one.
+  virtual std::string why() const { return {}; }
 };
 
 // One gathered entry of an ID site, ready to store.
@@ -41,9 +43,11 @@ class FactoryPages : public PageSource {
  public:
   explicit FactoryPages(const ObjectFactory& factory) : factory_(factory) {}
   std::u16string Fetch(std::u16string_view url, std::u16string_view charset) override;
+  std::string why() const override { return why_; }
 
  private:
   const ObjectFactory& factory_;
+  std::string why_;
 };
 
 // Records through the shared record store (lookup and insert or refresh in one transaction).

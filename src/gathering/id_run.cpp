@@ -19,14 +19,23 @@ std::u16string PlusOne(const std::u16string& a) {
 
 }  // namespace
 
-void WriteIdVerification(Response& out, PageSource& pages, const IdRule& rule,
-                         const Variant& idStart, const Variant& idEnd) {
+std::vector<IdTrial> WriteIdVerification(Response& out, PageSource& pages, const IdRule& rule,
+                                         const Variant& idStart, const Variant& idEnd) {
   const double from = CDbl(idStart), to = CDbl(idEnd);
   IdExtractor extractor;
+  std::vector<IdTrial> trials;
   for (double n = from; n <= to; n += 1) {
-    const std::u16string address = IdPageAddress(rule.gather_url, CStr(Variant(n)));
+    IdTrial& trial = trials.emplace_back();
+    trial.id = CStr(Variant(n));
+    const std::u16string address = IdPageAddress(rule.gather_url, trial.id);
+    trial.address = address;
     const std::u16string page = pages.Fetch(address, rule.charset);
+    trial.why = page.empty() ? pages.why() : "";
     const IdEntry entry = extractor.Extract(page, rule);
+    trial.outcome = !trial.why.empty()    ? IdTrial::Outcome::Failed
+                    : entry.noData        ? IdTrial::Outcome::NoData
+                    : entry.title.empty() ? IdTrial::Outcome::Untitled
+                                          : IdTrial::Outcome::Titled;
     if (entry.noData) {
       out.Write(u"找不到相关数据<br>" + HtmlText(address) + u"<br><br>");
     } else {
@@ -34,6 +43,7 @@ void WriteIdVerification(Response& out, PageSource& pages, const IdRule& rule,
                 HtmlText(address) + u"<br><br>");
     }
   }
+  return trials;
 }
 
 std::u16string CompletedRange(const IdRunStep& step) {

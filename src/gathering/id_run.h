@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/variant.h"
 #include "frame/markup.h"
@@ -19,9 +20,15 @@ namespace ostrakan::gathering {
 // The test of a rule over IDs idStart .. idEnd (taken as numbers; text that is not a number
 // raises type mismatch before anything is fetched): per ID, "找不到相关数据<br>" and the
 // address for a page without data, else the title, the description and the address, each
-// line ended by "<br>" and the entry by "<br>". Nothing is stored.
-void WriteIdVerification(Response& out, PageSource& pages, const IdRule& rule,
-                         const Variant& idStart, const Variant& idEnd);
+// line ended by "<br>" and the entry by "<br>". Nothing is stored. Returns what each ID gave.
+struct IdTrial {
+  enum class Outcome { Titled, NoData, Untitled, Failed };
+  std::u16string id, address;
+  Outcome outcome = Outcome::Titled;
+  std::string why;  // for Failed: the fetcher's words
+};
+std::vector<IdTrial> WriteIdVerification(Response& out, PageSource& pages, const IdRule& rule,
+                                         const Variant& idStart, const Variant& idEnd);
 
 // The state of an ID run as the address of each step carries it (texts as received).
 struct IdRunStep {

@@ -38,6 +38,8 @@ test('an ID rule is added, tested, run over 1 to 4, and its range and records ar
   const shown = await popup.content();
   assert.match(shown, /kung fu 功夫 2<br>kung fu 功夫 2<br>http:\/\/127\.0\.0\.1:\d+\/play\/2\.html<br>/);
   assert.match(shown, /找不到相关数据<br>http:\/\/127\.0\.0\.1:\d+\/play\/3\.html/);
+  assert.match(await popup.textContent('p.summary'), /编号 2：找到标题.*编号 3：找不到相关数据.*共 1 个编号找到标题。/s);
+  await screenshot(popup, 'id-rule-test');
   await popup.close();
 
   // The run walks 1, 2 and 3 by itself, a second apart; 4 only ends it.

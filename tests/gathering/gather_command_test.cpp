@@ -42,6 +42,7 @@ class GatherCommand : public testing::GatheringSite {
       return 2;
     }
     options->retryPauseMs = 10;
+    options->fetcher = fetcher;
     std::ostringstream o, e;
     const int rc = engine::RunGather(*options, o, e);
     said = e.str() + o.str();
@@ -49,6 +50,7 @@ class GatherCommand : public testing::GatheringSite {
   }
 
   std::string listRule, idRule, said;
+  std::shared_ptr<http::Fetcher> fetcher;  // the libcurl fetcher when null
 };
 
 TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
@@ -195,6 +197,36 @@ TEST_F(GatherCommand, ANulInARemoteTitleDoesNotStopTheRun) {
   EXPECT_NE(said.find("\"inserted\":8,\"updated\":0,\"no_results\":0,\"failed\":0"), npos);
   EXPECT_EQ(Value("select title from db order by id limit 1"),
             "video 影片 1-1");  // the NUL left out
+}
+
+// A remote site at a public address may not send the gatherer to a private one: the page is
+// failed with the reason and the private address is never asked. (Every fixture is on loopback,
+// so the fetcher is told to take one site's port for a public address.) A rule whose own
+// address is private, an intranet site, follows the same redirect.
+TEST_F(GatherCommand, ARedirectFromAPublicSiteToAPrivateAddressIsRefused) {
+  testing::RemoteSite outside;
+  const std::string base = outside.Url("");
+  const int publicPort = std::stoi(base.substr(base.rfind(':') + 1));
+  outside.Set("/r/1.html", {302, "", {"Location: " + remote.Url("/r/1.html")}});
+  const std::string rule = testing::InsertFixtureRule(db, outside.Url("/r/[page].html"));
+  http::FetchLimits limits;
+  limits.isPrivate = [publicPort](const sockaddr* a) {
+    return ntohs(reinterpret_cast<const sockaddr_in*>(a)->sin_port) != publicPort;
+  };
+  fetcher = http::MakeCurlFetcher(limits);
+  EXPECT_EQ(Run({"list", rule, "--pages", "1-1", "--retries", "0", "--json"}), 0);
+  EXPECT_NE(said.find("page 1 failed: " + outside.Url("/r/1.html") +
+                      ": refused redirect from a public address to a private one\n"),
+            npos)
+      << said;
+  EXPECT_TRUE(said.ends_with("\"failed\":1,\"unmatched\":0}\n")) << said;
+  EXPECT_EQ(Asked("/r/1.html"), 0);
+  EXPECT_EQ(Value("select count(*) from db"), "0");
+
+  fetcher = nullptr;  // 127.0.0.1 is private: the rule is an intranet site's
+  EXPECT_EQ(Run({"list", rule, "--pages", "1-1", "--json"}), 0);
+  EXPECT_EQ(Asked("/r/1.html"), 1);
+  EXPECT_EQ(Value("select count(*) from db"), "4");
 }
 
 }  // namespace

@@ -22,12 +22,14 @@ constexpr char kUserAgent[] =
 // to a private one (a redirect, or a name that resolves differently the second time), so that
 // a remote site cannot make the gatherer read the machine's own or its network's services.
 struct Destinations {
+  const std::function<bool(const sockaddr*)>* isPrivate;
   bool started = false, startedPublic = false, refused = false;
 };
 
 curl_socket_t OpenSocket(void* user, curlsocktype, curl_sockaddr* address) {
   auto* d = static_cast<Destinations*>(user);
-  const bool isPrivate = IsPrivateAddress(&address->addr);
+  const bool isPrivate =
+      *d->isPrivate ? (*d->isPrivate)(&address->addr) : IsPrivateAddress(&address->addr);
   if (!d->started) {
     d->started = true;
     d->startedPublic = !isPrivate;
@@ -80,7 +82,7 @@ class CurlFetcher : public Fetcher {
       return result;
     }
     Sink sink{&result.body, limits_.maxBodyBytes};
-    Destinations destinations;
+    Destinations destinations{&limits_.isPrivate};
     curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, OpenSocket);
     curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, &destinations);
     curl_easy_setopt(curl, CURLOPT_URL, address.c_str());

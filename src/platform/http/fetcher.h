@@ -3,7 +3,10 @@
 // with SetDefaultFetcher, so that the XML HTTP objects created afterwards use it.
 #pragma once
 
+#include <sys/socket.h>
+
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,6 +21,9 @@ struct FetchLimits {
   long totalTimeoutMs = 120000;
   size_t maxBodyBytes = 16u << 20;  // after decompression; checked while receiving
   long maxRedirects = 10;
+  // Which addresses count as private; IsPrivateAddress when unset. Tests, whose sites are all
+  // on loopback, set it to take one of them for a public site.
+  std::function<bool(const sockaddr*)> isPrivate;
 };
 
 struct FetchResult {

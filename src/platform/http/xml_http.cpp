@@ -24,12 +24,16 @@ void XmlHttp::Open(std::u16string_view method, std::u16string_view address, bool
   readyState_ = 1;
   status_ = 0;
   body_.clear();
+  error_.clear();
 }
 
 void XmlHttp::Send() {
   if (readyState_ != 1) throw ScriptError(-1072896750, u"The object is not opened");
   FetchResult r = fetcher_->Get(address_);
-  if (!r.completed) return;
+  if (!r.completed) {
+    error_ = std::move(r.error);
+    return;
+  }
   status_ = r.status;
   body_ = std::move(r.body);
   readyState_ = 4;

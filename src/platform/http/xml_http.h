@@ -27,6 +27,8 @@ class XmlHttp : public Object {
   long status() const { return status_; }
   Bytes ResponseBody() const { return Bytes(body_.begin(), body_.end()); }
   const std::string& body() const { return body_; }
+  // Why the last Send got no answer (the fetcher's words); "" after an answer.
+  const std::string& error() const { return error_; }
 
  private:
   std::shared_ptr<Fetcher> fetcher_;
@@ -34,6 +36,7 @@ class XmlHttp : public Object {
   int readyState_ = 0;
   long status_ = 0;
   std::string body_;
+  std::string error_;
 };
 
 // The four ProgIDs, newest first: the order in which a page tries them.

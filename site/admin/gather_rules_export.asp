@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Class180" %><% InitFunction1 %><% InitFunction2 %><% InitFunction3 %>

@@ -1,0 +1,1 @@
+<%@ Component="Ostrakan.Class182" %><% InitFunction1 %><% InitFunction2 %><% InitFunction3 %>

@@ -1,0 +1,138 @@
+// The pages of unattended gathering in Chromium, against a fixture video site: schedules added,
+// edited and removed; runs queued, stopped and their failed pages queued again; rules exported
+// as a file, imported after a preview; a rule tried with a typed keyword in its test pop-up.
+import { test } from 'node:test';
+import assert from 'node:assert/strict';
+import { execFile } from 'node:child_process';
+import { readFileSync } from 'node:fs';
+import { promisify } from 'node:util';
+import { useSite, screenshot } from './harness.mjs';
+
+// Result page n of the fixture site: three entries, UTF-8; page 2 fails until `healed`.
+let healed = false;
+function answer(url) {
+  const n = /^\/s\/(\d+)\.html/.exec(url)?.[1];
+  if (!n) return [404, 'text/plain', 'missing'];
+  if (n === '2' && !healed) return [500, 'text/plain', 'down'];
+  const entries = [1, 2, 3].map((i) => `<li class="v"><a href="v/${n}-${i}.html" title="x">功夫 Movie ${n}-${i}</a><p>第 ${i} 集</p></li>`);
+  return [200, 'text/html; charset=utf-8', `<html><body><ul>${entries.join('\n')}</ul></body></html>`];
+}
+
+const fixture = useSite({ answer });
+// Runs the ostrakan command (without blocking: the fixture site answers from this process).
+const ostrakan = async (...args) => (await promisify(execFile)(process.env.OSTRAKAN_BINARY, args)).stdout;
+
+// A list rule for the fixture site, added straight to the database; its id.
+function addRule(name) {
+  const { site, remote } = fixture;
+  site.sql(`insert into gather_list_web (web, url, gather_url, next_page, charset, error_html, cyc_border,
+    cyc_border_sn, image_start, image_end, url_start, url_end, url_filtration, v_url, title_start, title_end,
+    title_filtration, content_start, content_end, content_filtration) values ('${name}', 'http://remote.test/',
+    '${remote.base}/s/[page].html?q=[keyword]', '1', 'utf-8', '<div class="none">', '<li class="v">', '1', '', '',
+    '<a href="', '" title', '', 'http://remote.test/', 'title="x">', '</a>', '', '<p>', '</p>', '');`);
+  return site.sql('select max(id) from gather_list_web;');
+}
+
+test('the schedule page adds, refuses, edits and removes a schedule', async () => {
+  const { site, page } = fixture;
+  const rule = addRule('定时站');
+  await page.goto(`${site.base}/admin/gather_schedule.asp`);
+  assert.match(await page.content(), /还没有定时采集/);
+  await page.fill('[name=rule_id]', rule);
+  await page.fill('[name=keywords]', '功夫\n喜剧');
+  await page.fill('[name=pages]', '5-1');
+  await page.fill('[name=every]', '6h');
+  await Promise.all([page.waitForLoadState('load'), page.click('input[type=submit]')]);
+  assert.match(await page.textContent('#said'), /页码范围应写成 1-5，没有保存。/);
+  assert.equal(await page.inputValue('[name=rule_id]'), rule);  // what was typed is kept
+  await page.fill('[name=pages]', '1-2');
+  await Promise.all([page.waitForLoadState('load'), page.click('input[type=submit]')]);
+  assert.match(await page.textContent('#said'), /已添加定时采集 1/);
+  assert.match(await page.textContent('#schedules'), /列表采集 \d+功夫 喜剧 第 1-2 页每 6h/);
+  assert.equal(site.sql('select count(*) from gather_schedule;'), '1');
+
+  await Promise.all([page.waitForLoadState('load'), page.click('#schedules a:text-is("修改")')]);
+  assert.equal(await page.inputValue('[name=every]'), '6h');
+  assert.equal(await page.inputValue('[name=keywords]'), '功夫\n喜剧\n');
+  await page.fill('[name=every]', '');
+  await page.fill('[name=cron]', '30 2 * * *');
+  await Promise.all([page.waitForLoadState('load'), page.click('input[type=submit]')]);
+  assert.match(await page.textContent('#said'), /已保存定时采集 1/);
+  assert.match(await page.textContent('#schedules'), /定时 30 2 \* \* \*/);
+  assert.match(await ostrakan('schedule', '--site', site.site, 'list'), /功夫/);
+  await screenshot(page, 'schedule-page');
+
+  await Promise.all([page.waitForLoadState('load'), page.click('#schedules a:text-is("删除")')]);
+  assert.match(await page.textContent('#said'), /已删除定时采集 1/);
+  assert.match(await page.content(), /还没有定时采集/);
+});
+
+test('the runs page shows queued and failed runs, stops one and queues failed pages again', async () => {
+  const { site, page } = fixture;
+  const rule = addRule('记录站');
+  const queue = async (word) => JSON.parse(await ostrakan('gather', '--site', site.site, 'list', rule, '--keyword', word,
+    '--pages', '1-3', '--delay-ms', '0', '--retries', '0', '--queue', '--json')).run;
+  const failing = await queue('功夫');
+  await ostrakan('worker', '--site', site.site, '--once');
+  const waiting = await queue('喜剧');
+
+  await page.goto(`${site.base}/admin/gather_run_list.asp`);
+  const rowOf = (run) => page.locator('#runs tr', { has: page.locator(`td:text-is("${run}")`) });
+  assert.match(await rowOf(waiting).textContent(), /喜剧（第 1-3 页）等待中0\/3/);
+  assert.match(await rowOf(failing).textContent(), /功夫（第 1-3 页）完成（有失败）3\/360010/);
+  await screenshot(page, 'runs-page');
+
+  await Promise.all([page.waitForLoadState('load'), rowOf(waiting).locator('a:text-is("停止")').click()]);
+  assert.match(await page.textContent('#done'), new RegExp(`已停止采集任务 ${waiting}`));
+  assert.match(await rowOf(waiting).textContent(), /已停止/);
+
+  healed = true;
+  await Promise.all([page.waitForLoadState('load'), rowOf(failing).locator('a:text-is("重新采集失败页面")').click()]);
+  assert.match(await page.textContent('#done'), /已重新排队失败的页面：1/);
+  await ostrakan('worker', '--site', site.site, '--once');
+  await page.goto(`${site.base}/admin/gather_run_list.asp`);
+  assert.match(await rowOf(failing).textContent(), /完成3\/39/);
+  assert.equal(site.sql(`select count(*) from db where source = '记录站';`), '9');
+});
+
+test('rules are exported, previewed and imported, and tried with a typed keyword', async () => {
+  const { site, remote, context, page, dialogs, dialogAfter } = fixture;
+  const rule = addRule('导出站 "甲"');
+  await page.goto(`${site.base}/admin/gather_list_web_manage.asp`);
+  await page.check(`input[name=id][value="${rule}"]`);
+  const [download] = await Promise.all([page.waitForEvent('download'), page.click('input[value=导出选中的规则]')]);
+  assert.equal(download.suggestedFilename(), 'ostrakan-list-rules.json');
+  const file = await download.path();
+  const exported = JSON.parse(readFileSync(file, 'utf8'));
+  assert.equal(exported.rules.length, 1);
+  assert.equal(exported.rules[0].web, '导出站 "甲"');
+
+  await page.setInputFiles('input[name=file]', file);
+  await Promise.all([page.waitForURL(/gather_rules_import\.asp/), page.click('input[value=预览导入]')]);
+  assert.match(await page.textContent('table.list'), /列表采集导出站 "甲"/);
+  await screenshot(page, 'rules-import-preview');
+  const before = site.sql('select count(*) from gather_list_web;');
+  const count = dialogs.length;
+  await page.click('input[value=确认导入]');
+  assert.equal(await dialogAfter(count), '导入成功！共添加 1 条规则。');
+  await page.waitForURL(/gather_list_web_manage\.asp/);
+  assert.equal(site.sql('select count(*) from gather_list_web;'), String(Number(before) + 1));
+  assert.equal(site.sql(`select count(*) from gather_list_web where web = '导出站 "甲"';`), '2');
+  await screenshot(page, 'rule-list');
+
+  // The test pop-up of the new rule: a typed keyword and pages, each page summed up.
+  const [popup] = await Promise.all([context.waitForEvent('page'), page.click('span:text-is("测试") >> nth=0')]);
+  await popup.waitForLoadState('load');
+  await popup.fill('input[name=keyword]', '喜剧 片');
+  await popup.fill('input[name=Page_End]', '2');
+  healed = false;
+  await Promise.all([popup.waitForURL(/Page_End=2/), popup.click('input[value="测 试"]')]);
+  const summary = await popup.textContent('p.summary');
+  assert.match(summary, /第 1 页：匹配 3 条/);
+  assert.match(summary, /第 2 页：未能取得页面（远程网站回答状态 500）/);
+  assert.match(summary, /共匹配 3 条。/);
+  assert.equal(await popup.inputValue('input[name=keyword]'), '喜剧 片');
+  assert.ok(remote.asked.includes('/s/1.html?q=%E5%96%9C%E5%89%A7+%E7%89%87'), remote.asked.join(' '));
+  await screenshot(popup, 'list-rule-test');
+  await popup.close();
+});
