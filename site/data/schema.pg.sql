@@ -213,9 +213,11 @@ CREATE INDEX IF NOT EXISTS sign_in_failure_address ON sign_in_failure (address, 
 -- at the records that hold every character pair of its word instead of reading all of db.
 -- A text's keys are its characters and its pairs of neighbouring characters, taken from the
 -- text lower-cased by lower(), as LIKE on citext compares (so a word matches a record only
--- if the record has the word's keys). A character is its code point cut to 16 bits, a pair
--- the first in the high half; a key that two texts share by that cut only offers a record the
--- search then drops, for the search checks every record it is offered with LIKE itself.
+-- if the record has the word's keys). A character's key is its code point cut to 16 bits; a
+-- pair's is the two codes folded into 18 bits, which keeps the GIN index about half as large
+-- and cheaper to add to than one key per distinct pair. A key that two texts share by the cut
+-- or the fold only offers a record that the search then drops, for the search checks every
+-- record it is offered with LIKE itself.
 CREATE OR REPLACE FUNCTION db_gram_codes(s text) RETURNS integer[]
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $$
   SELECT ARRAY(SELECT ascii(c) & 65535 FROM unnest(string_to_array(lower(s), NULL)) AS c)
@@ -228,6 +230,7 @@ DECLARE
   codes integer[];
   keys integer[] := '{}';
   n integer;
+  pair integer;
 BEGIN
   FOR field IN 1 .. 2 LOOP
     codes := db_gram_codes(CASE field WHEN 1 THEN title ELSE content END);
@@ -235,7 +238,8 @@ BEGIN
     FOR i IN 1 .. n LOOP
       keys := keys || codes[i];
       IF i < n THEN
-        keys := keys || ((codes[i] << 16) | codes[i + 1]);
+        pair := (codes[i] << 16) | codes[i + 1];
+        keys := keys || ((pair # (pair >> 13)) & 262143);
       END IF;
     END LOOP;
   END LOOP;
@@ -250,12 +254,14 @@ LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $$
 DECLARE
   codes integer[] := db_gram_codes(s);
   keys integer[] := '{}';
+  pair integer;
 BEGIN
   IF cardinality(codes) = 1 THEN
     RETURN codes;
   END IF;
   FOR i IN 1 .. cardinality(codes) - 1 LOOP
-    keys := keys || ((codes[i] << 16) | codes[i + 1]);
+    pair := (codes[i] << 16) | codes[i + 1];
+    keys := keys || ((pair # (pair >> 13)) & 262143);
   END LOOP;
   RETURN keys;
 END
