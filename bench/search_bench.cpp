@@ -1,10 +1,13 @@
-// The record index at scale (1,000,000 records unless OSTRAKAN_BENCH_RECORDS says otherwise):
+// The record index at scale (1,000,000 records unless OSTRAKAN_BENCH_RECORDS says otherwise),
+// on SQLite (BM_Search..., BM_Store..., BM_IndexRebuild) and on PostgreSQL (BM_Pg...; a
+// throwaway cluster that the bench starts and removes) with the same records:
 // a search (count and first page of 20) by a two-character Chinese word, a three-character
 // word and a rare Latin word through the index against the LIKE scan on the same data; storing
 // one gathered entry with the index (taking it into the index included) against a copy of
 // the database without it; the time of a
 // rebuild and the index's size against the table's (counters of BM_IndexRebuild).
 #include <benchmark/benchmark.h>
+#include <libpq-fe.h>
 #include <sqlite3.h>
 
 #include <cstdlib>
@@ -39,6 +42,25 @@ std::string RandomText(std::mt19937& random, int length) {
   return ToUtf8(text);
 }
 
+long RecordCount() {
+  const char* n = std::getenv("OSTRAKAN_BENCH_RECORDS");
+  return n ? std::atol(n) : 1000000;
+}
+
+// The generated records, the same on both databases: Calls add(title, content, url) for each.
+template <typename Add>
+void GenerateRecords(long records, Add&& add) {
+  std::mt19937 random(7);
+  for (long i = 1; i <= records; ++i) {
+    std::string title = RandomText(random, 8 + random() % 12);
+    if (i % 100 == 0) title += ToUtf8(kWords[0]);         // 1 record in 100
+    if (i % 1000 == 0) title += ToUtf8(kWords[1]);        // 1 in 1,000
+    if (i % (records / 10) == 0) title += " Zebrafish ";  // 10 records
+    const std::string content = RandomText(random, 30 + random() % 60);
+    add(title, content, "v.test/play/" + std::to_string(i) + ".html");
+  }
+}
+
 double PagesOf(sqlite3* db, const char* what) {
   sqlite3_stmt* s;
   sqlite3_prepare_v2(db, what, -1, &s, nullptr);
@@ -62,8 +84,7 @@ struct Data {
   std::shared_ptr<ado::Connection> indexed, unindexed;
 
   Data() {
-    const char* n = std::getenv("OSTRAKAN_BENCH_RECORDS");
-    records = n ? std::atol(n) : 1000000;
+    records = RecordCount();
     sqlite3* db;
     sqlite3_open(site.database().c_str(), &db);
     // The records go in without the index's triggers; the rebuild below indexes them all.
@@ -73,20 +94,14 @@ struct Data {
                        "insert into db (title, content, url, source, source_url) "
                        "values (?, ?, ?, 'src', 'src.test')",
                        -1, &insert, nullptr);
-    std::mt19937 random(7);
-    for (long i = 1; i <= records; ++i) {
-      std::string title = RandomText(random, 8 + random() % 12);
-      if (i % 100 == 0) title += ToUtf8(kWords[0]);         // 1 record in 100
-      if (i % 1000 == 0) title += ToUtf8(kWords[1]);        // 1 in 1,000
-      if (i % (records / 10) == 0) title += " Zebrafish ";  // 10 records
-      const std::string content = RandomText(random, 30 + random() % 60);
-      const std::string url = "v.test/play/" + std::to_string(i) + ".html";
-      sqlite3_bind_text(insert, 1, title.c_str(), -1, SQLITE_TRANSIENT);
-      sqlite3_bind_text(insert, 2, content.c_str(), -1, SQLITE_TRANSIENT);
-      sqlite3_bind_text(insert, 3, url.c_str(), -1, SQLITE_TRANSIENT);
-      sqlite3_step(insert);
-      sqlite3_reset(insert);
-    }
+    GenerateRecords(
+        records, [&](const std::string& title, const std::string& content, const std::string& url) {
+          sqlite3_bind_text(insert, 1, title.c_str(), -1, SQLITE_TRANSIENT);
+          sqlite3_bind_text(insert, 2, content.c_str(), -1, SQLITE_TRANSIENT);
+          sqlite3_bind_text(insert, 3, url.c_str(), -1, SQLITE_TRANSIENT);
+          sqlite3_step(insert);
+          sqlite3_reset(insert);
+        });
     sqlite3_finalize(insert);
     Exec(db, "commit; PRAGMA wal_checkpoint(TRUNCATE)");
     const double pageMiB = PagesOf(db, "PRAGMA page_size") / 1048576;
@@ -128,11 +143,93 @@ Data& Shared() {
   return data;
 }
 
-void Search(benchmark::State& state, bool useIndex) {
-  Data& d = Shared();
+// The same records on PostgreSQL, in a database of a throwaway cluster; `plain` is a copy
+// without the index (its table and triggers dropped).
+struct PgData {
+  std::unique_ptr<testing::TestSite> site;
+  fsys::path plain;
+  long records = 0;
+  double tableMiB = 0, indexMiB = 0, rebuildSeconds = 0;
+  std::shared_ptr<ado::Connection> indexed, unindexed;
+
+  static void Run(PGconn* pg, const std::string& sql) {
+    PGresult* r = PQexec(pg, sql.c_str());
+    const ExecStatusType status = PQresultStatus(r);
+    const std::string error = PQresultErrorMessage(r);
+    PQclear(r);
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK && status != PGRES_COPY_IN)
+      throw std::runtime_error("bench SQL failed: " + error);
+  }
+  static double MiB(PGconn* pg, const char* relation) {
+    PGresult* r =
+        PQexec(pg, ("select pg_total_relation_size('" + std::string(relation) + "')").c_str());
+    const double bytes = std::atof(PQgetvalue(r, 0, 0));
+    PQclear(r);
+    return bytes / 1048576;
+  }
+
+  PgData() {
+    records = RecordCount();
+    setenv("OSTRAKAN_TEST_DATABASE", "postgresql", 1);
+    site = std::make_unique<testing::TestSite>();
+    unsetenv("OSTRAKAN_TEST_DATABASE");
+    const std::string uri = *ado::ServerAddressIn(site->database());
+    const std::size_t at = uri.find(":///") + 4;  // postgresql:///NAME?host=...
+    const std::string name = uri.substr(at, uri.find('?') - at);
+    PGconn* pg = PQconnectdb(uri.c_str());
+    // The records go in without the index's trigger; the rebuild below indexes them all.
+    Run(pg, "alter table db disable trigger db_gram_sync");
+    Run(pg, "copy db (title, content, url, source, source_url) from stdin");
+    std::string batch;
+    GenerateRecords(
+        records, [&](const std::string& title, const std::string& content, const std::string& url) {
+          batch += title + '\t' + content + '\t' + url + "\tsrc\tsrc.test\n";
+          if (batch.size() > (1 << 20)) {
+            PQputCopyData(pg, batch.data(), static_cast<int>(batch.size()));
+            batch.clear();
+          }
+        });
+    PQputCopyData(pg, batch.data(), static_cast<int>(batch.size()));
+    PQputCopyEnd(pg, nullptr);
+    PQclear(PQgetResult(pg));
+    Run(pg, "alter table db enable trigger db_gram_sync");
+    Run(pg, "vacuum analyze db");
+    tableMiB = MiB(pg, "db");
+
+    indexed = Data::Open(site->database());
+    const auto start = std::chrono::steady_clock::now();
+    search::RebuildRecordIndex(*indexed);
+    rebuildSeconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    indexMiB = MiB(pg, "db_gram");
+    PQfinish(pg);
+
+    // A copy without the index: every session of the original closed first.
+    indexed.reset();
+    ado::DropIdleServerSessions();
+    const std::string copy = name + "_plain";
+    testing::ServerSql(testing::ServerUri("postgres"),
+                       "create database " + copy + " template " + name);
+    testing::ServerSql(testing::ServerUri(copy),
+                       "drop trigger db_gram_sync on db; drop trigger db_gram_clear on db; "
+                       "drop table db_gram");
+    plain = site->root() / "data/plain.addr";
+    std::ofstream(plain) << testing::ServerUri(copy) << "\n";
+    indexed = Data::Open(site->database());
+    unindexed = Data::Open(plain);
+  }
+};
+
+PgData& PgShared() {
+  static PgData data;
+  return data;
+}
+
+void Search(benchmark::State& state, ado::Connection& conn, bool useIndex) {
   const std::u16string& word = kWords[state.range(0)];
   const Variant w(word);
-  search::Condition c = search::ContainsWord(word, search::Fields::TitleOrContent);
+  search::Condition c =
+      search::ContainsWord(word, search::Fields::TitleOrContent, search::RecordIndexOf(conn));
   if (!useIndex) {
     c.where = u"where (title like '%' || ? || '%' or content like '%' || ? || '%')";
     c.params = {w, w};
@@ -141,8 +238,8 @@ void Search(benchmark::State& state, bool useIndex) {
   }
   double found = 0;
   for (auto _ : state) {
-    found = CDbl(d.indexed->Execute(c.count, c.countParams)->FieldAt(0));
-    auto rs = d.indexed->Execute(
+    found = CDbl(conn.Execute(c.count, c.countParams)->FieldAt(0));
+    auto rs = conn.Execute(
         u"select id,title,content,source,time from db " + c.where + u" order by id desc limit 20",
         c.params);
     for (; !rs->Eof(); rs->MoveNext()) benchmark::DoNotOptimize(rs->FieldAt(1));
@@ -152,13 +249,21 @@ void Search(benchmark::State& state, bool useIndex) {
 }
 
 void BM_SearchIndexed(benchmark::State& state) {
-  Search(state, true);
+  Search(state, *Shared().indexed, true);
 }
 void BM_SearchLike(benchmark::State& state) {
-  Search(state, false);
+  Search(state, *Shared().indexed, false);
 }
 BENCHMARK(BM_SearchIndexed)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SearchLike)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
+void BM_PgSearchIndexed(benchmark::State& state) {
+  Search(state, *PgShared().indexed, true);
+}
+void BM_PgSearchLike(benchmark::State& state) {
+  Search(state, *PgShared().indexed, false);
+}
+BENCHMARK(BM_PgSearchIndexed)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PgSearchLike)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 
 // One gathered entry (a new link, a title and a description of typical length) stored with
 // the duplicate test and insert of a gathering run.
@@ -183,6 +288,14 @@ void BM_StoreWithoutIndex(benchmark::State& state) {
 }
 BENCHMARK(BM_StoreWithoutIndex)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_StoreWithIndex)->Unit(benchmark::kMicrosecond);
+void BM_PgStoreWithIndex(benchmark::State& state) {
+  Store(state, *PgShared().indexed);
+}
+void BM_PgStoreWithoutIndex(benchmark::State& state) {
+  Store(state, *PgShared().unindexed);
+}
+BENCHMARK(BM_PgStoreWithoutIndex)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_PgStoreWithIndex)->Unit(benchmark::kMicrosecond);
 
 void BM_IndexRebuild(benchmark::State& state) {
   Data& d = Shared();
@@ -193,5 +306,15 @@ void BM_IndexRebuild(benchmark::State& state) {
   state.counters["index_MiB"] = d.indexMiB;
 }
 BENCHMARK(BM_IndexRebuild)->Iterations(1);
+
+void BM_PgIndexRebuild(benchmark::State& state) {
+  PgData& d = PgShared();
+  for (auto _ : state) benchmark::DoNotOptimize(d.records);
+  state.counters["records"] = static_cast<double>(d.records);
+  state.counters["rebuild_s"] = d.rebuildSeconds;
+  state.counters["table_MiB"] = d.tableMiB;
+  state.counters["index_MiB"] = d.indexMiB;
+}
+BENCHMARK(BM_PgIndexRebuild)->Iterations(1);
 
 }  // namespace

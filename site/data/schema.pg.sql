@@ -242,3 +242,103 @@ CREATE TABLE IF NOT EXISTS sign_in_failure (
   at timestamp(0) NOT NULL
 );
 CREATE INDEX IF NOT EXISTS sign_in_failure_address ON sign_in_failure (address, at);
+
+-- The record index: the keys of every record's title and description, so that a search looks
+-- at the records that hold every character pair of its word instead of reading all of db.
+-- A text's keys are its characters and its pairs of neighbouring characters, taken from the
+-- text lower-cased by lower(), as LIKE on citext compares (so a word matches a record only
+-- if the record has the word's keys). A character's key is its code point cut to 16 bits; a
+-- pair's is the two codes folded into 18 bits, which keeps the GIN index about half as large
+-- and cheaper to add to than one key per distinct pair. A key that two texts share by the cut
+-- or the fold only offers a record that the search then drops, for the search checks every
+-- record it is offered with LIKE itself.
+CREATE OR REPLACE FUNCTION db_gram_codes(s text) RETURNS integer[]
+LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $$
+  SELECT ARRAY(SELECT ascii(c) & 65535 FROM unnest(string_to_array(lower(s), NULL)) AS c)
+$$;
+
+-- The keys of a record (a key may occur twice; the index takes it once).
+CREATE OR REPLACE FUNCTION db_gram_keys(title text, content text) RETURNS integer[]
+LANGUAGE plpgsql IMMUTABLE PARALLEL SAFE AS $$
+DECLARE
+  codes integer[];
+  keys integer[] := '{}';
+  n integer;
+  pair integer;
+BEGIN
+  FOR field IN 1 .. 2 LOOP
+    codes := db_gram_codes(CASE field WHEN 1 THEN title ELSE content END);
+    n := coalesce(cardinality(codes), 0);
+    FOR i IN 1 .. n LOOP
+      keys := keys || codes[i];
+      IF i < n THEN
+        pair := (codes[i] << 16) | codes[i + 1];
+        keys := keys || ((pair # (pair >> 13)) & 262143);
+      END IF;
+    END LOOP;
+  END LOOP;
+  RETURN keys;
+END
+$$;
+
+-- The keys that a text holding the literal piece `s` of a word must have: its pairs, or its
+-- one character.
+CREATE OR REPLACE FUNCTION db_gram_word(s text) RETURNS integer[]
+LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $$
+DECLARE
+  codes integer[] := db_gram_codes(s);
+  keys integer[] := '{}';
+  pair integer;
+BEGIN
+  IF cardinality(codes) = 1 THEN
+    RETURN codes;
+  END IF;
+  FOR i IN 1 .. cardinality(codes) - 1 LOOP
+    pair := (codes[i] << 16) | codes[i + 1];
+    keys := keys || ((pair # (pair >> 13)) & 262143);
+  END LOOP;
+  RETURN keys;
+END
+$$;
+
+-- One row per record of db; kept in step by the triggers below, whatever writes db.
+CREATE TABLE IF NOT EXISTS db_gram (
+  id integer PRIMARY KEY,
+  grams integer[] NOT NULL
+);
+CREATE INDEX IF NOT EXISTS db_gram_grams ON db_gram USING gin (grams);
+
+CREATE OR REPLACE FUNCTION db_gram_sync() RETURNS trigger
+LANGUAGE plpgsql AS $$
+BEGIN
+  IF TG_OP = 'UPDATE' AND NEW.id = OLD.id AND NEW.title IS NOT DISTINCT FROM OLD.title
+     AND NEW.content IS NOT DISTINCT FROM OLD.content THEN
+    RETURN NULL;  -- equal as citext: the same lower-cased text, the same keys
+  END IF;
+  IF TG_OP = 'DELETE' OR (TG_OP = 'UPDATE' AND NEW.id <> OLD.id) THEN
+    DELETE FROM db_gram WHERE id = OLD.id;
+  END IF;
+  IF TG_OP <> 'DELETE' THEN
+    INSERT INTO db_gram (id, grams) VALUES (NEW.id, db_gram_keys(NEW.title, NEW.content))
+    ON CONFLICT (id) DO UPDATE SET grams = EXCLUDED.grams;
+  END IF;
+  RETURN NULL;
+END
+$$;
+CREATE OR REPLACE TRIGGER db_gram_sync AFTER INSERT OR DELETE OR UPDATE OF id, title, content
+ON db FOR EACH ROW EXECUTE FUNCTION db_gram_sync();
+
+CREATE OR REPLACE FUNCTION db_gram_clear() RETURNS trigger
+LANGUAGE plpgsql AS $$
+BEGIN
+  TRUNCATE db_gram;
+  RETURN NULL;
+END
+$$;
+CREATE OR REPLACE TRIGGER db_gram_clear AFTER TRUNCATE ON db
+FOR EACH STATEMENT EXECUTE FUNCTION db_gram_clear();
+
+-- The records of a database made before the index.
+INSERT INTO db_gram (id, grams)
+SELECT id, db_gram_keys(title, content) FROM db
+WHERE NOT EXISTS (SELECT 1 FROM db_gram WHERE db_gram.id = db.id);

@@ -42,7 +42,7 @@ void RecordSearch::ReadSearch() {
     search::CatchUp(database);
     condition = search::ContainsWord(
         TextOf(Keyword), field == u"title" ? search::Fields::Title : search::Fields::Content,
-        search::HasRecordIndex(database));
+        search::RecordIndexOf(database));
   } else if (field == u"url") {
     condition.where = u"where url like '%' || ? || '%'";
     condition.params = {Keyword};

@@ -22,14 +22,11 @@ int RunReindex(const ReindexOptions& o, std::ostream& out, std::ostream& err) {
     const SiteSetup setup = LoadSiteSetup(o.site);
     auto conn = std::make_shared<ado::Connection>();
     conn->Open(u"DBQ=" + FromUtf8(setup.DatabasePath(o.site).string()) + u";");
-    if (conn->backend().dialect() != ado::Dialect::kSqlite) {
-      out << "Nothing to rebuild: a site on PostgreSQL searches its records without the "
-             "record index.\n";
-      return 0;
-    }
     if (!search::HasRecordIndex(*conn)) {
-      err << "ostrakan reindex: the database has no record index; apply data/schema.sql of "
-             "this version to it first.\n";
+      err << "ostrakan reindex: the database has no record index; apply "
+          << (conn->backend().dialect() == ado::Dialect::kPostgres ? "data/schema.pg.sql"
+                                                                   : "data/schema.sql")
+          << " of this version to it first.\n";
       return 1;
     }
     records = search::RebuildRecordIndex(*conn);

@@ -46,7 +46,7 @@ int PageNumberOf(std::u16string_view asked) {
 
 Markup SearchResults(ado::Connection& conn, std::u16string_view word, int page) {
   CatchUp(conn);
-  Condition c = ContainsWord(word, Fields::TitleOrContent, HasRecordIndex(conn));
+  Condition c = ContainsWord(word, Fields::TitleOrContent, RecordIndexOf(conn));
   auto count = conn.Execute(c.count, c.countParams);
   const double total = CDbl(count->FieldAt(0));
   count->Close();

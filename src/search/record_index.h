@@ -1,21 +1,26 @@
-// Upkeep of the record index (db_index). Writes to db only note the changed records in
-// db_index_pending (triggers; cheap, and no tokenizer needed); the index takes them in here,
-// many in one transaction, which costs a fraction of indexing each record as it is stored.
-// Searches look at the waiting records directly, so they never miss one.
+// Upkeep of the record index. On SQLite (db_index, FTS5), writes to db only note the changed
+// records in db_index_pending (triggers; cheap, and no tokenizer needed); the index takes them
+// in here, many in one transaction, which costs a fraction of indexing each record as it is
+// stored. Searches look at the waiting records directly, so they never miss one. On
+// PostgreSQL (db_gram, schema.pg.sql) triggers keep the index in step as db is written, and
+// nothing waits.
 #pragma once
 
 #include "platform/ado/connection.h"
+#include "search/record_match.h"
 
 namespace ostrakan::search {
 
 // How many waiting records make a search take them into the index first.
 constexpr long kPendingBatch = 1000;
 
-// Whether the database has the record index: an SQLite database made or brought up to date
-// with this version's schema (PostgreSQL and older SQLite sites search by the plain scan).
-bool HasRecordIndex(ado::Connection& conn);
+// The record index the database has.
+RecordIndex RecordIndexOf(ado::Connection& conn);
+inline bool HasRecordIndex(ado::Connection& conn) {
+  return RecordIndexOf(conn) != RecordIndex::kNone;
+}
 
-// Takes up to `limit` waiting records into the index, in one write transaction, when at
+// Takes up to `limit` waiting records into SQLite's index, in one write transaction, when at
 // least `atLeast` are waiting; returns how many it took.
 long TakeInPending(ado::Connection& conn, long atLeast = 1, long limit = 100000);
 
@@ -24,7 +29,8 @@ long TakeInPending(ado::Connection& conn, long atLeast = 1, long limit = 100000)
 void CatchUp(ado::Connection& conn);
 
 // Rebuilds the index from every row of db, in one transaction (readers see the old index
-// until it commits), and forgets the waiting records. Returns the number of records indexed.
+// until it commits; on PostgreSQL writers to db wait for it), and forgets the waiting
+// records. Returns the number of records indexed.
 long RebuildRecordIndex(ado::Connection& conn);
 
 }  // namespace ostrakan::search

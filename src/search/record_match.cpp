@@ -33,7 +33,40 @@ bool HasLoneSurrogate(std::u16string_view word) {
   return false;
 }
 
+// The PostgreSQL condition: the records whose keys include those of every literal piece (see
+// db_gram_keys in schema.pg.sql), then the LIKE test. The keys are made in the database, by
+// the same lower() as LIKE's.
+void ThroughPairs(Condition& c, const std::vector<std::u16string>& pieces) {
+  std::u16string keys;
+  ado::Params params;
+  for (const std::u16string& piece : pieces) {
+    keys += (keys.empty() ? u"" : u" || ") + std::u16string(u"db_gram_word(?)");
+    params.push_back(Variant(piece));
+  }
+  c.where = u"where id in (select id from db_gram where grams @> (" + keys + u")) and " +
+            c.where.substr(6);
+  c.params.insert(c.params.begin(), params.begin(), params.end());
+  c.count = u"select count(*) as db_count from db " + c.where;
+  c.countParams = c.params;
+}
+
 }  // namespace
+
+std::vector<std::u16string> LiteralPieces(std::u16string_view word) {
+  std::vector<std::u16string> pieces(1);
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    if (word[i] == u'\\') {
+      // The closing '%' is taken literally after a backslash that ends the word.
+      pieces.back() += i + 1 < word.size() ? word[++i] : u'%';
+    } else if (word[i] == u'%' || word[i] == u'_') {
+      if (!pieces.back().empty()) pieces.emplace_back();
+    } else {
+      pieces.back() += word[i];
+    }
+  }
+  if (pieces.back().empty()) pieces.pop_back();
+  return pieces;
+}
 
 std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields fields) {
   // SQLite's LIKE reads its pattern up to a NUL: nothing after one is looked for.
@@ -59,7 +92,7 @@ std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields f
   return phrases;
 }
 
-Condition ContainsWord(std::u16string_view word, Fields fields, bool indexed) {
+Condition ContainsWord(std::u16string_view word, Fields fields, RecordIndex index) {
   const Variant w{std::u16string(word)};
   Condition c;
   switch (fields) {
@@ -80,7 +113,12 @@ Condition ContainsWord(std::u16string_view word, Fields fields, bool indexed) {
   const ado::Params likeParams = c.params;
   c.count = u"select count(*) as db_count from db " + c.where;
   c.countParams = c.params;
-  if (!indexed) return c;
+  if (index == RecordIndex::kPairs) {
+    if (const std::vector<std::u16string> pieces = LiteralPieces(word); !pieces.empty())
+      ThroughPairs(c, pieces);
+    return c;
+  }
+  if (index != RecordIndex::kTokens) return c;
   std::optional<std::u16string> match = MatchExpression(word, fields);
   if (!match) return c;
   // The records the index offers, and those still waiting to be taken into it (one sorted

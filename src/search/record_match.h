@@ -2,13 +2,16 @@
 // index: the index finds the records that hold every literal piece of the word (with the
 // records waiting to be taken into it, see record_index.h), and the LIKE
 // test itself then keeps exactly the rows that the plain scan
-// `title LIKE '%word%' OR content LIKE '%word%'` would keep (SQLite's LIKE: % and _ are
-// wildcards, A-Z match a-z and nothing else folds).
+// `title LIKE '%word%' OR content LIKE '%word%'` would keep. SQLite's LIKE: % and _ are
+// wildcards, A-Z match a-z and nothing else folds. PostgreSQL's LIKE on citext: % and _ are
+// wildcards, a backslash takes the character after it as it is, and both sides are compared
+// lower-cased by lower() (A-Z, and beyond them as the database's locale has it).
 #pragma once
 
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/ado/statement.h"
 
@@ -16,10 +19,18 @@ namespace ostrakan::search {
 
 enum class Fields { TitleOrContent, Title, Content };
 
+// The record index a database has: none (a database made before the index, whose searches
+// scan db), SQLite's token index (db_index) or PostgreSQL's table of character pairs
+// (db_gram).
+enum class RecordIndex { kNone, kTokens, kPairs };
+
 // The FTS5 expression for `word` on db_index: the literal pieces between its wildcards, each
 // a quoted phrase, joined by AND, limited to one column for Title or Content. nullopt when the
 // word has no literal piece (only wildcards, or nothing).
 std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields fields);
+
+// The literal pieces of `word` as PostgreSQL's LIKE reads '%' || word || '%', in order.
+std::vector<std::u16string> LiteralPieces(std::u16string_view word);
 
 // A "where ..." clause of a statement on db and the values bound to its marks, in order; and
 // the statement that counts its rows (one column, db_count) with its values.
@@ -30,9 +41,9 @@ struct Condition {
   ado::Params countParams;
 };
 
-// The records whose `fields` contain `word` under LIKE: through the index when `indexed` (the
-// database has one, HasRecordIndex) and the word has a literal piece, by the plain scan
-// otherwise.
-Condition ContainsWord(std::u16string_view word, Fields fields, bool indexed = true);
+// The records whose `fields` contain `word` under LIKE: through `index` (the database's,
+// RecordIndexOf) when the word has a literal piece, by the plain scan otherwise.
+Condition ContainsWord(std::u16string_view word, Fields fields,
+                       RecordIndex index = RecordIndex::kTokens);
 
 }  // namespace ostrakan::search

@@ -251,6 +251,8 @@ TEST(ServerSiteCommands, MigrateMovesEveryRowOrNothing) {
   EXPECT_EQ(SqlValue(db, "select time from db where id = 5"), "2024-01-02 03:04:05");
   EXPECT_EQ(SqlValue(db, "select password from admin"), Digest("secret123"));
   EXPECT_EQ(SqlValue(db.string() + ".sqlite", "select count(*) from db"), "2");
+  // The record index's triggers indexed the copied records.
+  EXPECT_EQ(SqlValue(db, "select count(*) from db_gram"), "2");
   // New rows are numbered after the copied ones.
   EXPECT_EQ(SqlValue(db, "insert into db(title) values ('new') returning id"), "10");
   EXPECT_EQ(RunMigrate({site, uri}, out, err), 1);
