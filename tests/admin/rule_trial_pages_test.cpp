@@ -2,8 +2,8 @@
 // matched, no results, nothing the rule knows) and why a page could not be fetched.
 #include <netinet/in.h>
 
-#include "admin/admin_pages.h"
 #include "platform/http/fetcher.h"
+#include "support/admin_pages.h"
 #include "support/list_rule_fixture.h"
 #include "support/remote_site.h"
 
@@ -41,9 +41,10 @@ TEST_F(RuleTrialPages, TheListTestSaysWhatEachPageMatchedAndWhyAFetchFailed) {
       u"|1|utf-8|<div class=\"none\">|<li class=\"v\">|1|<img src=\"http://|\" alt|<a href=\"|"
       u"\" title||http://remote.test/|title=\"x\">|</a>||<p>|</p>| text");
 
-  PageRun run = Run(
-      u"Ostrakan.Class37", 6,
-      {{u"id", u"3"}, {u"keyword", u"功夫"}, {u"Page_Start", u"1"}, {u"Page_End", u"5"}}, {}, rule);
+  PageRun run =
+      Run(u"Ostrakan.Class37", 6,
+          {{u"id", u"3"}, {u"keyword", u"功夫"}, {u"Page_Start", u"1"}, {u"Page_End", u"5"}}, {},
+          {}, rule);
   ASSERT_TRUE(run.completed);
   const std::u16string at = FromUtf8(remote.Url("/r/"));
   for (const std::u16string& said : std::vector<std::u16string>{
@@ -77,9 +78,9 @@ TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
       Fields(u"编号站|http://ids.test/|" + FromUtf8(remote.Url("/id/[id].html")) +
              u"|utf-8|<div class=\"none\">|<h1>|</h1>||");
 
-  const PageRun run =
-      Run(u"Ostrakan.Class43", 4,
-          {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"5"}}, {}, rule);
+  const PageRun run = Run(
+      u"Ostrakan.Class43", 4,
+      {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"5"}}, {}, {}, rule);
   ASSERT_TRUE(run.completed);
   const std::u16string at = FromUtf8(remote.Url("/id/"));
   for (const std::u16string& said : std::vector<std::u16string>{

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
 #include "support/page_harness.h"
@@ -29,7 +31,7 @@ class KeptConnections : public ::testing::Test {
   testing::TestDatabase database_{dir_.path() / "site.mdb"};
 };
 
-TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndClosingThemFreesTheFile) {
+TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndItsWritesReachOtherProcesses) {
   const std::filesystem::path file = database_.file();
   // A page that ends inside a write (an error between BEGIN and COMMIT) leaves no open
   // transaction and no uncommitted row to the next page.
@@ -44,6 +46,23 @@ TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndClosingThemFreesTh
   EXPECT_EQ(Keywords(next), u"0");
   next->Execute(u"insert into keyword (keyword) values ('kept')");
   next->Close();
+
+  // Another process that opens and closes the database while a kept connection waits must see
+  // that connection's later writes: opening a connection here must not drop the locks that
+  // tell it the write-ahead log is in use.
+  CloseIdleDatabases();
+  Keywords(Connect(file));  // kept, having read
+  Keywords(Connect(file));  // the same one again
+  const auto elsewhere = [&](const std::string& sql) {
+    std::string out;
+    FILE* shell = popen(("sqlite3 '" + file.string() + "' \"" + sql + "\"").c_str(), "r");
+    for (int c; shell && (c = std::fgetc(shell)) != EOF;) out += static_cast<char>(c);
+    if (shell) pclose(shell);
+    return out;
+  };
+  EXPECT_EQ(elsewhere("select count(*) from keyword"), "1\n");
+  Connect(file)->Execute(u"insert into keyword (keyword) values ('seen')");
+  EXPECT_EQ(elsewhere("select keyword from keyword"), "kept\nseen\n");
 
   // With every kept connection closed nothing holds the file: the write-ahead log is gone.
   CloseIdleDatabases();

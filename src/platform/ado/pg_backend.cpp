@@ -567,6 +567,9 @@ PGconn* OpenLink(const std::string& uri) {
   return conn;
 }
 
+// Larger than any address file; smaller than any site database (its first page alone).
+constexpr std::uintmax_t kLongestAddressFile = 4096;
+
 }  // namespace
 
 bool IsServerAddress(std::string_view uri) {
@@ -574,6 +577,13 @@ bool IsServerAddress(std::string_view uri) {
 }
 
 std::optional<std::string> ServerAddressIn(const std::filesystem::path& file) {
+  // Only a short file can hold an address. A database file is never opened here: closing any
+  // descriptor of a file drops every POSIX lock this process holds on it, SQLite's included,
+  // and another process would then take the open connections' write-ahead log for abandoned
+  // and remove it (their later commits lost to everyone else).
+  std::error_code ec;
+  const std::uintmax_t size = std::filesystem::file_size(file, ec);
+  if (ec || size >= kLongestAddressFile) return std::nullopt;
   std::ifstream in(file, std::ios::binary);
   char head[16] = {};
   in.read(head, sizeof head);

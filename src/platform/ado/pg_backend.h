@@ -24,7 +24,8 @@
 namespace ostrakan::ado {
 
 // The connection URI that `file` holds when it is an address file ("postgresql://..." or
-// "postgres://..." on its first line); nullopt for anything else (an SQLite database).
+// "postgres://..." on its first line); nullopt for anything else (an SQLite database, which
+// it never opens: see the definition).
 std::optional<std::string> ServerAddressIn(const std::filesystem::path& file);
 
 // Whether `uri` names a PostgreSQL database.
