@@ -24,9 +24,10 @@ void WriteIdRuleRows(Response& out, ado::Recordset& rows, const std::set<long lo
     const std::u16string id = TextOf(rows.Field(u"id"));
     const Markup idInScript = HtmlAttr(JsString(id).text());
     html += u"            <tr>\r\n";
-    html += u"<td bgcolor=\"#FFFFFF\" align=\"center\"><input type=\"checkbox\" name=\"id\" "
-            u"value=\"" +
-            HtmlAttr(id) + u"\"></td>\r\n";
+    html +=
+        u"<td bgcolor=\"#FFFFFF\" align=\"center\"><input type=\"checkbox\" name=\"id\" "
+        u"value=\"" +
+        HtmlAttr(id) + u"\"></td>\r\n";
     html += u"<td bgcolor=\"#FFFFFF\">" + HtmlText(TextOf(rows.Field(u"web")));
     if (marked.contains(static_cast<long long>(CDbl(rows.Field(u"id")))))
       html += u" <span class=\"warn\">" + Markup(kRuleMayBeBroken) + u"</span>";

@@ -21,9 +21,9 @@ class Response;
 namespace ostrakan::gathering {
 
 // Writes one table row per rule of `rows` (a set on "select id,web,range ..."), in the set's
-// order: a tick box named "id", the site name, range, then the test, gather, edit and delete actions. The set is read to
-// its end.
-// Rules whose ids are in `marked` show "规则可能失效" beside their name.
+// order: a tick box named "id", the site name, range, then the test, gather, edit and delete
+// actions. The set is read to its end. Rules whose ids are in `marked` show "规则可能失效" beside
+// their name.
 void WriteIdRuleRows(Response& out, ado::Recordset& rows, const std::set<long long>& marked = {});
 
 // The nine fields of the set's current row (Null reads as empty text).

@@ -11,8 +11,8 @@
 #include "access/md5.h"
 #include "engine/generate_command.h"
 #include "engine/migrate_command.h"
-#include "support/holds.h"
 #include "support/database_holder.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::engine {

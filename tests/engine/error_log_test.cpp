@@ -4,9 +4,9 @@
 
 #include "admin/registry.h"
 #include "gathering/record_store.h"
-#include "support/holds.h"
 #include "platform/ado/connection.h"
 #include "platform/clock.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 
 namespace ostrakan {

@@ -6,8 +6,8 @@
 
 #include "frame/page_blocks.h"
 #include "frame/site_page.h"
-#include "support/holds.h"
 #include "platform/ado/connection.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 
 namespace ostrakan {

@@ -10,8 +10,8 @@
 #include <cstring>
 
 #include "access/md5.h"
-#include "support/holds.h"
 #include "http/http_client.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::testing {

@@ -12,10 +12,10 @@
 #include "frame/error_log.h"
 #include "frame/escape.h"
 #include "frame/site_page.h"
-#include "support/holds.h"
 #include "http/http_client.h"
 #include "platform/http/fetcher.h"
 #include "platform/text/codepage.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::testing {

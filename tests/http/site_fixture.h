@@ -12,9 +12,9 @@
 #include "engine/commands.h"
 #include "engine/http_server.h"
 #include "frame/error_log.h"
-#include "support/holds.h"
 #include "http/http_client.h"
 #include "platform/text/codepage.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::testing {
