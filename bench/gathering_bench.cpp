@@ -95,6 +95,25 @@ double ProcessCpuUs() {
   return (u.ru_utime.tv_sec + u.ru_stime.tv_sec) * 1e6 + u.ru_utime.tv_usec + u.ru_stime.tv_usec;
 }
 
+// A new site with one list rule (or ID rule) at `address`, and the options of a headless run
+// of it over pages (or IDs) 1 .. last without pauses.
+engine::GatherOptions RunOn(const fsys::path& site, const std::string& address, long last,
+                            bool idRule = false) {
+  std::ostringstream out, err;
+  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
+  const fsys::path db = site / "data/ostrakan.db";
+  const std::string rule =
+      idRule ? testing::InsertFixtureIdRule(db, address) : testing::InsertFixtureRule(db, address);
+  engine::GatherOptions o;
+  o.site = site;
+  if (idRule) o.kind = "id";
+  o.ruleId = std::stoll(rule);
+  o.first = 1;
+  o.last = last;
+  o.delayMs = 0;
+  return o;
+}
+
 struct Fixture {
   Fixture() {
     for (int p = 1; p <= kRunPages; ++p)
@@ -106,17 +125,8 @@ struct Fixture {
 void BM_HeadlessRun(benchmark::State& state) {
   Fixture f;
   testing::TempDir dir;
-  const fsys::path site = dir.path() / "site";
-  std::ostringstream out, err;
-  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
-  const std::string rule = testing::InsertFixtureRule(site / "data/ostrakan.db",
-                                                      f.remote.Url("/r/[page].html?q=[keyword]"));
-  engine::GatherOptions o;
-  o.site = site;
-  o.ruleId = std::stoll(rule);
-  o.first = 1;
-  o.last = kRunPages;
-  o.delayMs = 0;
+  engine::GatherOptions o =
+      RunOn(dir.path() / "site", f.remote.Url("/r/[page].html?q=[keyword]"), kRunPages);
   const double cpu = ProcessCpuUs();
   for (auto _ : state) {
     std::ostringstream o1, e1;
@@ -140,17 +150,7 @@ class MemoryFetcher : public http::Fetcher {
 
 void BM_HeadlessRunFromMemory(benchmark::State& state) {
   testing::TempDir dir;
-  const fsys::path site = dir.path() / "site";
-  std::ostringstream out, err;
-  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
-  const std::string rule =
-      testing::InsertFixtureRule(site / "data/ostrakan.db", "http://memory/r/[page].html");
-  engine::GatherOptions o;
-  o.site = site;
-  o.ruleId = std::stoll(rule);
-  o.first = 1;
-  o.last = kRunPages;
-  o.delayMs = 0;
+  engine::GatherOptions o = RunOn(dir.path() / "site", "http://memory/r/[page].html", kRunPages);
   o.fetcher = std::make_shared<MemoryFetcher>();
   for (auto _ : state) {
     std::ostringstream o1, e1;
@@ -200,17 +200,8 @@ struct LargeFixture {
 void BM_HeadlessRunLargePages(benchmark::State& state) {
   LargeFixture f;
   testing::TempDir dir;
-  const fsys::path site = dir.path() / "site";
-  std::ostringstream out, err;
-  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
-  const std::string rule = testing::InsertFixtureRule(site / "data/ostrakan.db",
-                                                      f.remote.Url("/big/[page].html?q=[keyword]"));
-  engine::GatherOptions o;
-  o.site = site;
-  o.ruleId = std::stoll(rule);
-  o.first = 1;
-  o.last = kLargePages;
-  o.delayMs = 0;
+  engine::GatherOptions o =
+      RunOn(dir.path() / "site", f.remote.Url("/big/[page].html?q=[keyword]"), kLargePages);
   for (auto _ : state) {
     std::ostringstream o1, e1;
     if (engine::RunGather(o, o1, e1) != 0) state.SkipWithError("run failed");
@@ -249,18 +240,8 @@ struct IdFixture {
 void BM_HeadlessIdRun(benchmark::State& state) {
   IdFixture f;
   testing::TempDir dir;
-  const fsys::path site = dir.path() / "site";
-  std::ostringstream out, err;
-  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
-  const std::string rule =
-      testing::InsertFixtureIdRule(site / "data/ostrakan.db", f.remote.Url("/id/[id].html"));
-  engine::GatherOptions o;
-  o.site = site;
-  o.kind = "id";
-  o.ruleId = std::stoll(rule);
-  o.first = 1;
-  o.last = kRunIds;
-  o.delayMs = 0;
+  engine::GatherOptions o =
+      RunOn(dir.path() / "site", f.remote.Url("/id/[id].html"), kRunIds, true);
   for (auto _ : state) {
     std::ostringstream o1, e1;
     if (engine::RunGather(o, o1, e1) != 0) state.SkipWithError("run failed");
@@ -310,17 +291,8 @@ class SampledFetcher : public MemoryFetcher {
 
 void BM_HeadlessRunMemory(benchmark::State& state) {
   testing::TempDir dir;
-  const fsys::path site = dir.path() / "site";
-  std::ostringstream out, err;
-  engine::RunInit({site, kSourceSite, "admin", std::string("secret123")}, out, err);
-  const std::string rule =
-      testing::InsertFixtureRule(site / "data/ostrakan.db", "http://memory/r/[page].html");
-  engine::GatherOptions o;
-  o.site = site;
-  o.ruleId = std::stoll(rule);
-  o.first = 1;
-  o.last = kLongRunPages;
-  o.delayMs = 0;
+  engine::GatherOptions o =
+      RunOn(dir.path() / "site", "http://memory/r/[page].html", kLongRunPages);
   auto fetcher = std::make_shared<SampledFetcher>();
   o.fetcher = fetcher;
   for (auto _ : state) {
