@@ -1,5 +1,6 @@
 #include "admin/click_through.h"
 
+#include "admin/public_site_page.h"
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
 #include "generation/click_through.h"
@@ -24,13 +25,7 @@ ClickThrough::ClickThrough() : SitePage(u"\\goto") {
 
 void ClickThrough::CountClickAndRedirect() {
   if (!IsValidId(id)) NotFound(u"非法ID参数");
-  // The page lives at the site root, so the database path is taken from the root itself.
-  Server& server = CurrentServer();
-  connstr = u"DBQ=" + server.MapPath(u"/" + TextOf(DB)) +
-            u";DefaultDir=;DRIVER={Microsoft Access Driver (*.mdb)};";
-  conn = server.CreateObject(u"ADODB.CONNECTION");
-  ado::Connection& connection = ConnectionOf(conn);
-  connection.Open(connstr.str());
+  ado::Connection& connection = OpenRootDatabase(DB, connstr, conn);
   std::optional<std::u16string> address = generation::CountClick(connection, id);
   CloseAndRelease(conn);
   if (!address) NotFound(u"该记录不存在或错误！");

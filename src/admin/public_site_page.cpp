@@ -12,13 +12,18 @@ PublicSitePage::PublicSitePage(std::u16string context) : SitePage(std::move(cont
   Property(u"connstr", connstr);
 }
 
-ado::Connection& PublicSitePage::OpenSite() {
+ado::Connection& OpenRootDatabase(const Variant& db, Variant& connstr, Variant& conn) {
   Server& server = CurrentServer();
-  connstr = u"DBQ=" + server.MapPath(u"/" + TextOf(DB)) +
+  connstr = u"DBQ=" + server.MapPath(u"/" + TextOf(db)) +
             u";DefaultDir=;DRIVER={Microsoft Access Driver (*.mdb)};";
   conn = server.CreateObject(u"ADODB.CONNECTION");
   ado::Connection& connection = ConnectionOf(conn);
   connection.Open(connstr.str());
+  return connection;
+}
+
+ado::Connection& PublicSitePage::OpenSite() {
+  ado::Connection& connection = OpenRootDatabase(DB, connstr, conn);
   CurrentResponse().CacheControl = u"public, max-age=60";
   return connection;
 }

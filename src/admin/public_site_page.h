@@ -10,6 +10,10 @@
 
 namespace ostrakan::admin {
 
+// Opens the database that the setting `db` names, its path taken from the site root (the pages
+// at the root cannot take it from their own folder), into `conn`, recording `connstr`.
+ado::Connection& OpenRootDatabase(const Variant& db, Variant& connstr, Variant& conn);
+
 class PublicSitePage : public SitePage {
  public:
   Variant conn, connstr;
