@@ -79,7 +79,7 @@ void RuleImportPreview::ShowRulesOfTheFile() {
   } catch (const gathering::RuleExchangeError& e) {
     CloseAndRelease(conn);
     CurrentResponse().Write(out + u"<p class=\"warn\">这个文件不能导入，没有添加任何规则：" +
-                            HtmlText(FromUtf8(e.what())) + u"</p>\r\n");
+                            HtmlText(e.chinese) + u"</p>\r\n");
     return;
   }
   CloseAndRelease(conn);
@@ -119,8 +119,7 @@ void RuleImportSave::ImportTheFile() {
   try {
     added = gathering::ImportRules(db, *document, false);
   } catch (const gathering::RuleExchangeError& e) {
-    WriteAndEnd(
-        AlertAndGoBack(u"这个文件不能导入，没有添加任何规则：" + JsString(FromUtf8(e.what()))));
+    WriteAndEnd(AlertAndGoBack(u"这个文件不能导入，没有添加任何规则：" + JsString(e.chinese)));
   }
   gathering::RewriteRuleFiles(
       db,

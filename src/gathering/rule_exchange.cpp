@@ -25,6 +25,10 @@ std::vector<std::u16string> Columns(const std::string& kind) {
   return columns;
 }
 
+std::u16string Number(long long n) {
+  return FromUtf8(std::to_string(n));
+}
+
 std::u16string Table(const std::string& kind) {
   return kind == "list" ? u"gather_list_web" : u"gather_id_web";
 }
@@ -53,7 +57,9 @@ void AddRules(ado::Connection& conn, const std::string& kind, const std::vector<
     rs->Close();
     if (!found)
       throw RuleExchangeError("there is no " + std::string(kind == "id" ? "ID" : "list") +
-                              " rule number " + std::to_string(id) + " in this site");
+                                  " rule number " + std::to_string(id) + " in this site",
+                              u"本站没有编号为 " + Number(id) +
+                                  (kind == "id" ? u" 的编号采集规则" : u" 的列表采集规则"));
   }
 }
 
@@ -68,33 +74,44 @@ std::vector<Incoming> ReadDocument(const std::string& document) {
   try {
     doc = Json::parse(document);
   } catch (const Json::parse_error& e) {
-    throw RuleExchangeError("the file is not valid JSON (at byte " + std::to_string(e.byte) + ")");
+    throw RuleExchangeError("the file is not valid JSON (at byte " + std::to_string(e.byte) + ")",
+                            u"文件不是有效的 JSON（在第 " + Number(e.byte) + u" 字节处）");
   }
   if (!doc.is_object() || !doc.contains("version"))
-    throw RuleExchangeError("the file is not a rules file: it has no version");
+    throw RuleExchangeError("the file is not a rules file: it has no version",
+                            u"文件不是规则文件：没有版本号");
   if (!doc["version"].is_number_integer() ||
       doc["version"].get<long long>() != kRuleExchangeVersion)
     throw RuleExchangeError("the file has version " + doc["version"].dump() +
-                            ", this program reads version " + std::to_string(kRuleExchangeVersion));
+                                ", this program reads version " +
+                                std::to_string(kRuleExchangeVersion),
+                            u"文件的版本是 " + FromUtf8(doc["version"].dump()) +
+                                u"，本程序只能读取版本 " + Number(kRuleExchangeVersion));
   if (!doc.contains("rules") || !doc["rules"].is_array())
-    throw RuleExchangeError("the file has no list of rules");
+    throw RuleExchangeError("the file has no list of rules", u"文件中没有规则列表");
   std::vector<Incoming> rules;
   size_t n = 0;
   for (const Json& rule : doc["rules"]) {
     const std::string place = "rule " + std::to_string(++n);
-    if (!rule.is_object()) throw RuleExchangeError(place + " is not an object");
+    const std::u16string rulePlace = u"第 " + Number(n) + u" 条规则";
+    if (!rule.is_object())
+      throw RuleExchangeError(place + " is not an object", rulePlace + u"不是对象");
     const auto kind = rule.find("kind");
     if (kind == rule.end() || !kind->is_string() || (*kind != "list" && *kind != "id"))
-      throw RuleExchangeError(place + " has no kind \"list\" or \"id\"");
+      throw RuleExchangeError(place + " has no kind \"list\" or \"id\"",
+                              rulePlace + u"没有类型 \"list\" 或 \"id\"");
     Incoming in{kind->get<std::string>(), {}};
     for (const std::u16string& column : Columns(in.kind)) {
       const std::string name = ToUtf8(column);
       const auto value = rule.find(name);
+      const std::u16string where = rulePlace + u"（" + FromUtf8(in.kind) + u"）";
       if (value == rule.end())
-        throw RuleExchangeError(place + " (" + in.kind + ") has no field " + name);
+        throw RuleExchangeError(place + " (" + in.kind + ") has no field " + name,
+                                where + u"缺少字段 " + column);
       if (!value->is_string())
-        throw RuleExchangeError(place + " (" + in.kind + ") has a field " + name +
-                                " that is not text");
+        throw RuleExchangeError(
+            place + " (" + in.kind + ") has a field " + name + " that is not text",
+            where + u"的字段 " + column + u" 不是文本");
       in.values.push_back(FromUtf8(value->get<std::string>()));
     }
     rules.push_back(std::move(in));

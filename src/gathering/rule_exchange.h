@@ -19,9 +19,12 @@ namespace ostrakan::gathering {
 
 inline constexpr int kRuleExchangeVersion = 1;
 
-// A document that cannot be imported; what() is one sentence naming the place.
+// A document that cannot be imported, or a rule that is not there: what() is one sentence
+// naming the place (for commands), `chinese` the same sentence for the pages.
 struct RuleExchangeError : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  RuleExchangeError(const std::string& english, std::u16string chineseText)
+      : std::runtime_error(english), chinese(std::move(chineseText)) {}
+  std::u16string chinese;
 };
 
 // The rules to export: both kinds (kind empty) or one ("list" or "id"), all of them or those

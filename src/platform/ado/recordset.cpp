@@ -236,14 +236,6 @@ void Recordset::Move(long n) {
   Advance();
 }
 
-void Recordset::MoveFirst() {
-  RequireOpen();
-  SaveEdits();
-  Execute();
-  if (!pending_) throw RowRequired();
-  Advance();
-}
-
 int Recordset::IndexOf(std::u16string_view name) const {
   for (size_t i = 0; i < names_.size(); ++i) {
     if (IEquals(names_[i], name)) return static_cast<int>(i);
@@ -367,16 +359,6 @@ bool Recordset::ReloadRow(std::u16string_view keyColumn, long long key) {
   stmt->Reset();
   cursor_ = Cursor::OnRow;
   return true;
-}
-
-long Recordset::RecordCount() {
-  RequireOpen();
-  StatementPtr stmt = PrepareBound(u"SELECT count(*) FROM (" +
-                                   std::u16string(TrimStatementEnd(sql_)) + u") AS counted");
-  if (!stmt->Step()) return 0;
-  const long count = static_cast<long>(stmt->ColumnInteger(0).value_or(0));
-  stmt->Reset();
-  return count;
 }
 
 std::vector<std::u16string> Recordset::FieldNames() const {

@@ -55,7 +55,6 @@ class Recordset : public Object {
   // n >= 0 moves forward (a long move of a read-only set lets SQLite skip the rows, which
   // is what a list's last pages need); a negative n re-runs the query to reach the row.
   void Move(long n);
-  void MoveFirst();
 
   Variant Field(std::u16string_view name) const;  // error 3265 for an unknown name
   Variant FieldAt(int ordinal) const;             // error 3265 out of range
@@ -63,8 +62,6 @@ class Recordset : public Object {
   void AddNew();
   void Update();
 
-  // The number of rows of the query (counted on demand; the set keeps streaming).
-  long RecordCount();
   std::vector<std::u16string> FieldNames() const;
 
  private:

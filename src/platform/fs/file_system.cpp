@@ -46,43 +46,4 @@ FileSystem& FileSystem::Real() {
   return real;
 }
 
-Failure MemoryFileSystem::Read(const std::filesystem::path& file, std::string& bytes) {
-  auto it = files_.find(file.lexically_normal());
-  if (it == files_.end()) return "cannot find the file " + file.string();
-  bytes = it->second;
-  return std::nullopt;
-}
-
-Failure MemoryFileSystem::WriteAtomic(const std::filesystem::path& file, std::string_view bytes) {
-  const std::filesystem::path target = file.lexically_normal();
-  if (!folders_.contains(target.parent_path()))
-    return "cannot create a temporary file beside " + file.string() + ": No such file or directory";
-  for (std::filesystem::path folder = target.parent_path();; folder = folder.parent_path()) {
-    if (failing_.contains(folder)) return "cannot write " + file.string() + ": Permission denied";
-    if (folder == folder.parent_path()) break;
-  }
-  files_[target] = std::string(bytes);
-  return std::nullopt;
-}
-
-bool MemoryFileSystem::Exists(const std::filesystem::path& path) {
-  const std::filesystem::path p = path.lexically_normal();
-  return files_.contains(p) || folders_.contains(p);
-}
-
-Failure MemoryFileSystem::MakeFolder(const std::filesystem::path& folder) {
-  const std::filesystem::path target = folder.lexically_normal();
-  if (files_.contains(target)) return "cannot make the folder " + folder.string() + ": File exists";
-  for (std::filesystem::path f = target; !f.empty(); f = f.parent_path()) {
-    folders_.insert(f);
-    if (f == f.parent_path()) break;
-  }
-  return std::nullopt;
-}
-
-void MemoryFileSystem::Put(const std::filesystem::path& file, std::string bytes) {
-  MakeFolder(file.lexically_normal().parent_path());
-  files_[file.lexically_normal()] = std::move(bytes);
-}
-
 }  // namespace ostrakan::fs

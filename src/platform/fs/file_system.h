@@ -6,9 +6,7 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -29,29 +27,6 @@ class FileSystem {
 
   // The process's real file system (fs::WriteFileAtomic for writes).
   static FileSystem& Real();
-};
-
-// Files kept in memory, for tests. A folder exists once made (or once a file was put in it
-// with Put); a write into a missing folder fails as on disk. FailWrites makes every write
-// under the given folder fail.
-class MemoryFileSystem : public FileSystem {
- public:
-  Failure Read(const std::filesystem::path& file, std::string& bytes) override;
-  Failure WriteAtomic(const std::filesystem::path& file, std::string_view bytes) override;
-  bool Exists(const std::filesystem::path& path) override;
-  Failure MakeFolder(const std::filesystem::path& folder) override;
-
-  // Puts a file in place, making its folders.
-  void Put(const std::filesystem::path& file, std::string bytes);
-  void FailWrites(const std::filesystem::path& folder) {
-    failing_.insert(folder.lexically_normal());
-  }
-  const std::map<std::filesystem::path, std::string>& files() const { return files_; }
-
- private:
-  std::map<std::filesystem::path, std::string> files_;
-  std::set<std::filesystem::path> folders_;
-  std::set<std::filesystem::path> failing_;
 };
 
 }  // namespace ostrakan::fs

@@ -373,11 +373,6 @@ std::u16string DecodeCharset(std::string_view bytes, std::u16string_view label) 
   return ToUnicode(bytes, e.decoder, e.flags);
 }
 
-std::string EncodeCharset(std::u16string_view text, std::u16string_view label) {
-  const Encoding& e = ForLabelOrThrow(label);
-  return FromUnicode(text, e.encoder, e.flags);
-}
-
 std::u16string CharsetNameOf(int codePage) {
   switch (codePage) {
     case kAnsiCodePage:

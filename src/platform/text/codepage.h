@@ -23,9 +23,8 @@ std::u16string Decode(std::string_view bytes, int codePage);
 
 // The canonical ICU converter name for a charset label, or nullopt for an unknown label.
 std::optional<std::string> CharsetForLabel(std::string_view label);
-// Decodes with a charset label; an unknown label raises ScriptError (the stream's error).
+// Decodes with a charset label; an unknown label raises ScriptError.
 std::u16string DecodeCharset(std::string_view bytes, std::u16string_view label);
-std::string EncodeCharset(std::u16string_view text, std::u16string_view label);
 
 // The charset name that a response in this code page announces ("gb2312", "utf-8").
 std::u16string CharsetNameOf(int codePage);
