@@ -207,7 +207,7 @@ CREATE TABLE IF NOT EXISTS db_index_pending (
 );
 -- OR IGNORE (a record already noted stays as noted) rather than ON CONFLICT DO NOTHING: with
 -- no constraint left that could abort it, a write to db inside a transaction needs no
--- statement journal (a copy of every page the statement changes, about a sixth of the cost of
+-- statement journal (a copy of every page the statement changes, about a fifth of the cost of
 -- a gathering run's insert).
 CREATE TRIGGER IF NOT EXISTS db_index_insert AFTER INSERT ON db BEGIN
   INSERT OR IGNORE INTO db_index_pending (id, indexed) VALUES (new.id, 0);
