@@ -108,6 +108,7 @@ const figures = [
   ['list extraction of a 1 MiB page / one case-insensitive scan', '<= 2', () => timeRatio('BM_ExtractLargePage', 'BM_CaseInsensitiveScan')],
   ['headless list run / fetch alone (pages/s)', '>= 0.8', () => rateRatio('BM_HeadlessRun', 'BM_FetchOnly', 'pages/s')],
   ['headless list run / fetch alone, process CPU per page', '', () => counterRatio('BM_HeadlessRun', 'BM_FetchOnly', 'cpu_us/page')],
+  ['headless list run of new entries / fetch alone (pages/s)', '>= 0.8', () => rateRatio('BM_HeadlessRunNewEntries', 'BM_FetchOnly', 'pages/s')],
   ['headless run of 10,000 pages: RSS at the end / at page 1,000', '~1', () => memoryGrowth()],
   ['headless list run, 1 MiB pages of 2,000 entries / fetch alone', '>= 0.3', () => rateRatio('BM_HeadlessRunLargePages', 'BM_FetchOnlyLargePages', 'pages/s')],
   ['headless ID run / fetch alone (ids/s)', '>= 0.8', () => rateRatio('BM_HeadlessIdRun', 'BM_IdFetchOnly', 'ids/s')],

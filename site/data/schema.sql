@@ -205,15 +205,19 @@ CREATE TABLE IF NOT EXISTS db_index_pending (
   old_title TEXT,
   old_content TEXT
 );
+-- OR IGNORE (a record already noted stays as noted) rather than ON CONFLICT DO NOTHING: with
+-- no constraint left that could abort it, a write to db inside a transaction needs no
+-- statement journal (a copy of every page the statement changes, about a fifth of the cost of
+-- a gathering run's insert).
 CREATE TRIGGER IF NOT EXISTS db_index_insert AFTER INSERT ON db BEGIN
-  INSERT INTO db_index_pending (id, indexed) VALUES (new.id, 0) ON CONFLICT DO NOTHING;
+  INSERT OR IGNORE INTO db_index_pending (id, indexed) VALUES (new.id, 0);
 END;
 CREATE TRIGGER IF NOT EXISTS db_index_delete AFTER DELETE ON db BEGIN
-  INSERT INTO db_index_pending (id, indexed, old_title, old_content)
-    VALUES (old.id, 1, old.title, old.content) ON CONFLICT DO NOTHING;
+  INSERT OR IGNORE INTO db_index_pending (id, indexed, old_title, old_content)
+    VALUES (old.id, 1, old.title, old.content);
 END;
 CREATE TRIGGER IF NOT EXISTS db_index_update AFTER UPDATE OF id, title, content ON db BEGIN
-  INSERT INTO db_index_pending (id, indexed, old_title, old_content)
-    VALUES (old.id, 1, old.title, old.content) ON CONFLICT DO NOTHING;
-  INSERT INTO db_index_pending (id, indexed) VALUES (new.id, 0) ON CONFLICT DO NOTHING;
+  INSERT OR IGNORE INTO db_index_pending (id, indexed, old_title, old_content)
+    VALUES (old.id, 1, old.title, old.content);
+  INSERT OR IGNORE INTO db_index_pending (id, indexed) VALUES (new.id, 0);
 END;

@@ -28,6 +28,7 @@ std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
 
 void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
                   const std::function<void(const std::string& why)>& refused) {
+  const bool held = store.InTransaction();
   for (GatheredRecord& record : records) {
     for (std::u16string* text : {&record.title, &record.content, &record.url, &record.image})
       std::erase(*text, u'\0');
@@ -35,6 +36,9 @@ void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunC
     try {
       ++(store.Store(record) == StoreOutcome::Inserted ? counts.inserted : counts.updated);
     } catch (const ScriptError& e) {
+      // The database undid the whole transaction (a full disk, an I/O error, a trigger's
+      // rollback): what was stored with it is gone, so the unit cannot be counted as stored.
+      if (held && !store.InTransaction()) throw;
       if (refused)
         refused("entry \"" + ToUtf8(record.url) + "\" not stored: " + ToUtf8(e.description));
     }
@@ -46,6 +50,10 @@ namespace {
 // A write transaction holds units while the next one is already gathered, up to this long: it
 // keeps other writers (pages, workers) waiting no longer than this.
 constexpr auto kLongestBatch = std::chrono::milliseconds(100);
+// How long the transaction waits for the next unit before it commits the units it holds. A
+// commit writes every page the transaction changed to the write-ahead log, which costs about
+// as much as fetching a small page from a site nearby: units that come this quickly share one.
+constexpr auto kNextUnitWait = std::chrono::milliseconds(2);
 
 // A unit stored in the open transaction, reported once that commits.
 struct StoredUnit {
@@ -62,12 +70,13 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
   // after the other, in order, so pacing and the extractor's carried state are kept.
   //
   // A unit and its journal update are committed together with the units stored just before
-  // it: the transaction commits as soon as the next unit is not gathered yet (so a paced run,
-  // or one waiting on a slow site, commits every unit before it waits), at the end, and at
-  // the latest after kLongestBatch. A run killed at any moment thus leaves whole units, and
+  // it: the transaction commits once the next unit is not gathered within kNextUnitWait (so a
+  // paced run, or one waiting on a slow site, commits every unit before it waits), at the end,
+  // and at the latest after kLongestBatch. A run killed at any moment thus leaves whole units, and
   // the journal says which. Each unit's failures and progress are reported, in order, once it
   // is committed: what a run says it stored, it stored.
   RecordStore store(conn, site);
+  ProgressRecorder progress(conn);
   UnitsAhead ahead(gather, run.next, run.last);
   std::optional<ado::WriteTransaction> transaction;
   std::chrono::steady_clock::time_point batchStart;
@@ -99,10 +108,10 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
         break;
     }
     run.next = unit + 1;
-    RecordProgress(conn, run, run.next > run.last);
+    progress.Record(run, run.next > run.last);
     done.run = run;
-    if (run.next <= run.last && ahead.Ready() &&
-        std::chrono::steady_clock::now() - batchStart < kLongestBatch)
+    if (run.next <= run.last && std::chrono::steady_clock::now() - batchStart < kLongestBatch &&
+        ahead.ReadyWithin(kNextUnitWait))
       continue;
     transaction->Commit();
     transaction.reset();
@@ -113,7 +122,7 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
     }
     stored.clear();
   }
-  if (run.first > run.last) RecordProgress(conn, run, true);
+  if (run.first > run.last) progress.Record(run, true);
 }
 
 GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher& fetcher) {

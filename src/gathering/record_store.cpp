@@ -1,5 +1,7 @@
 #include "gathering/record_store.h"
 
+#include <cmath>
+
 #include "frame/filtration.h"
 #include "platform/ado/prepared_statement.h"
 #include "platform/ado/write_transaction.h"
@@ -20,6 +22,27 @@ bool Holds(const Variant& stored, std::u16string_view text, size_t n) {
 Variant NowText() {
   return Variant(IsoDate(CurrentClock().Now()));
 }
+
+// NowText for a store that writes many records a second: the text is made again only when the
+// second it names changes (the same day and rounded second that IsoDate reads).
+class NowTexts {
+ public:
+  const Variant& Now() {
+    const double now = CurrentClock().Now();
+    const double day = std::floor(now);
+    const long long second =
+        static_cast<long long>(day) * 86400 + std::llround((now - day) * 86400.0);
+    if (second != second_) {
+      second_ = second;
+      text_ = Variant(IsoDate(now));
+    }
+    return text_;
+  }
+
+ private:
+  long long second_ = -1;
+  Variant text_;
+};
 
 }  // namespace
 
@@ -44,28 +67,28 @@ std::u16string SourceAddress(const SourceSite& site) {
 }
 
 void Insert(ado::PreparedStatement& insert, const GatheredRecord& r, const SourceSite& site,
-            const std::u16string& sourceUrl, std::u16string link) {
+            const std::u16string& sourceUrl, std::u16string link, const Variant& now) {
   insert.Run({Left(r.title, 100), Left(r.content, 150), Variant(std::move(link)),
               r.image.empty() ? Variant::Null() : Variant(r.image), Variant(site.name),
-              Variant(sourceUrl), NowText()});
+              Variant(sourceUrl), now});
 }
 
 void Update(ado::PreparedStatement& update, const Variant& id, std::u16string_view title,
-            std::u16string_view content) {
-  update.Run({Left(title, 100), Left(content, 150), NowText(), id});
+            std::u16string_view content, const Variant& now) {
+  update.Run({Left(title, 100), Left(content, 150), now, id});
 }
 
 }  // namespace
 
 void AddRecord(ado::Connection& conn, const GatheredRecord& r, const SourceSite& site) {
   ado::PreparedStatement insert(conn, kInsert);
-  Insert(insert, r, site, SourceAddress(site), StoredLink(r.url));
+  Insert(insert, r, site, SourceAddress(site), StoredLink(r.url), NowText());
 }
 
 void EditRecord(ado::Connection& conn, long long id, std::u16string_view title,
                 std::u16string_view content) {
   ado::PreparedStatement update(conn, kUpdate);
-  Update(update, Variant(static_cast<double>(id)), title, content);
+  Update(update, Variant(static_cast<double>(id)), title, content, NowText());
 }
 
 struct RecordStore::Statements {
@@ -73,6 +96,7 @@ struct RecordStore::Statements {
       : lookup(conn, kLookup), insert(conn, kInsert), update(conn, kUpdate), touch(conn, kTouch) {}
   ado::PreparedStatement lookup, insert, update, touch;
   std::u16string sourceUrl;
+  NowTexts now;
 };
 
 RecordStore::RecordStore(ado::Connection& conn, SourceSite site)
@@ -87,12 +111,13 @@ StoreOutcome RecordStore::Store(const GatheredRecord& record) {
   Statements& s = *statements_;
   std::u16string link = StoredLink(record.url);
   std::optional<std::vector<Variant>> known = s.lookup.FirstRow({Variant(link)});
+  const Variant& now = s.now.Now();
   if (!known) {
-    Insert(s.insert, record, site_, s.sourceUrl, std::move(link));
+    Insert(s.insert, record, site_, s.sourceUrl, std::move(link), now);
   } else if (Holds((*known)[1], record.title, 100) && Holds((*known)[2], record.content, 150)) {
-    s.touch.Run({NowText(), (*known)[0]});
+    s.touch.Run({now, (*known)[0]});
   } else {
-    Update(s.update, (*known)[0], record.title, record.content);
+    Update(s.update, (*known)[0], record.title, record.content, now);
   }
   transaction.Commit();
   return known ? StoreOutcome::Updated : StoreOutcome::Inserted;

@@ -40,6 +40,8 @@ class RecordStore {
   ~RecordStore();
   // As StoreRecord.
   StoreOutcome Store(const GatheredRecord& record);
+  // Whether its connection is inside a write transaction.
+  bool InTransaction() const { return conn_.backend().InTransaction(); }
 
  private:
   struct Statements;

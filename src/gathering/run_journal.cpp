@@ -146,15 +146,26 @@ std::optional<JournalRun> LastUnfinishedRun(ado::Connection& conn, std::u16strin
   return run;
 }
 
-void RecordProgress(ado::Connection& conn, const JournalRun& run, bool finished) {
+namespace {
+
+constexpr char16_t kProgress[] =
+    u"update gather_run set next = ?, pages = ?, entries = ?, inserted = ?, updated = ?, "
+    u"no_results = ?, failed = ?, unmatched = ?, finished = ?, state = ? where id = ?";
+
+}  // namespace
+
+ProgressRecorder::ProgressRecorder(ado::Connection& conn) : update_(conn, kProgress) {}
+
+void ProgressRecorder::Record(const JournalRun& run, bool finished) {
   const RunCounts& c = run.counts;
-  conn.Execute(
-      u"update gather_run set next = ?, pages = ?, entries = ?, inserted = ?, updated = ?, "
-      u"no_results = ?, failed = ?, unmatched = ?, finished = ?, state = ? where id = ?",
-      {Number(run.next), Number(c.pages), Number(c.entries), Number(c.inserted), Number(c.updated),
-       Number(c.noResults), Number(c.failed), Number(c.unmatched),
-       finished ? Variant(IsoDate(CurrentClock().Now())) : Variant::Null(),
-       Variant(std::u16string(finished ? kRunDone : kRunRunning)), Number(run.id)});
+  update_.Run({Number(run.next), Number(c.pages), Number(c.entries), Number(c.inserted),
+               Number(c.updated), Number(c.noResults), Number(c.failed), Number(c.unmatched),
+               finished ? Variant(IsoDate(CurrentClock().Now())) : Variant::Null(),
+               Variant(std::u16string(finished ? kRunDone : kRunRunning)), Number(run.id)});
+}
+
+void RecordProgress(ado::Connection& conn, const JournalRun& run, bool finished) {
+  ProgressRecorder(conn).Record(run, finished);
 }
 
 }  // namespace ostrakan::gathering

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/ado/connection.h"
+#include "platform/ado/prepared_statement.h"
 
 namespace ostrakan::gathering {
 
@@ -56,5 +57,15 @@ std::optional<JournalRun> LastUnfinishedRun(ado::Connection& conn, std::u16strin
 
 // Records the progress of a run (next and counts); `finished` also sets its end time.
 void RecordProgress(ado::Connection& conn, const JournalRun& run, bool finished);
+
+// The same, for a run that records its progress after every unit: the statement prepared once.
+class ProgressRecorder {
+ public:
+  explicit ProgressRecorder(ado::Connection& conn);
+  void Record(const JournalRun& run, bool finished);
+
+ private:
+  ado::PreparedStatement update_;
+};
 
 }  // namespace ostrakan::gathering

@@ -43,9 +43,11 @@ void UnitsAhead::Work() {
   }
 }
 
-bool UnitsAhead::Ready() {
-  std::lock_guard lock(mutex_);
-  return ready_.has_value() || failed_ || !worker_.joinable() || (wanted_ && next_ > last_);
+bool UnitsAhead::ReadyWithin(std::chrono::microseconds wait) {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, wait, [&] {
+    return ready_.has_value() || failed_ || !worker_.joinable() || (wanted_ && next_ > last_);
+  });
 }
 
 UnitResult UnitsAhead::Take() {

@@ -6,6 +6,7 @@
 // a plain loop: at any moment at most one unit is fetched that has not been stored.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
@@ -29,8 +30,9 @@ class UnitsAhead {
   // started; what gathering it threw is thrown here. Not to be called more than
   // last - first + 1 times.
   UnitResult Take();
-  // Whether Take would answer at once: the next unit is gathered (or failed), or there is none.
-  bool Ready();
+  // Whether Take would answer at once: the next unit is gathered (or failed), or there is none;
+  // waits up to `wait` for it to become so.
+  bool ReadyWithin(std::chrono::microseconds wait);
 
  private:
   void Work();

@@ -97,5 +97,18 @@ TEST_F(Walk, AUnitSlowToComeFindsTheUnitsBeforeItCommitted) {
   EXPECT_EQ(Value("select count(*) from db"), "10");
 }
 
+TEST_F(Walk, AnErrorThatUndoesTheTransactionStopsTheRunWithTheJournalTrue) {
+  if (testing::OnPostgres()) GTEST_SKIP() << "a trigger's rollback is SQLite's";
+  // The database undoes the whole transaction (as after a full disk) while unit 3 is stored.
+  testing::Sql(site.database(),
+               "create trigger undo before insert on db when new.url = 'w.test/3-2' "
+               "begin select raise(rollback, 'undone'); end");
+  EXPECT_THROW(WalkRun(*conn, run, source, Page, {}), ScriptError);
+  // Whatever stands is whole units that the journal counts, and no more.
+  const long next = std::stol(Value("select next from gather_run"));
+  EXPECT_LE(next, 3);
+  EXPECT_EQ(Value("select count(*) from db"), std::to_string(2 * (next - 1)));
+}
+
 }  // namespace
 }  // namespace ostrakan::gathering
