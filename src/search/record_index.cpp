@@ -25,15 +25,17 @@ long RebuildPairs(ado::Connection& conn) {
   conn.Execute(u"set local maintenance_work_mem = '256MB'");
   // (Its columns as db_gram's: the statement adapter reads brackets as a quoted name.)
   conn.Execute(u"create table db_gram_new (like db_gram including constraints)");
-  conn.Execute(
-      u"insert into db_gram_new (id, grams) select id, db_gram_keys(title, content) from db");
+  conn.Execute(u"insert into db_gram_new (id, title, content) select id, title, content from db");
   const long records = conn.recordsAffected();
   conn.Execute(u"alter table db_gram_new add primary key (id)");
-  conn.Execute(u"create index db_gram_new_grams on db_gram_new using gin (grams)");
+  conn.Execute(u"create index db_gram_new_title on db_gram_new using gin (db_gram_text(title))");
+  conn.Execute(
+      u"create index db_gram_new_content on db_gram_new using gin (db_gram_text(content))");
   conn.Execute(u"drop table db_gram");
   conn.Execute(u"alter table db_gram_new rename to db_gram");
   conn.Execute(u"alter index db_gram_new_pkey rename to db_gram_pkey");
-  conn.Execute(u"alter index db_gram_new_grams rename to db_gram_grams");
+  conn.Execute(u"alter index db_gram_new_title rename to db_gram_title");
+  conn.Execute(u"alter index db_gram_new_content rename to db_gram_content");
   // The planner's figures of how often each key occurs decide between the index and reading
   // db newest first.
   conn.Execute(u"analyze db_gram");
@@ -45,9 +47,11 @@ long RebuildPairs(ado::Connection& conn) {
 
 RecordIndex RecordIndexOf(ado::Connection& conn) {
   if (OnPostgres(conn))
+    // (An index made by an earlier version, the keys stored without the texts, is not used:
+    // applying schema.pg.sql again indexes the records anew.)
     return Count(conn,
-                 u"select count(*) from pg_catalog.pg_tables where tablename = 'db_gram' "
-                 u"and schemaname = current_schema()") > 0
+                 u"select count(*) from pg_catalog.pg_attribute "
+                 u"where attrelid = to_regclass('db_gram') and attname = 'title'") > 0
                ? RecordIndex::kPairs
                : RecordIndex::kNone;
   return Count(conn, u"select count(*) from sqlite_master where name = 'db_index_pending'") > 0
