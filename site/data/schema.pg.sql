@@ -363,7 +363,7 @@ WHERE NOT EXISTS (SELECT 1 FROM db_gram WHERE db_gram.id = db.id);
 -- link `link` is looked up; a new link is inserted, a known one refreshed: its time alone when
 -- its title and description are already exactly those given, else those and its time.
 -- Returns 1 for a known link, 0 for a new one. The values come as the program cut them.
-CREATE OR REPLACE FUNCTION db_store_entry(entry_title text, entry_content text, link citext,
+CREATE OR REPLACE FUNCTION db_store_entry(entry_title text, entry_content text, link text,
                                           entry_image text, entry_source text,
                                           entry_source_url text, stored timestamp)
 RETURNS integer LANGUAGE plpgsql AS $$
@@ -371,7 +371,7 @@ DECLARE
   known record;
 BEGIN
   PERFORM pg_advisory_xact_lock(7031853);
-  SELECT id, title, content INTO known FROM db WHERE url = link LIMIT 1;
+  SELECT id, title, content INTO known FROM db WHERE url = link::citext LIMIT 1;
   IF NOT FOUND THEN
     INSERT INTO db (title, content, url, image, source, source_url, click, time)
     VALUES (entry_title, entry_content, link, entry_image, entry_source, entry_source_url, 0,
