@@ -1,5 +1,8 @@
 #include "search/record_index.h"
 
+#include <mutex>
+#include <set>
+
 #include "platform/ado/recordset.h"
 #include "platform/ado/write_transaction.h"
 
@@ -46,14 +49,25 @@ long RebuildPairs(ado::Connection& conn) {
 }  // namespace
 
 RecordIndex RecordIndexOf(ado::Connection& conn) {
-  if (OnPostgres(conn))
+  if (OnPostgres(conn)) {
+    // Asked on every search: a database seen with the index is remembered for the process (by
+    // its connection string), which spares the search a round trip to the server.
+    static std::mutex mutex;
+    static std::set<std::u16string> indexed;
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      if (indexed.count(conn.ConnectionString)) return RecordIndex::kPairs;
+    }
     // (An index made by an earlier version, the keys stored without the texts, is not used:
     // applying schema.pg.sql again indexes the records anew.)
-    return Count(conn,
-                 u"select count(*) from pg_catalog.pg_attribute "
-                 u"where attrelid = to_regclass('db_gram') and attname = 'title'") > 0
-               ? RecordIndex::kPairs
-               : RecordIndex::kNone;
+    if (Count(conn,
+              u"select count(*) from pg_catalog.pg_attribute "
+              u"where attrelid = to_regclass('db_gram') and attname = 'title'") == 0)
+      return RecordIndex::kNone;
+    std::lock_guard<std::mutex> lock(mutex);
+    indexed.insert(conn.ConnectionString);
+    return RecordIndex::kPairs;
+  }
   return Count(conn, u"select count(*) from sqlite_master where name = 'db_index_pending'") > 0
              ? RecordIndex::kTokens
              : RecordIndex::kNone;
@@ -86,6 +100,7 @@ long TakeInPending(ado::Connection& conn, long atLeast, long limit) {
 }
 
 void CatchUp(ado::Connection& conn) {
+  if (OnPostgres(conn)) return;  // nothing waits there
   try {
     if (RecordIndexOf(conn) != RecordIndex::kTokens) return;
     TakeInPending(conn, kPendingBatch);
