@@ -8,9 +8,12 @@
 // that this script starts in a temporary folder (Unix socket only) and removes at the end.
 // Usage: node bench/pg_vs_sqlite.mjs path/to/ostrakan [seconds] [records...]
 //   e.g. node bench/pg_vs_sqlite.mjs build/release/ostrakan 10 100000 1000000
+// With OSTRAKAN_BENCH_KEEP=DIR the sites and the cluster stay in DIR afterwards (the cluster
+// stopped) and a later run with the same DIR uses them instead of filling new ones: filling a
+// million records takes minutes. Remove DIR to start afresh (after a schema change, say).
 // Needs sqlite3, wrk and PostgreSQL's server programs (/usr/lib/postgresql/15/bin).
 import { execFileSync, spawn } from 'node:child_process';
-import { existsSync, mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync } from 'node:fs';
 import { createServer } from 'node:net';
 import { tmpdir } from 'node:os';
 import { join, dirname } from 'node:path';
@@ -98,9 +101,12 @@ function wrk(url, cookie) {
     `p99 ${pick(/99%\s+([\d.]+\w+)/)}`;
 }
 
-const work = mkdtempSync(join(tmpdir(), 'ostrakan-pgbench-'));
-const cluster = join('/tmp', `ostrakan-pgbench-${process.pid}`);
-execFileSync('bash', [clusterScript, 'start', cluster]);
+const keep = process.env.OSTRAKAN_BENCH_KEEP;
+if (keep) mkdirSync(join(keep, 'sites'), { recursive: true });
+const work = keep ? join(keep, 'sites') : mkdtempSync(join(tmpdir(), 'ostrakan-pgbench-'));
+const cluster = keep ? join(keep, 'cluster') : join('/tmp', `ostrakan-pgbench-${process.pid}`);
+const kept = keep && existsSync(join(cluster, 'data', 'PG_VERSION'));
+execFileSync('bash', [clusterScript, kept ? 'resume' : 'start', cluster]);
 const admin = `postgresql:///postgres?host=${cluster}&user=ostrakan`;
 try {
   for (const records of sizes) {
@@ -116,9 +122,11 @@ try {
       const site = join(work, `${name}-${records}`);
       const database = `bench_${records}`;
       const uri = `postgresql:///${database}?host=${cluster}&user=ostrakan`;
-      if (name === 'postgresql') execFileSync('psql', ['-q', admin, '-c', `CREATE DATABASE ${database}`]);
-      backend.init(site, uri);
-      backend.fill(site, records, uri);
+      if (!existsSync(site)) {
+        if (name === 'postgresql') execFileSync('psql', ['-q', admin, '-c', `CREATE DATABASE ${database}`]);
+        backend.init(site, uri);
+        backend.fill(site, records, uri);
+      }
       const port = await freePort();
       const child = spawn(binary, ['serve', '--site', site, '--listen', `127.0.0.1:${port}`],
                           { stdio: ['ignore', 'ignore', 'inherit'] });
@@ -151,6 +159,6 @@ try {
     }
   }
 } finally {
-  execFileSync('bash', [clusterScript, 'stop', cluster]);
-  rmSync(work, { recursive: true, force: true });
+  execFileSync('bash', [clusterScript, keep ? 'halt' : 'stop', cluster]);
+  if (!keep) rmSync(work, { recursive: true, force: true });
 }

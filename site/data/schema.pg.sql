@@ -87,7 +87,7 @@ BEGIN
   RETURN NULL;
 END $$;
 -- A database made before the count starts from the rows it holds.
-INSERT INTO row_count (name, n) SELECT 'db', count(*) FROM db
+INSERT INTO row_count (name, n) SELECT 'db', (SELECT count(*) FROM db)
 WHERE NOT EXISTS (SELECT 1 FROM row_count WHERE name = 'db');
 CREATE OR REPLACE TRIGGER db_rows_added AFTER INSERT ON db REFERENCING NEW TABLE AS added
   FOR EACH STATEMENT EXECUTE FUNCTION row_count_added();
@@ -243,39 +243,51 @@ CREATE TABLE IF NOT EXISTS sign_in_failure (
 );
 CREATE INDEX IF NOT EXISTS sign_in_failure_address ON sign_in_failure (address, at);
 
--- The record index: the keys of every record's title and description, so that a search looks
--- at the records that hold every character pair of its word instead of reading all of db.
--- A text's keys are its characters and its pairs of neighbouring characters, taken from the
--- text lower-cased by lower(), as LIKE on citext compares (so a word matches a record only
--- if the record has the word's keys). A character's key is its code point cut to 16 bits; a
--- pair's is the two codes folded into 18 bits, which keeps the GIN index about half as large
--- and cheaper to add to than one key per distinct pair. A key that two texts share by the cut
--- or the fold only offers a record that the search then drops, for the search checks every
--- record it is offered with LIKE itself.
+-- The record index: a copy of every record's title and description under GIN indexes of
+-- their keys, so that a search looks at the records that hold every character pair of its
+-- word, and checks them with LIKE there, instead of reading all of db. A text's keys are its
+-- characters and its pairs of neighbouring characters, taken from the text lower-cased by
+-- lower(), as LIKE on citext compares (so a word matches a text only if the text has the
+-- word's keys). A character's key is its code point cut to 16 bits; a pair's is the two codes
+-- folded into 18 bits, which keeps the GIN indexes about half as large and cheaper to add to
+-- than one key per distinct pair. A key that two texts share by the cut or the fold only offers
+-- a record that the search then drops, for it checks every record it is offered with LIKE.
+-- The keys are not stored: the indexes hold them, and a search that reads the copy finds the
+-- text to check beside the id, without a look at db.
 CREATE OR REPLACE FUNCTION db_gram_codes(s text) RETURNS integer[]
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $$
   SELECT ARRAY(SELECT ascii(c) & 65535 FROM unnest(string_to_array(lower(s), NULL)) AS c)
 $$;
 
--- The keys of a record (a key may occur twice; the index takes it once).
-CREATE OR REPLACE FUNCTION db_gram_keys(title text, content text) RETURNS integer[]
+-- A database indexed by an earlier version (its keys stored in db_gram, without the texts) is
+-- indexed again by the last statement of this file.
+DO $$
+BEGIN
+  IF to_regclass('db_gram') IS NOT NULL AND NOT EXISTS (
+      SELECT 1 FROM pg_catalog.pg_attribute
+      WHERE attrelid = to_regclass('db_gram') AND attname = 'title') THEN
+    DROP TABLE db_gram;
+  END IF;
+END
+$$;
+DROP FUNCTION IF EXISTS db_gram_word(text);
+DROP FUNCTION IF EXISTS db_gram_keys(text, text);
+
+-- The keys of a text (a key may occur twice; the index takes it once).
+CREATE OR REPLACE FUNCTION db_gram_text(s text) RETURNS integer[]
 LANGUAGE plpgsql IMMUTABLE PARALLEL SAFE AS $$
 DECLARE
-  codes integer[];
+  codes integer[] := db_gram_codes(s);
   keys integer[] := '{}';
-  n integer;
+  n integer := coalesce(cardinality(codes), 0);
   pair integer;
 BEGIN
-  FOR field IN 1 .. 2 LOOP
-    codes := db_gram_codes(CASE field WHEN 1 THEN title ELSE content END);
-    n := coalesce(cardinality(codes), 0);
-    FOR i IN 1 .. n LOOP
-      keys := keys || codes[i];
-      IF i < n THEN
-        pair := (codes[i] << 16) | codes[i + 1];
-        keys := keys || ((pair # (pair >> 13)) & 262143);
-      END IF;
-    END LOOP;
+  FOR i IN 1 .. n LOOP
+    keys := keys || codes[i];
+    IF i < n THEN
+      pair := (codes[i] << 16) | codes[i + 1];
+      keys := keys || ((pair # (pair >> 13)) & 262143);
+    END IF;
   END LOOP;
   RETURN keys;
 END
@@ -283,7 +295,7 @@ $$;
 
 -- The keys that a text holding the literal piece `s` of a word must have: its pairs, or its
 -- one character.
-CREATE OR REPLACE FUNCTION db_gram_word(s text) RETURNS integer[]
+CREATE OR REPLACE FUNCTION db_gram_piece(s text) RETURNS integer[]
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $$
 DECLARE
   codes integer[] := db_gram_codes(s);
@@ -301,12 +313,15 @@ BEGIN
 END
 $$;
 
--- One row per record of db; kept in step by the triggers below, whatever writes db.
+-- One row per record of db, its title and description as db holds them (equal as citext); kept
+-- in step by the triggers below, whatever writes db.
 CREATE TABLE IF NOT EXISTS db_gram (
   id integer PRIMARY KEY,
-  grams integer[] NOT NULL
+  title citext,
+  content citext
 );
-CREATE INDEX IF NOT EXISTS db_gram_grams ON db_gram USING gin (grams);
+CREATE INDEX IF NOT EXISTS db_gram_title ON db_gram USING gin (db_gram_text(title));
+CREATE INDEX IF NOT EXISTS db_gram_content ON db_gram USING gin (db_gram_text(content));
 
 CREATE OR REPLACE FUNCTION db_gram_sync() RETURNS trigger
 LANGUAGE plpgsql AS $$
@@ -319,8 +334,8 @@ BEGIN
     DELETE FROM db_gram WHERE id = OLD.id;
   END IF;
   IF TG_OP <> 'DELETE' THEN
-    INSERT INTO db_gram (id, grams) VALUES (NEW.id, db_gram_keys(NEW.title, NEW.content))
-    ON CONFLICT (id) DO UPDATE SET grams = EXCLUDED.grams;
+    INSERT INTO db_gram (id, title, content) VALUES (NEW.id, NEW.title, NEW.content)
+    ON CONFLICT (id) DO UPDATE SET title = EXCLUDED.title, content = EXCLUDED.content;
   END IF;
   RETURN NULL;
 END
@@ -339,6 +354,35 @@ CREATE OR REPLACE TRIGGER db_gram_clear AFTER TRUNCATE ON db
 FOR EACH STATEMENT EXECUTE FUNCTION db_gram_clear();
 
 -- The records of a database made before the index.
-INSERT INTO db_gram (id, grams)
-SELECT id, db_gram_keys(title, content) FROM db
+INSERT INTO db_gram (id, title, content)
+SELECT id, title, content FROM db
 WHERE NOT EXISTS (SELECT 1 FROM db_gram WHERE db_gram.id = db.id);
+
+-- One gathered entry stored in one round trip to the server: under the site's write lock (the
+-- advisory lock that the program's write transactions take, 7031853), the record with the
+-- link `link` is looked up; a new link is inserted, a known one refreshed: its time alone when
+-- its title and description are already exactly those given, else those and its time.
+-- Returns 1 for a known link, 0 for a new one. The values come as the program cut them.
+CREATE OR REPLACE FUNCTION db_store_entry(entry_title text, entry_content text, link text,
+                                          entry_image text, entry_source text,
+                                          entry_source_url text, stored timestamp)
+RETURNS integer LANGUAGE plpgsql AS $$
+DECLARE
+  known record;
+BEGIN
+  PERFORM pg_advisory_xact_lock(7031853);
+  SELECT id, title, content INTO known FROM db WHERE url = link::citext LIMIT 1;
+  IF NOT FOUND THEN
+    INSERT INTO db (title, content, url, image, source, source_url, click, time)
+    VALUES (entry_title, entry_content, link, entry_image, entry_source, entry_source_url, 0,
+            stored);
+    RETURN 0;
+  END IF;
+  IF coalesce(known.title::text = entry_title AND known.content::text = entry_content, false) THEN
+    UPDATE db SET time = stored WHERE id = known.id;
+  ELSE
+    UPDATE db SET title = entry_title, content = entry_content, time = stored WHERE id = known.id;
+  END IF;
+  RETURN 1;
+END
+$$;

@@ -7,6 +7,7 @@
 #include "platform/ado/recordset.h"
 #include "platform/ado/sqlite_call.h"
 #include "platform/text/codepage.h"
+#include "search/record_index.h"
 
 namespace ostrakan::generation {
 
@@ -96,10 +97,26 @@ Markup RecordList(ado::Connection& conn, std::u16string_view name, bool showSour
                       u"[Microsoft][ODBC Microsoft Access Driver] Syntax error (missing operator) "
                       u"in query expression 'title like '%" +
                           std::u16string(name) + u"%''.");
-  auto rs = conn.Execute(
-      u"select id,title,content,url,image,source,source_url,click,time "
-      u"from db where title like '%' || ? || '%' order by click desc,time desc limit 100",
-      {Variant(name)});
+  std::u16string where = u"where title like '%' || ? || '%' ";
+  ado::Params params{Variant(name)};
+  std::u16string order = u"order by click desc,time desc";
+  // SQLite filters the titles inside its index (click, time, title) as it reads it in order.
+  // PostgreSQL would read every row of db for a name that few titles hold: it takes the
+  // records whose titles in the record index have the name's keys and pass the LIKE test
+  // instead (or, for a name that most titles hold, reads that index as SQLite does), and
+  // orders equal clicks and times as a backward scan of that index would (title, then id).
+  if (search::RecordIndexOf(conn) == search::RecordIndex::kPairs) {
+    if (std::optional<search::KeyTest> keys = search::PairKeyTest(name, search::Fields::Title)) {
+      where = u"where id in (select id from db_gram where (" + keys->sql + u") and " +
+              where.substr(6) + u") ";
+      params.insert(params.begin(), keys->params.begin(), keys->params.end());
+      order += u",title desc,id desc";
+    }
+  }
+  auto rs =
+      conn.Execute(u"select id,title,content,url,image,source,source_url,click,time from db " +
+                       where + order + u" limit 100",
+                   params);
   Markup out;
   for (int n = 0; n < kRecordLimit && !rs->Eof(); ++n, rs->MoveNext())
     out += RecordBlock(*rs, showSource);

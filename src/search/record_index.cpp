@@ -1,5 +1,8 @@
 #include "search/record_index.h"
 
+#include <mutex>
+#include <set>
+
 #include "platform/ado/recordset.h"
 #include "platform/ado/write_transaction.h"
 
@@ -25,15 +28,17 @@ long RebuildPairs(ado::Connection& conn) {
   conn.Execute(u"set local maintenance_work_mem = '256MB'");
   // (Its columns as db_gram's: the statement adapter reads brackets as a quoted name.)
   conn.Execute(u"create table db_gram_new (like db_gram including constraints)");
-  conn.Execute(
-      u"insert into db_gram_new (id, grams) select id, db_gram_keys(title, content) from db");
+  conn.Execute(u"insert into db_gram_new (id, title, content) select id, title, content from db");
   const long records = conn.recordsAffected();
   conn.Execute(u"alter table db_gram_new add primary key (id)");
-  conn.Execute(u"create index db_gram_new_grams on db_gram_new using gin (grams)");
+  conn.Execute(u"create index db_gram_new_title on db_gram_new using gin (db_gram_text(title))");
+  conn.Execute(
+      u"create index db_gram_new_content on db_gram_new using gin (db_gram_text(content))");
   conn.Execute(u"drop table db_gram");
   conn.Execute(u"alter table db_gram_new rename to db_gram");
   conn.Execute(u"alter index db_gram_new_pkey rename to db_gram_pkey");
-  conn.Execute(u"alter index db_gram_new_grams rename to db_gram_grams");
+  conn.Execute(u"alter index db_gram_new_title rename to db_gram_title");
+  conn.Execute(u"alter index db_gram_new_content rename to db_gram_content");
   // The planner's figures of how often each key occurs decide between the index and reading
   // db newest first.
   conn.Execute(u"analyze db_gram");
@@ -44,12 +49,25 @@ long RebuildPairs(ado::Connection& conn) {
 }  // namespace
 
 RecordIndex RecordIndexOf(ado::Connection& conn) {
-  if (OnPostgres(conn))
-    return Count(conn,
-                 u"select count(*) from pg_catalog.pg_tables where tablename = 'db_gram' "
-                 u"and schemaname = current_schema()") > 0
-               ? RecordIndex::kPairs
-               : RecordIndex::kNone;
+  if (OnPostgres(conn)) {
+    // Asked on every search: a database seen with the index is remembered for the process (by
+    // its connection string), which spares the search a round trip to the server.
+    static std::mutex mutex;
+    static std::set<std::u16string> indexed;
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      if (indexed.count(conn.ConnectionString)) return RecordIndex::kPairs;
+    }
+    // (An index made by an earlier version, the keys stored without the texts, is not used:
+    // applying schema.pg.sql again indexes the records anew.)
+    if (Count(conn,
+              u"select count(*) from pg_catalog.pg_attribute "
+              u"where attrelid = to_regclass('db_gram') and attname = 'title'") == 0)
+      return RecordIndex::kNone;
+    std::lock_guard<std::mutex> lock(mutex);
+    indexed.insert(conn.ConnectionString);
+    return RecordIndex::kPairs;
+  }
   return Count(conn, u"select count(*) from sqlite_master where name = 'db_index_pending'") > 0
              ? RecordIndex::kTokens
              : RecordIndex::kNone;
@@ -82,6 +100,7 @@ long TakeInPending(ado::Connection& conn, long atLeast, long limit) {
 }
 
 void CatchUp(ado::Connection& conn) {
+  if (OnPostgres(conn)) return;  // nothing waits there
   try {
     if (RecordIndexOf(conn) != RecordIndex::kTokens) return;
     TakeInPending(conn, kPendingBatch);

@@ -33,21 +33,19 @@ bool HasLoneSurrogate(std::u16string_view word) {
   return false;
 }
 
-// The PostgreSQL condition: the records whose keys include those of every literal piece (see
-// db_gram_keys in schema.pg.sql), then the LIKE test. The keys are made in the database, by
-// the same lower() as LIKE's.
-void ThroughPairs(Condition& c, const std::vector<std::u16string>& pieces) {
-  std::u16string keys;
-  ado::Params params;
-  for (const std::u16string& piece : pieces) {
-    keys += (keys.empty() ? u"" : u" || ") + std::u16string(u"db_gram_word(?)");
-    params.push_back(Variant(piece));
-  }
-  c.where = u"where id in (select id from db_gram where grams @> (" + keys + u")) and " +
-            c.where.substr(6);
-  c.params.insert(c.params.begin(), params.begin(), params.end());
-  c.count = u"select count(*) as db_count from db " + c.where;
-  c.countParams = c.params;
+// The PostgreSQL condition: the records whose copy in db_gram has the keys of every literal
+// piece in one of the searched fields (see db_gram_text in schema.pg.sql) and passes the LIKE
+// test there. The keys are made in the database, by the same lower() as LIKE's. The count
+// reads db_gram alone; a page gathers the ids into an array first, so that its rows are read
+// newest first through db's key, only as many as it shows.
+void ThroughPairs(Condition& c, const KeyTest& keys) {
+  const std::u16string test = u"(" + keys.sql + u") and " + c.where.substr(6);
+  ado::Params params = keys.params;
+  params.insert(params.end(), c.params.begin(), c.params.end());
+  c.where = u"where id = any (array(select id from db_gram where " + test + u"))";
+  c.count = u"select count(*) as db_count from db_gram where " + test;
+  c.params = params;
+  c.countParams = std::move(params);
 }
 
 }  // namespace
@@ -92,6 +90,26 @@ std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields f
   return phrases;
 }
 
+std::optional<KeyTest> PairKeyTest(std::u16string_view word, Fields fields) {
+  const std::vector<std::u16string> pieces = LiteralPieces(word);
+  if (pieces.empty()) return std::nullopt;
+  std::u16string keys;
+  ado::Params params;
+  for (const std::u16string& piece : pieces) {
+    keys += (keys.empty() ? u"" : u" || ") + std::u16string(u"db_gram_piece(?)");
+    params.push_back(Variant(piece));
+  }
+  KeyTest test;
+  auto add = [&](std::u16string_view column) {
+    test.sql += (test.sql.empty() ? u"db_gram_text(" : u" or db_gram_text(") +
+                std::u16string(column) + u") @> (" + keys + u")";
+    test.params.insert(test.params.end(), params.begin(), params.end());
+  };
+  if (fields != Fields::Content) add(u"title");
+  if (fields != Fields::Title) add(u"content");
+  return test;
+}
+
 Condition ContainsWord(std::u16string_view word, Fields fields, RecordIndex index) {
   const Variant w{std::u16string(word)};
   Condition c;
@@ -114,8 +132,7 @@ Condition ContainsWord(std::u16string_view word, Fields fields, RecordIndex inde
   c.count = u"select count(*) as db_count from db " + c.where;
   c.countParams = c.params;
   if (index == RecordIndex::kPairs) {
-    if (const std::vector<std::u16string> pieces = LiteralPieces(word); !pieces.empty())
-      ThroughPairs(c, pieces);
+    if (const std::optional<KeyTest> keys = PairKeyTest(word, fields)) ThroughPairs(c, *keys);
     return c;
   }
   if (index != RecordIndex::kTokens) return c;

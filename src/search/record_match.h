@@ -21,7 +21,7 @@ enum class Fields { TitleOrContent, Title, Content };
 
 // The record index a database has: none (a database made before the index, whose searches
 // scan db), SQLite's token index (db_index) or PostgreSQL's table of character pairs
-// (db_gram).
+// (db_gram, the titles and descriptions under indexes of their keys).
 enum class RecordIndex { kNone, kTokens, kPairs };
 
 // The FTS5 expression for `word` on db_index: the literal pieces between its wildcards, each
@@ -31,6 +31,16 @@ std::optional<std::u16string> MatchExpression(std::u16string_view word, Fields f
 
 // The literal pieces of `word` as PostgreSQL's LIKE reads '%' || word || '%', in order.
 std::vector<std::u16string> LiteralPieces(std::u16string_view word);
+
+// PostgreSQL: the test on db_gram's rows ("db_gram_text(title) @> (...)", with "or
+// db_gram_text(content) @> ..." for both fields, as the indexes are made) that the records
+// whose `fields` contain `word` pass, and its values: the keys of every literal piece of the
+// word. nullopt when the word has no literal piece.
+struct KeyTest {
+  std::u16string sql;
+  ado::Params params;
+};
+std::optional<KeyTest> PairKeyTest(std::u16string_view word, Fields fields);
 
 // A "where ..." clause of a statement on db and the values bound to its marks, in order; and
 // the statement that counts its rows (one column, db_count) with its values.

@@ -29,6 +29,7 @@ constexpr size_t kIdlePerAddress = 16;
 constexpr int kDrainBeforeClosing = 256;
 // The advisory lock that serializes write transactions (any number; the same in every process).
 constexpr const char* kBeginWrite = "BEGIN; SELECT pg_advisory_xact_lock(7031853)";
+// (db_store_entry in schema.pg.sql takes the same lock.)
 
 struct ResultFree {
   void operator()(PGresult* r) const { PQclear(r); }
