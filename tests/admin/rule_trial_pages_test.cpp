@@ -1,8 +1,5 @@
 // The rule test pop-ups against the fixture remote site: what each page or ID gave (entries
 // matched, no results, nothing the rule knows) and why a page could not be fetched.
-#include <netinet/in.h>
-
-#include "platform/http/fetcher.h"
 #include "support/admin_pages.h"
 #include "support/list_rule_fixture.h"
 #include "support/remote_site.h"
@@ -11,7 +8,6 @@ namespace ostrakan {
 namespace {
 
 using namespace testing;
-constexpr auto npos = std::u16string::npos;
 
 // A rule's fields as the rule file hands them on, from one text with '|' between them.
 std::vector<std::u16string> Fields(const std::u16string& text) {
@@ -56,7 +52,7 @@ TEST_F(RuleTrialPages, TheListTestSaysWhatEachPageMatchedAndWhyAFetchFailed) {
            u"第 5 页：<span class=\"warn\">未能取得页面（页面超过大小限制）</span>",
            u"共匹配 3 条。</p>", u"name=\"keyword\" class=\"input\" value=\"功夫\"",
            u"name=\"Page_End\" class=\"input short\" value=\"5\"", u"name=\"id\" value=\"3\""})
-    EXPECT_NE(run.text.find(said), npos) << ToUtf8(said) << "\n" << ToUtf8(run.text);
+    EXPECT_TRUE(Holds(run.text, said));
 }
 
 TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
@@ -66,14 +62,7 @@ TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
   remote.Set("/id/3.html", {404, "gone"});
   remote.Set("/id/4.html", {200, "<html><h2>moved</h2></html>"});
   remote.Set("/id/5.html", {302, "", {"Location: " + inside.Url("/secret")}});
-  // The fixture site stands for a public site; the other loopback site is private.
-  const std::string base = remote.Url("");
-  const int publicPort = std::stoi(base.substr(base.rfind(':') + 1));
-  http::FetchLimits limits;
-  limits.isPrivate = [publicPort](const sockaddr* a) {
-    return ntohs(reinterpret_cast<const sockaddr_in*>(a)->sin_port) != publicPort;
-  };
-  http::SetDefaultFetcher(http::MakeCurlFetcher(limits));
+  http::SetDefaultFetcher(remote.FetcherCallingThisSitePublic());
   const std::vector<std::u16string> rule =
       Fields(u"编号站|http://ids.test/|" + FromUtf8(remote.Url("/id/[id].html")) +
              u"|utf-8|<div class=\"none\">|<h1>|</h1>||");
@@ -89,7 +78,7 @@ TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
            u"编号 4：<span class=\"warn\">没有找到标题（页面的标记可能已改变）</span>",
            u"编号 5：<span class=\"warn\">未能取得页面（拒绝了从公网地址到内网地址的跳转）</span>",
            u"共 1 个编号找到标题。</p>"})
-    EXPECT_NE(run.text.find(said), npos) << ToUtf8(said) << "\n" << ToUtf8(run.text);
+    EXPECT_TRUE(Holds(run.text, said));
   EXPECT_TRUE(inside.Requests().empty());
 }
 

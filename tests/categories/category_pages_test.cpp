@@ -107,8 +107,7 @@ TEST_F(SortPages, BatchAddsStoreEveryLineUnderOneParentShownByItsPath) {
   AddCategory("甲", 8);  // 7 and 8 are each other's parent
   AddCategory("乙", 7);
   AddCategory("孤", 99);
-  auto conn = std::make_shared<ado::Connection>();
-  conn->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
+  auto conn = Connect(site.database());
   auto path = [&](int id) {
     return categories::ParentPath(*conn, *categories::Find(*conn, Variant(id)));
   };

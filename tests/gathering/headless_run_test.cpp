@@ -15,7 +15,6 @@ namespace {
 class Walk : public ::testing::Test {
  protected:
   void SetUp() override {
-    conn->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
     EnsureRunJournal(*conn);
     run = StartRun(*conn, u"list", 1, u"k", 1, 5);
   }
@@ -30,7 +29,7 @@ class Walk : public ::testing::Test {
   }
 
   testing::TestSite site;
-  std::shared_ptr<ado::Connection> conn = std::make_shared<ado::Connection>();
+  std::shared_ptr<ado::Connection> conn = testing::Connect(site.database());
   JournalRun run;
   const SourceSite source{u"W", u"http://w.test/"};
 };

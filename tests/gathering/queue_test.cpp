@@ -131,18 +131,17 @@ TEST_F(Queue, FailedFetchesAreRetriedThenKeptAndCanBeQueuedAgain) {
             "failed3 " + remote.Url("/r/2.html?q=%E7%94%B5%E5%BD%B1") + ": status 503");
   EXPECT_EQ(Value("select state || pages || failed from gather_run"), "done31");
 
-  ado::Connection conn;
-  conn.Open(u"DBQ=" + FromUtf8(db.string()) + u";");
+  auto conn = testing::Connect(db);
   remote.Set("/r/2.html", {200, FixtureResultPage(2, 4)});
-  EXPECT_EQ(gathering::RequeueFailed(conn, 1), 1);
-  EXPECT_EQ(gathering::RequeueFailed(conn, 1), 0);
+  EXPECT_EQ(gathering::RequeueFailed(*conn, 1), 1);
+  EXPECT_EQ(gathering::RequeueFailed(*conn, 1), 0);
   EXPECT_NE(Work().find("\"pages\":1,\"inserted\":4"), npos);
   EXPECT_EQ(Value("select state || pages || failed || inserted from gather_run"), "done3012");
 
   // A stopped run loses its queued pages; a finished one cannot be stopped.
   QueueRun("4-6");
-  EXPECT_TRUE(gathering::StopRun(conn, 2));
-  EXPECT_FALSE(gathering::StopRun(conn, 1));
+  EXPECT_TRUE(gathering::StopRun(*conn, 2));
+  EXPECT_FALSE(gathering::StopRun(*conn, 1));
   EXPECT_NE(Work().find("\"runs\":0,\"pages\":0"), npos);
   EXPECT_EQ(Value("select state from gather_run where id = 2"), "stopped");
   EXPECT_EQ(Asked("/r/4.html"), 0);

@@ -12,8 +12,7 @@ namespace {
 
 TEST(RuleFile, IsRewrittenFromItsTemplateAndReadsBackAsTyped) {
   testing::TestSite site;
-  auto conn = std::make_shared<ado::Connection>();
-  conn->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
+  auto conn = testing::Connect(site.database());
   const auto templ = site.root() / "template.asp", out = site.root() / "list.asp";
   std::ofstream(templ)
       << "<%\r\nSelect Case ID\r\n[osearch]gather_web_list[/osearch]\r\nEnd Select\r\n%>";
@@ -54,8 +53,7 @@ TEST(RuleFile, NoStoredValueBreaksEitherFileOrAddsAnArm) {
   for (const auto& [sql, typed] : hostile) {
     SCOPED_TRACE(ToUtf8(typed));
     testing::TestSite site;
-    auto conn = std::make_shared<ado::Connection>();
-    conn->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
+    auto conn = testing::Connect(site.database());
     const auto templ = site.root() / "template.asp", out = site.root() / "rules.asp";
     std::ofstream(templ) << "<%\r\nSelect Case ID\r\n[osearch]gather_web_list[/osearch]\r\n"
                             "End Select\r\n%>";

@@ -29,9 +29,7 @@ const std::u16string kPool[] = {
 
 class Records {
  public:
-  explicit Records(const TestSite& site) : conn_(std::make_shared<ado::Connection>()) {
-    conn_->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
-  }
+  explicit Records(const TestSite& site) : conn_(testing::Connect(site.database())) {}
   ado::Connection& conn() { return *conn_; }
 
   std::u16string RandomText(std::size_t longest) {
@@ -129,25 +127,20 @@ void ExpectSameAsScan(Records& records, const std::vector<std::u16string>& words
     const Variant w(word);
     const std::vector<std::u16string> scanned =
         records.Ids(u"where title" + like + u" or content" + like, {w, w});
-    const Condition both = ContainsWord(word, Fields::TitleOrContent, index);
-    ASSERT_EQ(records.Ids(both.where, both.params), scanned) << ToUtf8(word);
-    ASSERT_EQ(CDbl(records.conn().Execute(both.count, both.countParams)->FieldAt(0)),
-              static_cast<double>(scanned.size()))
-        << ToUtf8(word);
-    const Condition title = ContainsWord(word, Fields::Title, index);
-    const std::vector<std::u16string> inTitles = records.Ids(u"where title" + like, {w});
-    ASSERT_EQ(records.Ids(title.where, title.params), inTitles) << ToUtf8(word);
-    ASSERT_EQ(CDbl(records.conn().Execute(title.count, title.countParams)->FieldAt(0)),
-              static_cast<double>(inTitles.size()))
-        << ToUtf8(word);
-    const Condition content = ContainsWord(word, Fields::Content, index);
-    ASSERT_EQ(records.Ids(content.where, content.params), records.Ids(u"where content" + like, {w}))
-        << ToUtf8(word);
+    for (const auto& [fields, scan] :
+         {std::pair{Fields::TitleOrContent, scanned},
+          {Fields::Title, records.Ids(u"where title" + like, {w})},
+          {Fields::Content, records.Ids(u"where content" + like, {w})}}) {
+      const Condition found = ContainsWord(word, fields, index);
+      ASSERT_EQ(records.Ids(found.where, found.params), scan);
+      ASSERT_EQ(CDbl(records.conn().Execute(found.count, found.countParams)->FieldAt(0)),
+                static_cast<double>(scan.size()));
+    }
     // Without wildcards the index alone finds exactly the matches.
     if (auto match = MatchExpression(word, Fields::TitleOrContent);
         taken && index == RecordIndex::kTokens && match &&
         word.find_first_of(u"%_") == std::u16string::npos) {
-      ASSERT_EQ(records.IndexCount(*match), static_cast<double>(scanned.size())) << ToUtf8(word);
+      ASSERT_EQ(records.IndexCount(*match), static_cast<double>(scanned.size()));
     }
     found += !scanned.empty();
   }

@@ -15,6 +15,7 @@
 #include "frame/error_log.h"
 #include "frame/request_context.h"
 #include "frame/site_page.h"
+#include "platform/ado/connection.h"
 #include "platform/object_factory.h"
 #include "platform/text/codepage.h"
 #include "support/test_database.h"
@@ -54,6 +55,13 @@ class TestSite : public TempDir {
  private:
   TestDatabase database_;
 };
+
+// A connection to the database at `file` (a SQLite file, or a site's address file).
+inline std::shared_ptr<ado::Connection> Connect(const std::filesystem::path& file) {
+  auto conn = std::make_shared<ado::Connection>();
+  conn->Open(u"DBQ=" + FromUtf8(file.string()) + u";");
+  return conn;
+}
 
 // One request: the five objects, published as the thread's object context while it lives.
 class TestRequest {
