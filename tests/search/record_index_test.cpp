@@ -1,20 +1,19 @@
-// The record index against the plain LIKE scan, on each database: on generated records (a
-// fixed seed) in Chinese, Latin of both cases, mixed text, digits, spaces, wildcard and escape
-// characters and characters outside the BMP, every word looked up through the index finds the
-// same rows in the same order as `LIKE '%word%'`, before and after the records are edited,
-// deleted, renumbered and added to, and while the changed records wait to be taken into the
-// index and after they are, and after a rebuild. Once taken in, the index holds what db holds:
-// on SQLite a word without wildcards is found by the index alone (it narrows the rows to the
-// matches, not merely to a superset of them); on PostgreSQL every record's keys are those of
-// its text as it is now.
+// The record index against the plain LIKE scan, on each database: on generated records (a fixed
+// seed) of Chinese, Latin of both cases, wildcards, escapes and characters outside the BMP, every
+// word finds through the index the rows `LIKE '%word%'` finds, in its order, through edits,
+// deletes, renumbering, additions, pending and taken-in changes and a rebuild; once taken in, the
+// index holds exactly what db holds. And visitors' words counted in keyword.
 #include <gtest/gtest.h>
 
+#include <barrier>
 #include <random>
+#include <thread>
 
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
 #include "search/record_index.h"
 #include "search/record_match.h"
+#include "search/search_words.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::search {
@@ -181,6 +180,42 @@ TEST(RecordIndex, WordsOfOnlyWildcardsOrNothingHaveNoLookUp) {
   EXPECT_EQ(LiteralPieces(u"a\\%b_\\"), (std::vector<std::u16string>{u"a%b", u"%"}));
   // A quote stays inside its phrase; the column limits the whole expression.
   EXPECT_EQ(*MatchExpression(u"a\"b%c", Fields::Title), u"{title} : (\"a\"\"b\" AND \"c\")");
+}
+
+TEST(SearchWords, SimultaneousSearchesOfNewWordsKeepOneRowEach) {
+  testing::TestSite site;
+  const std::u16string connstr = u"DBQ=" + FromUtf8(site.database().string()) + u";";
+  constexpr int kWords = 40, kSearchers = 3;
+  std::barrier start(kSearchers);
+  std::vector<std::jthread> searchers;
+  for (int s = 0; s < kSearchers; ++s)
+    searchers.emplace_back([&] {
+      auto conn = std::make_shared<ado::Connection>();
+      conn->Open(connstr);
+      for (int w = 0; w < kWords; ++w) {
+        start.arrive_and_wait();  // all searchers look up the same new word at once
+        CountSearch(*conn, u"词" + FromUtf8(std::to_string(w)));
+      }
+    });
+  searchers.clear();
+  auto conn = std::make_shared<ado::Connection>();
+  conn->Open(connstr);
+  auto rs = conn->Execute(u"select count(*), min(hot), max(hot) from keyword");
+  EXPECT_EQ(CDbl(rs->FieldAt(0)), kWords);
+  EXPECT_EQ(CDbl(rs->FieldAt(1)), kSearchers);
+  EXPECT_EQ(CDbl(rs->FieldAt(2)), kSearchers);
+}
+
+TEST(SearchWords, AnAddressCountsAWordOnceInTheWindow) {
+  RepeatFilter filter(600, 3);
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1000));
+  EXPECT_FALSE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1599));
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.2", u"功夫", 1599));  // another address
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1", u"熊猫", 1599));  // another word
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1600));  // the window has passed
+  EXPECT_FALSE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1700));
+  // The pairs do not mix: an address ending where a word begins is another pair.
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1\n功", u"夫", 1700));
 }
 
 }  // namespace
