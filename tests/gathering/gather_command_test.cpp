@@ -8,8 +8,6 @@
 #include "support/database_holder.h"
 #include "support/gathering_site.h"
 #include "support/holds.h"
-#include "support/id_rule_fixture.h"
-#include "support/list_rule_fixture.h"
 
 namespace ostrakan {
 namespace {
@@ -18,39 +16,20 @@ using testing::FixtureResultPage;
 using testing::Holds;
 using testing::RemoteReply;
 
-// A fresh site with a list rule over result pages /r/<page>.html (four entries each) and an ID
-// rule over pages /id/<id>.html, both on the fixture remote site.
 class GatherCommand : public testing::GatheringSite {
  protected:
-  void SetUp() override {
-    GatheringSite::SetUp();
-    for (int n = 1; n <= 5; ++n) {
-      remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
-      remote.Set("/id/" + std::to_string(n) + ".html", {200, testing::FixtureIdPage(n)});
-    }
-    listRule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
-    idRule = testing::InsertFixtureIdRule(db, remote.Url("/id/[id].html"));
-  }
-
-  // Runs the command in this process: 2 for arguments it refuses, else its exit status; `said`
-  // gets what it wrote (the refusal, or standard error followed by standard output).
+  // `ostrakan gather ARGS` on the site, without pauses (see testing::RunCommand).
   int Run(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", site.string(), "--delay-ms", "0"});
-    std::string problem;
-    auto options = engine::ParseGatherArgs(args, problem);
-    if (!options) {
-      said = problem;
-      return 2;
-    }
-    options->retryPauseMs = 10;
-    options->fetcher = fetcher;
-    std::ostringstream o, e;
-    const int rc = engine::RunGather(*options, o, e);
-    said = e.str() + o.str();
-    return rc;
+    auto run = [this](engine::GatherOptions& o, std::ostream& out, std::ostream& err) {
+      o.retryPauseMs = 10;
+      o.fetcher = fetcher;
+      return engine::RunGather(o, out, err);
+    };
+    return testing::RunCommand(engine::ParseGatherArgs, run, args, said);
   }
 
-  std::string listRule, idRule, said;
+  std::string said;
   std::shared_ptr<http::Fetcher> fetcher;  // the libcurl fetcher when null
 };
 

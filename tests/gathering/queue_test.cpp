@@ -12,7 +12,6 @@
 #include "engine/worker_command.h"
 #include "gathering/work_queue.h"
 #include "support/gathering_site.h"
-#include "support/list_rule_fixture.h"
 
 namespace ostrakan {
 namespace {
@@ -40,17 +39,10 @@ class FailsFirstFetch : public http::Fetcher {
 
 class Queue : public testing::GatheringSite {
  protected:
-  void SetUp() override {
-    GatheringSite::SetUp();
-    for (int n = 1; n <= 40; ++n)
-      remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
-    rule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
-  }
-
   // Queues a run of the list rule; the command's answer.
   std::string QueueRun(const std::string& pages, const std::string& delayMs = "0") {
     std::string problem;
-    auto o = engine::ParseGatherArgs({"--site", site.string(), "list", rule, "--pages", pages,
+    auto o = engine::ParseGatherArgs({"--site", site.string(), "list", listRule, "--pages", pages,
                                       "--delay-ms", delayMs, "--queue", "--json"},
                                      problem);
     EXPECT_TRUE(o) << problem;
@@ -59,20 +51,6 @@ class Queue : public testing::GatheringSite {
     EXPECT_EQ(engine::RunGather(*o, out, err), 0) << err.str();
     return out.str();
   }
-
-  // Runs `ostrakan worker --once --json` in this process; its last line.
-  std::string Work(std::shared_ptr<http::Fetcher> fetcher = nullptr) {
-    engine::WorkerOptions o;
-    o.site = site;
-    o.once = o.json = true;
-    o.fetcher = std::move(fetcher);
-    std::ostringstream out, err;
-    EXPECT_EQ(engine::RunWorker(o, out, err), 0) << err.str();
-    const std::string text = out.str();
-    return text.substr(text.rfind('\n', text.size() - 2) + 1);
-  }
-
-  std::string rule;
 };
 
 TEST_F(Queue, TwoWorkersShareARunFetchingAndStoringEachPageOnce) {

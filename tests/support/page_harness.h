@@ -9,6 +9,7 @@
 #include <iterator>
 #include <optional>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -61,6 +62,19 @@ inline std::shared_ptr<ado::Connection> Connect(const std::filesystem::path& fil
   auto conn = std::make_shared<ado::Connection>();
   conn->Open(u"DBQ=" + FromUtf8(file.string()) + u";");
   return conn;
+}
+
+// Runs a command in this process as `ostrakan` would: 2 when `parse` refuses the arguments, else
+// the status `run` returns; `said` gets the refusal, or standard error followed by the output.
+template <class Parse, class Run>
+int RunCommand(Parse parse, Run run, const std::vector<std::string>& args, std::string& said) {
+  std::string problem;
+  auto options = parse(args, problem);
+  if (!options) return said = problem, 2;
+  std::ostringstream out, err;
+  const int status = run(*options, out, err);
+  said = err.str() + out.str();
+  return status;
 }
 
 // One request: the five objects, published as the thread's object context while it lives.
