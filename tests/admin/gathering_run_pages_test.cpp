@@ -85,22 +85,14 @@ class IdRunPages : public AdminPages {
   std::shared_ptr<Fakes> fakes = std::make_shared<Fakes>();
 };
 
-TEST_F(IdRunPages, VerifyShowsEachIdWithoutStoring) {
-  PageRun run = Verify(u"1", u"4");
-  EXPECT_TRUE(run.completed);
-  EXPECT_EQ(run.text, u"hello world<br>hello world<br>" + Address(1) + u"<br><br>" +
-                          u"找不到相关数据<br>" + Address(2) + u"<br><br>" +
-                          // A page that could not be fetched is an entry with empty texts.
-                          u"<br><br>" + Address(3) + u"<br><br>" +
-                          // A tag inside the title markers: no title.
-                          u"<br><br>" + Address(4) + u"<br><br>" + u"影视站" + u"7");
-  EXPECT_TRUE(fakes->saved.empty());
-  EXPECT_EQ(site.log(), "");
+// What each ID gives is the rule trial test's below; here, when the page fetches and what it
+// escapes.
+TEST_F(IdRunPages, VerifyFetchesOnlyWhenAskedAndEscapesWhatItShows) {
   // Without Action=ok only the form is shown; a start above the end fetches nothing.
-  fakes->fetched.clear();
   EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, {}, RuleFields()).text, u"影视站");
   EXPECT_EQ(Verify(u"5", u"4").text, u"影视站7");
   EXPECT_TRUE(fakes->fetched.empty());
+  EXPECT_EQ(site.log(), "");
 
   // What the pages and the request bring is escaped.
   fakes->pages[Address(1)] = u"<h1>a&amp;b</h1>";
@@ -212,6 +204,8 @@ TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
   ASSERT_TRUE(run.completed);
   const std::u16string at = FromUtf8(remote.Url("/id/"));
   for (const std::u16string& said : std::vector<std::u16string>{
+           u"film 影片 1<br>film 影片 1<br>" + at + u"1.html<br><br>找不到相关数据<br>" + at +
+               u"2.html<br><br><br><br>" + at + u"3.html<br><br><br><br>" + at + u"4.html",
            u"编号 1：找到标题　" + at + u"1.html<br>", u"编号 2：找不到相关数据",
            u"编号 3：<span class=\"warn\">未能取得页面（远程网站回答状态 404）</span>",
            u"编号 4：<span class=\"warn\">没有找到标题（页面的标记可能已改变）</span>",
@@ -219,6 +213,7 @@ TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
            u"共 1 个编号找到标题。</p>"})
     EXPECT_TRUE(Holds(run.text, said));
   EXPECT_TRUE(inside.Requests().empty());
+  EXPECT_EQ(Value("select count(*) from db"), "0");  // a trial stores nothing
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ TEST(RuleFile, IsRewrittenFromItsTemplateAndReadsBackAsTyped) {
   // The forms store quotes doubled; a lone quote and line breaks can come from elsewhere.
   testing::Sql(site.database(),
                "insert into gather_list_web (web, image_end, url_end, title_start) values "
-               "('站', '\"\" alt', 'a\"b', '<b>' || char(13, 10) || '<i>')");
+               "('站', '\"\" alt', 'a\"b', '<b>\r\n<i>')");
   EXPECT_TRUE(RegenerateListRuleFile(*conn, templ, out));
   const std::u16string text = text::Decode(testing::ReadFile(out), text::kAnsiCodePage);
   EXPECT_TRUE(
@@ -47,7 +47,7 @@ TEST(RuleFile, NoStoredValueBreaksEitherFileOrAddsAnArm) {
   const std::vector<std::pair<std::string, std::u16string>> hostile = {
       {"'a\"b'", u"a\"b"},                      // a lone quote
       {"'x\" \r\nCase 9'", u"x\" \r\nCase 9"},  // closes the string, then a new arm
-      {"'\"' || char(10) || 'Case 9' || char(13) || 'Web=\"z'", u"\"\nCase 9\rWeb=\"z"},
+      {"'\"\nCase 9\rWeb=\"z'", u"\"\nCase 9\rWeb=\"z"},
       {"'\"><script>alert(1)</script>'", u"\"><script>alert(1)</script>"},
       {"'%>'", u"%>"}};
   for (const auto& [sql, typed] : hostile) {
