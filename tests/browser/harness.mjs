@@ -131,6 +131,15 @@ export async function fill(page, fields) {
   for (const [name, value] of Object.entries(fields)) await page.fill(`[name=${name}]`, value);
 }
 
+// Adds a gathering rule of `kind` ('list' or 'id') through its add form, for a UTF-8 site.
+export async function addRule({ site, page, dialogs }, kind, fields) {
+  await page.goto(`${site.base}/admin/gather_${kind}_web_add.asp`);
+  await fill(page, fields);
+  await page.selectOption('select[name=charset]', 'utf-8');
+  await Promise.all([page.waitForURL(new RegExp(`gather_${kind}_web_manage\\.asp`)), page.click('input[type=submit]')]);
+  if (!dialogs.includes('添加成功！')) throw new Error(`the rule was not added: ${dialogs}`);
+}
+
 // Clicks `selector` and waits for the page it loads.
 export const clickToLoad = (page, selector) => Promise.all([page.waitForLoadState('load'), page.click(selector)]);
 

@@ -2,7 +2,7 @@
 // site added, tried in its pop-up, run over 1 to 4 by itself, its range and records listed.
 import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { useSite, screenshot, fill } from './harness.mjs';
+import { useSite, screenshot, fill, addRule } from './harness.mjs';
 
 // Page n of the fixture site, UTF-8; ID 3 is one the site does not have.
 function answer(url) {
@@ -16,16 +16,12 @@ function answer(url) {
 const fixture = useSite({ answer });
 
 test('an ID rule is added, tested, run over 1 to 4, and its range and records are listed', async () => {
-  const { site, remote, context, page, dialogs, alertOf } = fixture;
-  await page.goto(`${site.base}/admin/gather_id_web_add.asp`);
-  await fill(page, {
+  const { site, remote, context, page, alertOf } = fixture;
+  await addRule(fixture, 'id', {
     web: '功夫编号站', url: 'http://kungfu.test/', gather_url: `${remote.base}/play/[id].html`,
     error_html: '<div class="none">', title_start: '<h1 class="t">', title_end: '</h1>',
     content_start: '<p class="d">', content_end: '</p>',
   });
-  await page.selectOption('select[name=charset]', 'utf-8');
-  await Promise.all([page.waitForURL(/gather_id_web_manage\.asp/), page.click('input[type=submit]')]);
-  assert.ok(dialogs.includes('添加成功！'));
 
   // The test pop-up: IDs 2 to 3, one with data and one without; nothing is stored.
   const [popup] = await Promise.all([context.waitForEvent('page'), page.click('span:text-is("测试")')]);

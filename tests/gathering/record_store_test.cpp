@@ -17,12 +17,11 @@ namespace {
 
 class Records : public ::testing::Test {
  protected:
-  void SetUp() override { conn.Open(Dsn()); }
-  std::u16string Dsn() const { return u"DBQ=" + FromUtf8(site.database().string()) + u";"; }
   std::string Value(const std::string& sql) { return testing::SqlValue(site.database(), sql); }
 
   testing::TestSite site;
-  ado::Connection conn;
+  std::shared_ptr<ado::Connection> connection = testing::Connect(site.database());
+  ado::Connection& conn = *connection;
   const SourceSite source{u"样站", u"http://www.fixture.test/\"x\""};
 };
 
@@ -86,9 +85,8 @@ TEST_F(Records, AFailedWriteLeavesNoHalfRecordAndNoOpenTransaction) {
 TEST_F(Records, TwoRunsStoringTheSameLinksAtOnceStoreEachOnce) {
   std::latch start(2);
   auto run = [&] {
-    ado::Connection own;
-    own.Open(Dsn());
-    RecordStore store(own, source);
+    auto own = testing::Connect(site.database());
+    RecordStore store(*own, source);
     start.arrive_and_wait();
     for (int i = 0; i < 40; ++i)
       store.Store({u"t", u"c", u"v.test/same/" + FromUtf8(std::to_string(i)), u""});
@@ -99,13 +97,12 @@ TEST_F(Records, TwoRunsStoringTheSameLinksAtOnceStoreEachOnce) {
   EXPECT_EQ(Value("select count(*) || ',' || count(distinct url) from db"), "40,40");
 }
 
-class Walk : public ::testing::Test {
+class Walk : public Records {
  protected:
   void SetUp() override {
-    EnsureRunJournal(*conn);
-    run = StartRun(*conn, u"list", 1, u"k", 1, 5);
+    EnsureRunJournal(conn);
+    run = StartRun(conn, u"list", 1, u"k", 1, 5);
   }
-  std::string Value(const std::string& sql) { return testing::SqlValue(site.database(), sql); }
   static UnitResult Page(long unit) {
     UnitResult r;
     for (int n = 1; n <= 2; ++n) {
@@ -115,10 +112,7 @@ class Walk : public ::testing::Test {
     return r;
   }
 
-  testing::TestSite site;
-  std::shared_ptr<ado::Connection> conn = testing::Connect(site.database());
   JournalRun run;
-  const SourceSite source{u"W", u"http://w.test/"};
 };
 
 TEST_F(Walk, UnitsReadyAtOnceAreStoredAndReportedInOrderOnceCommitted) {
@@ -134,7 +128,7 @@ TEST_F(Walk, UnitsReadyAtOnceAreStoredAndReportedInOrderOnceCommitted) {
     said.push_back("failed " + std::to_string(unit) + " " + why);
   };
   WalkRun(
-      *conn, run, source,
+      conn, run, source,
       [](long unit) {
         if (unit != 3) return Page(unit);
         UnitResult r;
@@ -161,7 +155,7 @@ TEST_F(Walk, AUnitSlowToComeFindsTheUnitsBeforeItCommitted) {
   std::shared_future<void> release = released.get_future().share();
   std::string seenWhileWaiting;
   std::thread watcher;
-  WalkRun(*conn, run, source,
+  WalkRun(conn, run, source,
           [&](long unit) {
             if (unit == 4) {
               // Units 1-3 were handed over at once; the walk must commit them rather than hold
