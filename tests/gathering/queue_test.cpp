@@ -12,13 +12,13 @@
 #include "engine/worker_command.h"
 #include "gathering/work_queue.h"
 #include "support/gathering_site.h"
+#include "support/holds.h"
 
 namespace ostrakan {
 namespace {
 
 using testing::FixtureResultPage;
 using testing::RemoteReply;
-constexpr auto npos = std::string::npos;
 
 // Fails the first fetch of each address (as a refused connection), then asks the real site.
 class FailsFirstFetch : public http::Fetcher {
@@ -113,14 +113,14 @@ TEST_F(Queue, FailedFetchesAreRetriedThenKeptAndCanBeQueuedAgain) {
   remote.Set("/r/2.html", {200, FixtureResultPage(2, 4)});
   EXPECT_EQ(gathering::RequeueFailed(*conn, 1), 1);
   EXPECT_EQ(gathering::RequeueFailed(*conn, 1), 0);
-  EXPECT_NE(Work().find("\"pages\":1,\"inserted\":4"), npos);
+  EXPECT_TRUE(testing::Holds(Work(), "\"pages\":1,\"inserted\":4"));
   EXPECT_EQ(Value("select state || pages || failed || inserted from gather_run"), "done3012");
 
   // A stopped run loses its queued pages; a finished one cannot be stopped.
   QueueRun("4-6");
   EXPECT_TRUE(gathering::StopRun(*conn, 2));
   EXPECT_FALSE(gathering::StopRun(*conn, 1));
-  EXPECT_NE(Work().find("\"runs\":0,\"pages\":0"), npos);
+  EXPECT_TRUE(testing::Holds(Work(), "\"runs\":0,\"pages\":0"));
   EXPECT_EQ(Value("select state from gather_run where id = 2"), "stopped");
   EXPECT_EQ(Asked("/r/4.html"), 0);
 }
@@ -132,10 +132,10 @@ TEST_F(Queue, QueueAndWorkerRefuseWhatTheyCannotDo) {
   EXPECT_FALSE(engine::ParseWorkerArgs({"--once"}, problem));
   EXPECT_EQ(problem, "worker needs --site DIR");
   EXPECT_FALSE(engine::ParseWorkerArgs({"--site", "x", "--lease-seconds", "0"}, problem));
-  auto o = engine::ParseGatherArgs({"--site", site.string(), "list", "77", "--queue"}, problem);
-  std::ostringstream out, err;
-  EXPECT_EQ(engine::RunGather(*o, out, err), 1);
-  EXPECT_EQ(err.str(), "ostrakan gather: there is no list rule number 77 in this site\n");
+  EXPECT_EQ(testing::RunCommand(engine::ParseGatherArgs, engine::RunGather,
+                                {"--site", site.string(), "list", "77", "--queue"}, problem),
+            1);
+  EXPECT_EQ(problem, "ostrakan gather: there is no list rule number 77 in this site\n");
   EXPECT_EQ(Value("select count(*) from gather_run"), "0");
 }
 
