@@ -1,9 +1,6 @@
-// The rule test pop-ups and the ID gathering run. With pages served from memory and the records
-// a run would store collected: what each ID page shows, fetches and stores, step by step. Against
-// the fixture remote site: what each page or ID gave and why a page could not be fetched.
-#include <map>
-
-#include "gathering/id_page_source.h"
+// The rule test pop-ups and the ID gathering run against the fixture remote site: what each ID
+// page shows, fetches and stores, step by step; what each page or ID gave in a trial and why a
+// page could not be fetched.
 #include "support/admin_pages.h"
 #include "support/list_rule_fixture.h"
 #include "support/remote_site.h"
@@ -12,23 +9,6 @@ namespace ostrakan {
 namespace {
 
 using namespace testing;
-using gathering::IdRecord;
-
-// Pages served from memory, and the records a run would store.
-struct Fakes : gathering::PageSource, gathering::IdStore {
-  std::u16string Fetch(std::u16string_view url, std::u16string_view charset) override {
-    fetched.emplace_back(url);
-    EXPECT_EQ(charset, u"gb2312");
-    return pages[std::u16string(url)];
-  }
-  void Save(ado::Connection& conn, const IdRecord& record) override {
-    EXPECT_EQ(conn.State(), 1);
-    saved.push_back(record);
-  }
-  std::map<std::u16string, std::u16string> pages;
-  std::vector<std::u16string> fetched;
-  std::vector<IdRecord> saved;
-};
 
 // A rule's fields as the rule file hands them on, from one text with '|' between them.
 std::vector<std::u16string> Fields(const std::u16string& text) {
@@ -38,51 +18,47 @@ std::vector<std::u16string> Fields(const std::u16string& text) {
   return fields;
 }
 
-// The nine fields of the ID rule the pages from memory are cut with.
-std::vector<std::u16string> RuleFields(const std::u16string& titleStart = u"<h1>") {
-  std::vector<std::u16string> fields = Fields(
-      u"影视站|http://v.example/|http://127.0.0.1/html/[id].html|gb2312|<p class=\"none\">||</h1>|"
-      u"<div class=\"d\">|</div>");
-  fields[5] = titleStart;
-  return fields;
-}
-
-std::u16string Address(int id) {
-  return u"http://127.0.0.1/html/" + CStr(Variant(id)) + u".html";
-}
-
 class IdRunPages : public AdminPages {
  protected:
   IdRunPages() {
-    gathering::UseIdGatheringServices(fakes, fakes);
-    fakes->pages[Address(1)] = u"<html><H1>Hello World</H1><div class=\"d\">Other</div></html>";
-    fakes->pages[Address(2)] = u"<html><p class=\"none\">没有数据</p></html>";
-    fakes->pages[Address(4)] = u"<h1>Hello <i>World</i></h1>";
+    remote.Set("/html/1.html",
+               {200, "<html><H1>Hello World</H1><div class=\"d\">Other</div></html>"});
+    remote.Set("/html/2.html", {200, "<html><p class=\"none\">no data</p></html>"});
+    remote.Set("/html/4.html", {200, "<h1>Hello <i>World</i></h1>"});
     Sql(site.database(),
         "insert into gather_id_web (id, web, range) values (7, 'a', ''), (8, 'b', 'x')");
   }
-  ~IdRunPages() override { gathering::UseIdGatheringServices(nullptr, nullptr); }
 
+  // The nine fields of rule 7, for the remote site's pages /html/<id>.html.
+  std::vector<std::u16string> RuleFields(const std::u16string& titleStart = u"<h1>") {
+    std::vector<std::u16string> fields =
+        Fields(u"影视站|http://v.example/|" + Address(u"[id]") +
+               u"|gb2312|<p class=\"none\">||</h1>|<div class=\"d\">|</div>");
+    fields[5] = titleStart;
+    return fields;
+  }
+  std::u16string Address(const std::u16string& id) {
+    return FromUtf8(remote.Url("/html/")) + id + u".html";
+  }
   // The verify page (Class43) for rule 7.
   PageRun Verify(const std::u16string& from, const std::u16string& to,
-                 const std::vector<std::u16string>& rule = RuleFields()) {
+                 const std::u16string& titleStart = u"<h1>") {
     const Keys query = {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", from}, {u"ID_End", to}};
-    return Run(u"Ostrakan.Class43", 3, query, {}, {}, rule);
+    return Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields(titleStart));
   }
   // One step of a run (Class53).
   PageRun Step(const std::u16string& id, const std::u16string& from, const std::u16string& to,
-               const std::u16string& dbNum = u"",
-               const std::vector<std::u16string>& rule = RuleFields()) {
+               const std::u16string& dbNum = u"", const std::u16string& titleStart = u"<h1>") {
     Keys query = {{u"ID", id}, {u"ID_Start", from}, {u"ID_End", to}};
     if (!dbNum.empty()) query.emplace_back(u"DB_Num", dbNum);
-    return Run(u"Ostrakan.Class53", 1, query, {}, {}, rule);
+    return Run(u"Ostrakan.Class53", 1, query, {}, {}, RuleFields(titleStart));
   }
   std::string Ranges() {
     return Value(
         "select group_concat(range, '|') from (select range from gather_id_web order by id) as t");
   }
 
-  std::shared_ptr<Fakes> fakes = std::make_shared<Fakes>();
+  RemoteSite remote;
 };
 
 // What each ID gives is the rule trial test's below; here, when the page fetches and what it
@@ -91,52 +67,51 @@ TEST_F(IdRunPages, VerifyFetchesOnlyWhenAskedAndEscapesWhatItShows) {
   // Without Action=ok only the form is shown; a start above the end fetches nothing.
   EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, {}, RuleFields()).text, u"影视站");
   EXPECT_EQ(Verify(u"5", u"4").text, u"影视站7");
-  EXPECT_TRUE(fakes->fetched.empty());
+  EXPECT_TRUE(remote.Requests().empty());
   EXPECT_EQ(site.log(), "");
 
   // What the pages and the request bring is escaped.
-  fakes->pages[Address(1)] = u"<h1>a&amp;b</h1>";
+  remote.Set("/html/1.html", {200, "<h1>a&amp;b</h1>"});
   const Keys query = {
       {u"id", u"7\"><script>"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"1"}};
-  EXPECT_EQ(
-      Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields()).text,
-      u"a&amp;amp;b<br>a&amp;amp;b<br>" + Address(1) + u"<br><br>影视站7&quot;&gt;&lt;script&gt;");
+  EXPECT_EQ(Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields()).text,
+            u"a&amp;amp;b<br>a&amp;amp;b<br>" + Address(u"1") +
+                u"<br><br>影视站7&quot;&gt;&lt;script&gt;");
 }
 
 TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
-  EXPECT_EQ(Verify(u"1", u"2", RuleFields(u"<h1>(")).text, u"影视站7");
+  EXPECT_EQ(Verify(u"1", u"2", u"<h1>(").text, u"影视站7");
   EXPECT_TRUE(Holds(site.log(),
                     "\\admin\\gather_id_web_verify, InitFunction1: Syntax error in "
                     "regular expression"));
-  fakes->fetched.clear();
+  const size_t asked = remote.Requests().size();
   EXPECT_EQ(Verify(u"a", u"2").text, u"影视站7");
   EXPECT_TRUE(Holds(site.log(), "InitFunction1: Type mismatch"));
-  EXPECT_TRUE(fakes->fetched.empty());
+  EXPECT_EQ(remote.Requests().size(), asked);
 
   // A marker that runs away on a large page: logged, and the run stops.
-  fakes->pages[Address(1)] = std::u16string(1 << 20, u'a');
-  PageRun run = Step(u"7", u"1", u"3", u"", RuleFields(u"(a|aa)*<h1>"));
+  remote.Set("/html/1.html", {200, std::string(1 << 20, 'a')});
+  PageRun run = Step(u"7", u"1", u"3", u"", u"(a|aa)*<h1>");
   EXPECT_TRUE(run.completed);
   EXPECT_EQ(run.text, u"正在采集第 1 页<br>还乘余 2 页等待处理...");  // no next step
   EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Out of stack space"));
-  EXPECT_TRUE(fakes->saved.empty());
+  EXPECT_EQ(Value("select count(*) from db"), "0");
 }
 
 // The pages' flow from step to step is tested over HTTP; here, what a step hands on.
 TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
   EXPECT_TRUE(
       Holds(Step(u"7", u"1", u"3").text, u"gather_id_db_ok.asp?ID=7&ID_Start=2&DB_Num=1&ID_End=3"));
-  ASSERT_EQ(fakes->saved.size(), 1u);
-  const IdRecord& r = fakes->saved[0];
-  EXPECT_EQ(r.title + u"|" + r.content + u"|" + r.url + u"|" + r.source + u"|" + r.source_url,
-            u"hello world|hello world|127.0.0.1/html/1.html|影视站|v.example/");
+  EXPECT_EQ(
+      Value("select group_concat(title || '|' || content || '|' || url || '|' || source || "
+            "'|' || source_url) from db"),
+      "hello world|hello world|" + remote.Url("/html/1.html").substr(7) + "|影视站|v.example/");
   // Start 1, end 3: the request for 3 writes 3 - 2 = 1 as the start of the range. The last ID
   // is fetched, but its store fails for want of the connection (logged).
-  fakes->fetched.clear();
   EXPECT_EQ(Step(u"7", u"3", u"3", u"2").text.find(u"Next_Page"), std::u16string::npos);
   EXPECT_EQ(Ranges(), "1 - 3|x");
-  EXPECT_EQ(fakes->fetched, std::vector<std::u16string>{Address(3)});
-  EXPECT_EQ(fakes->saved.size(), 1u);
+  EXPECT_EQ(remote.Requests().back(), "/html/3.html");
+  EXPECT_EQ(Value("select count(*) from db"), "1");
   EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Object required"));
 }
 
