@@ -147,16 +147,14 @@ TEST_F(HostileText, NoPageWritesStoredTextAsMarkupOrCode) {
   for (const char16_t* field : {u"db.title", u"db.source", u"sort.child", u"keyword", u"list.web",
                                 u"id.web", u"id.range", u"admin.login_ip", u"admin.login_time"})
     if (!OnPostgres() || field != std::u16string_view(u"admin.login_time")) {
-      EXPECT_NE(shown.find(u"&lt;hostile field=" + std::u16string(field) + u"&gt;"),
-                std::u16string::npos)
-          << ToUtf8(field);
+      EXPECT_TRUE(Holds(shown, u"&lt;hostile field=" + std::u16string(field) + u"&gt;"));
     }
 
   // The generated category pages.
   for (const char* file : {"sort_list_1.html", "list/list_3.html"}) {
     SCOPED_TRACE(file);
     const std::u16string text = text::Decode(ReadFile(root() / file), 936);
-    EXPECT_NE(text.find(u"&lt;hostile field=sort."), std::u16string::npos) << ToUtf8(text);
+    EXPECT_TRUE(Holds(text, u"&lt;hostile field=sort."));
     EXPECT_EQ(Problems(text), std::vector<std::string>{}) << ToUtf8(text);
   }
 
@@ -174,7 +172,7 @@ TEST_F(HostileText, NoPageWritesStoredTextAsMarkupOrCode) {
   // The sign-in page's refusal repeats the verify code that was typed, inside its script.
   const HttpReply refused = client().Post(
       "/admin/login.asp", SignInForm("admin", "secret123", GbkEscape(Hostile(u"verifyid"))));
-  EXPECT_NE(Text(refused).find(u"验证码错误！"), std::u16string::npos) << ToUtf8(Text(refused));
+  EXPECT_TRUE(Holds(Text(refused), u"验证码错误！"));
   EXPECT_EQ(Problems(Text(refused)), std::vector<std::string>{}) << ToUtf8(Text(refused));
 
   // goto.asp sends the visitor on; the stored line break cannot add a header.
@@ -183,7 +181,7 @@ TEST_F(HostileText, NoPageWritesStoredTextAsMarkupOrCode) {
   for (const auto& [name, value] : jump.headers)
     EXPECT_TRUE(name.find("case") == std::string::npos && name.find("hostile") == std::string::npos)
         << name;
-  EXPECT_NE(jump.Header("location").find("hostile"), std::string::npos);
+  EXPECT_TRUE(Holds(jump.Header("location"), "hostile"));
 }
 
 // What the administrator sees in a form field is what is stored, so saving the form unchanged

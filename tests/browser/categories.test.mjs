@@ -8,12 +8,10 @@ import { useSite, screenshot } from './harness.mjs';
 const fixture = useSite();
 
 test('categories are built, the site generated, and a record followed through goto.asp', async () => {
-  const { site, browser, page, dialogs, dialogAfter } = fixture;
+  const { site, browser, page, dialogs, dialogAfter, alertOf } = fixture;
   // Submits a form whose answer is an alert and then location.replace(to); the alert.
   async function submit(form, to) {
-    const count = dialogs.length;
-    await page.click(`${form} input[type=submit]`);
-    const answer = await dialogAfter(count);
+    const answer = await alertOf(`${form} input[type=submit]`);
     await page.waitForURL(to);
     return answer;
   }

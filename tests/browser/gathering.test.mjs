@@ -2,7 +2,7 @@
 // added, tried in its pop-up, run over its pages by itself, and its records listed.
 import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { useSite, screenshot } from './harness.mjs';
+import { useSite, screenshot, fill, addRule } from './harness.mjs';
 
 // Result page n of the fixture site: three entries, UTF-8, with 1 x 1 GIF pictures.
 const gif = Buffer.from('R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7', 'base64');
@@ -18,19 +18,14 @@ function answer(url, host) {
 const fixture = useSite({ answer });
 
 test('a rule is added, verified, run over three pages, and its records are listed', async () => {
-  const { site, remote, context, page, dialogs, dialogAfter } = fixture;
-  await page.goto(`${site.base}/admin/gather_list_web_add.asp`);
-  const fields = {
+  const { site, remote, context, page, alertOf } = fixture;
+  await addRule(fixture, 'list', {
     web: '功夫视频', url: 'http://remote.test/', gather_url: `${remote.base}/s/[page].html?q=[keyword]`,
     next_page: '1', error_html: '<div class="none">', cyc_border: '<li class="v">', cyc_border_sn: '1',
     image_start: '<img src="http://', image_end: '" alt', url_start: '<a href="', url_end: '" title',
     v_url: 'http://remote.test/', title_start: 'title="x">', title_end: '</a>', content_start: '<p>',
     content_end: '</p>', content_filtration: ' text',
-  };
-  for (const [name, value] of Object.entries(fields)) await page.fill(`[name=${name}]`, value);
-  await page.selectOption('select[name=charset]', 'utf-8');
-  await Promise.all([page.waitForURL(/gather_list_web_manage\.asp/), page.click('input[type=submit]')]);
-  assert.ok(dialogs.includes('添加成功！'));
+  });
 
   // The test pop-up shows what the rule cuts from the live page, asked with the keyword in UTF-8.
   const [popup] = await Promise.all([context.waitForEvent('page'), page.click('text=测试')]);
@@ -41,11 +36,8 @@ test('a rule is added, verified, run over three pages, and its records are liste
 
   // The run walks pages 1 to 3 by itself; page 4 only ends it.
   await Promise.all([page.waitForURL(/gather_list_db\.asp/), page.click('a[href^="gather_list_db.asp"]')]);
-  await page.fill('input[name=Page_Start]', '1');
-  await page.fill('input[name=Page_End]', '4');
-  const count = dialogs.length;
-  await page.click('input[type=submit]');
-  assert.equal(await dialogAfter(count), '采集完成！');
+  await fill(page, { Page_Start: '1', Page_End: '4' });
+  assert.equal(await alertOf('input[type=submit]'), '采集完成！');
   await page.waitForURL(/gather_list_db\.asp\?ID=/);
 
   await page.goto(`${site.base}/admin/db_list.asp`);

@@ -117,8 +117,31 @@ async function openBrowser(site, { signedIn = true } = {}) {
     }
     return dialogs.at(-1);
   }
-  return { browser, context, page, dialogs, dialogAfter };
+  // Clicks `selector` on `on` (the page unless given) and waits for the alert it brings.
+  async function alertOf(selector, on = page) {
+    const before = dialogs.length;
+    await on.click(selector);
+    return dialogAfter(before);
+  }
+  return { browser, context, page, dialogs, dialogAfter, alertOf };
 }
+
+// Fills the fields of `page` named by the keys of `fields`.
+export async function fill(page, fields) {
+  for (const [name, value] of Object.entries(fields)) await page.fill(`[name=${name}]`, value);
+}
+
+// Adds a gathering rule of `kind` ('list' or 'id') through its add form, for a UTF-8 site.
+export async function addRule({ site, page, dialogs }, kind, fields) {
+  await page.goto(`${site.base}/admin/gather_${kind}_web_add.asp`);
+  await fill(page, fields);
+  await page.selectOption('select[name=charset]', 'utf-8');
+  await Promise.all([page.waitForURL(new RegExp(`gather_${kind}_web_manage\\.asp`)), page.click('input[type=submit]')]);
+  if (!dialogs.includes('添加成功！')) throw new Error(`the rule was not added: ${dialogs}`);
+}
+
+// Clicks `selector` and waits for the page it loads.
+export const clickToLoad = (page, selector) => Promise.all([page.waitForLoadState('load'), page.click(selector)]);
 
 // A fixture remote site on loopback: `answer(url)` gives [status, content type, body]; the
 // addresses asked for are kept in `asked`.

@@ -2,7 +2,7 @@
 // site added, tried in its pop-up, run over 1 to 4 by itself, its range and records listed.
 import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { useSite, screenshot } from './harness.mjs';
+import { useSite, screenshot, fill, addRule } from './harness.mjs';
 
 // Page n of the fixture site, UTF-8; ID 3 is one the site does not have.
 function answer(url) {
@@ -16,28 +16,20 @@ function answer(url) {
 const fixture = useSite({ answer });
 
 test('an ID rule is added, tested, run over 1 to 4, and its range and records are listed', async () => {
-  const { site, remote, context, page, dialogs, dialogAfter } = fixture;
-  await page.goto(`${site.base}/admin/gather_id_web_add.asp`);
-  const fields = {
+  const { site, remote, context, page, alertOf } = fixture;
+  await addRule(fixture, 'id', {
     web: '功夫编号站', url: 'http://kungfu.test/', gather_url: `${remote.base}/play/[id].html`,
     error_html: '<div class="none">', title_start: '<h1 class="t">', title_end: '</h1>',
     content_start: '<p class="d">', content_end: '</p>',
-  };
-  for (const [name, value] of Object.entries(fields)) await page.fill(`[name=${name}]`, value);
-  await page.selectOption('select[name=charset]', 'utf-8');
-  await Promise.all([page.waitForURL(/gather_id_web_manage\.asp/), page.click('input[type=submit]')]);
-  assert.ok(dialogs.includes('添加成功！'));
+  });
 
   // The test pop-up: IDs 2 to 3, one with data and one without; nothing is stored.
   const [popup] = await Promise.all([context.waitForEvent('page'), page.click('span:text-is("测试")')]);
   await popup.waitForLoadState('domcontentloaded');
-  await popup.fill('input[name=ID_Start]', '2');
-  await popup.fill('input[name=ID_End]', '3');
+  await fill(popup, { ID_Start: '2', ID_End: '3' });
   await Promise.all([popup.waitForLoadState('load'), popup.click('input[type=submit]')]);
   await popup.waitForSelector('text=找不到相关数据');
-  const shown = await popup.content();
-  assert.match(shown, /kung fu 功夫 2<br>kung fu 功夫 2<br>http:\/\/127\.0\.0\.1:\d+\/play\/2\.html<br>/);
-  assert.match(shown, /找不到相关数据<br>http:\/\/127\.0\.0\.1:\d+\/play\/3\.html/);
+  assert.match(await popup.content(), /kung fu 功夫 2<br>kung fu 功夫 2<br>http:\/\/127\.0\.0\.1:\d+\/play\/2\.html<br>/);
   assert.match(await popup.textContent('p.summary'), /编号 2：找到标题.*编号 3：找不到相关数据.*共 1 个编号找到标题。/s);
   await screenshot(popup, 'id-rule-test');
   await popup.close();
@@ -45,11 +37,8 @@ test('an ID rule is added, tested, run over 1 to 4, and its range and records ar
   // The run walks 1, 2 and 3 by itself, a second apart; 4 only ends it.
   const from = remote.asked.length;
   await Promise.all([page.waitForURL(/gather_id_db\.asp/), page.click('a[href^="gather_id_db.asp"]')]);
-  await page.fill('input[name=ID_Start]', '1');
-  await page.fill('input[name=ID_End]', '4');
-  const count = dialogs.length;
-  await page.click('input[type=submit]');
-  assert.equal(await dialogAfter(count), '采集完成！');
+  await fill(page, { ID_Start: '1', ID_End: '4' });
+  assert.equal(await alertOf('input[type=submit]'), '采集完成！');
   // The alert's page then moves on to the list-side start page (as the run always has), which
   // knows no list rule 1 and steps back to the ID start page: wait until the browser is there.
   await page.waitForURL(/gather_id_db\.asp\?id=/);

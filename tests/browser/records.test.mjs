@@ -2,22 +2,16 @@
 // only), listed, found, edited from the search results, and deleted.
 import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { useSite, screenshot } from './harness.mjs';
+import { useSite, screenshot, fill } from './harness.mjs';
 
 const fixture = useSite();
 
 test('a record is added, listed, found, edited and deleted', async () => {
-  const { site, page, dialogs, dialogAfter } = fixture;
+  const { site, page, dialogs, alertOf } = fixture;
   async function add(title, url) {
     await page.goto(`${site.base}/admin/db_add.asp`);
-    await page.fill('input[name=title]', title);
-    await page.fill('textarea[name=content]', '阿宝的故事：一只熊猫学功夫。');
-    await page.fill('input[name=url]', url);
-    await page.fill('input[name=source]', '测试视频站');
-    await page.fill('input[name=source_url]', 'video.test');
-    const count = dialogs.length;
-    await page.click('form input[type=submit]');
-    const answer = await dialogAfter(count);
+    await fill(page, { title, content: '阿宝的故事：一只熊猫学功夫。', url, source: '测试视频站', source_url: 'video.test' });
+    const answer = await alertOf('form input[type=submit]');
     await page.waitForURL(/db_add\.asp$/);  // both answers go back to the form
     return answer;
   }
@@ -25,10 +19,6 @@ test('a record is added, listed, found, edited and deleted', async () => {
   assert.equal(await add('功夫熊猫 第一部', 'video.test/kungfu-panda.html'), '添加成功！');
   assert.equal(await add('重复', 'http://video.test/kungfu-panda.html'),
     '已经存在“video.test/kungfu-panda.html”这条记录！');
-
-  await page.goto(`${site.base}/admin/db_list.asp`);
-  assert.equal(await page.locator('a', { hasText: '功夫熊猫第一部' }).count(), 1);
-  assert.match(await page.textContent('body'), /共1条记录/);
 
   await page.goto(`${site.base}/admin/db_search.asp`);
   await page.fill('input[name=keyword]', '熊猫');
@@ -40,9 +30,7 @@ test('a record is added, listed, found, edited and deleted', async () => {
   await Promise.all([page.waitForNavigation(), page.click('text=修改')]);
   assert.equal(await page.inputValue('textarea[name=content]'), '阿宝的故事：一只熊猫学功夫。');
   await page.fill('input[name=title]', '功夫熊猫2');
-  const count = dialogs.length;
-  await page.click('form input[type=submit]');
-  assert.equal(await dialogAfter(count), '修改成功！');
+  assert.equal(await alertOf('form input[type=submit]'), '修改成功！');
   await page.waitForURL(/db_edit\.asp\?id=\d+$/);
 
   await page.goto(`${site.base}/admin/db_list.asp`);

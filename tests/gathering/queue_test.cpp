@@ -12,14 +12,13 @@
 #include "engine/worker_command.h"
 #include "gathering/work_queue.h"
 #include "support/gathering_site.h"
-#include "support/list_rule_fixture.h"
+#include "support/holds.h"
 
 namespace ostrakan {
 namespace {
 
 using testing::FixtureResultPage;
 using testing::RemoteReply;
-constexpr auto npos = std::string::npos;
 
 // Fails the first fetch of each address (as a refused connection), then asks the real site.
 class FailsFirstFetch : public http::Fetcher {
@@ -40,17 +39,10 @@ class FailsFirstFetch : public http::Fetcher {
 
 class Queue : public testing::GatheringSite {
  protected:
-  void SetUp() override {
-    GatheringSite::SetUp();
-    for (int n = 1; n <= 40; ++n)
-      remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
-    rule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
-  }
-
   // Queues a run of the list rule; the command's answer.
   std::string QueueRun(const std::string& pages, const std::string& delayMs = "0") {
     std::string problem;
-    auto o = engine::ParseGatherArgs({"--site", site.string(), "list", rule, "--pages", pages,
+    auto o = engine::ParseGatherArgs({"--site", site.string(), "list", listRule, "--pages", pages,
                                       "--delay-ms", delayMs, "--queue", "--json"},
                                      problem);
     EXPECT_TRUE(o) << problem;
@@ -59,20 +51,6 @@ class Queue : public testing::GatheringSite {
     EXPECT_EQ(engine::RunGather(*o, out, err), 0) << err.str();
     return out.str();
   }
-
-  // Runs `ostrakan worker --once --json` in this process; its last line.
-  std::string Work(std::shared_ptr<http::Fetcher> fetcher = nullptr) {
-    engine::WorkerOptions o;
-    o.site = site;
-    o.once = o.json = true;
-    o.fetcher = std::move(fetcher);
-    std::ostringstream out, err;
-    EXPECT_EQ(engine::RunWorker(o, out, err), 0) << err.str();
-    const std::string text = out.str();
-    return text.substr(text.rfind('\n', text.size() - 2) + 1);
-  }
-
-  std::string rule;
 };
 
 TEST_F(Queue, TwoWorkersShareARunFetchingAndStoringEachPageOnce) {
@@ -131,19 +109,18 @@ TEST_F(Queue, FailedFetchesAreRetriedThenKeptAndCanBeQueuedAgain) {
             "failed3 " + remote.Url("/r/2.html?q=%E7%94%B5%E5%BD%B1") + ": status 503");
   EXPECT_EQ(Value("select state || pages || failed from gather_run"), "done31");
 
-  ado::Connection conn;
-  conn.Open(u"DBQ=" + FromUtf8(db.string()) + u";");
+  auto conn = testing::Connect(db);
   remote.Set("/r/2.html", {200, FixtureResultPage(2, 4)});
-  EXPECT_EQ(gathering::RequeueFailed(conn, 1), 1);
-  EXPECT_EQ(gathering::RequeueFailed(conn, 1), 0);
-  EXPECT_NE(Work().find("\"pages\":1,\"inserted\":4"), npos);
+  EXPECT_EQ(gathering::RequeueFailed(*conn, 1), 1);
+  EXPECT_EQ(gathering::RequeueFailed(*conn, 1), 0);
+  EXPECT_TRUE(testing::Holds(Work(), "\"pages\":1,\"inserted\":4"));
   EXPECT_EQ(Value("select state || pages || failed || inserted from gather_run"), "done3012");
 
   // A stopped run loses its queued pages; a finished one cannot be stopped.
   QueueRun("4-6");
-  EXPECT_TRUE(gathering::StopRun(conn, 2));
-  EXPECT_FALSE(gathering::StopRun(conn, 1));
-  EXPECT_NE(Work().find("\"runs\":0,\"pages\":0"), npos);
+  EXPECT_TRUE(gathering::StopRun(*conn, 2));
+  EXPECT_FALSE(gathering::StopRun(*conn, 1));
+  EXPECT_TRUE(testing::Holds(Work(), "\"runs\":0,\"pages\":0"));
   EXPECT_EQ(Value("select state from gather_run where id = 2"), "stopped");
   EXPECT_EQ(Asked("/r/4.html"), 0);
 }
@@ -155,10 +132,10 @@ TEST_F(Queue, QueueAndWorkerRefuseWhatTheyCannotDo) {
   EXPECT_FALSE(engine::ParseWorkerArgs({"--once"}, problem));
   EXPECT_EQ(problem, "worker needs --site DIR");
   EXPECT_FALSE(engine::ParseWorkerArgs({"--site", "x", "--lease-seconds", "0"}, problem));
-  auto o = engine::ParseGatherArgs({"--site", site.string(), "list", "77", "--queue"}, problem);
-  std::ostringstream out, err;
-  EXPECT_EQ(engine::RunGather(*o, out, err), 1);
-  EXPECT_EQ(err.str(), "ostrakan gather: there is no list rule number 77 in this site\n");
+  EXPECT_EQ(testing::RunCommand(engine::ParseGatherArgs, engine::RunGather,
+                                {"--site", site.string(), "list", "77", "--queue"}, problem),
+            1);
+  EXPECT_EQ(problem, "ostrakan gather: there is no list rule number 77 in this site\n");
   EXPECT_EQ(Value("select count(*) from gather_run"), "0");
 }
 

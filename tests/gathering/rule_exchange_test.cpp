@@ -71,13 +71,7 @@ class RuleExchange : public ::testing::Test {
   // `ostrakan rules ARGS` on the target site; `said` gets standard error then output.
   int Rules(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", to.string()});
-    std::string problem;
-    auto o = engine::ParseRulesArgs(args, problem);
-    if (!o) return said = problem, 2;
-    std::ostringstream out, err;
-    const int rc = engine::RunRules(*o, out, err);
-    said = err.str() + out.str();
-    return rc;
+    return testing::RunCommand(engine::ParseRulesArgs, engine::RunRules, args, said);
   }
   std::string Write(const std::string& text) {
     const auto file = dir.path() / "rules.json";

@@ -7,48 +7,20 @@
 
 #include "engine/commands.h"
 #include "engine/schedule_command.h"
-#include "engine/worker_command.h"
 #include "gathering/schedule.h"
 #include "support/gathering_site.h"
-#include "support/id_rule_fixture.h"
-#include "support/list_rule_fixture.h"
 
 namespace ostrakan {
 namespace {
 
 class Schedules : public testing::GatheringSite {
  protected:
-  void SetUp() override {
-    GatheringSite::SetUp();
-    for (int n = 1; n <= 9; ++n) {
-      remote.Set("/r/" + std::to_string(n) + ".html", {200, testing::FixtureResultPage(n, 2)});
-      remote.Set("/id/" + std::to_string(n) + ".html", {200, testing::FixtureIdPage(n)});
-    }
-    listRule = testing::InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
-    idRule = testing::InsertFixtureIdRule(db, remote.Url("/id/[id].html"));
-  }
-
-  // Runs `ostrakan schedule ARGS`: 2 when the arguments are refused, else its status; `said`
-  // gets its output.
+  // `ostrakan schedule ARGS` on the site (see testing::RunCommand).
   int Schedule(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", site.string()});
-    std::string problem;
-    auto o = engine::ParseScheduleArgs(args, problem);
-    if (!o) return said = problem, 2;
-    std::ostringstream out, err;
-    const int rc = engine::RunSchedule(*o, out, err);
-    said = err.str() + out.str();
-    return rc;
+    return testing::RunCommand(engine::ParseScheduleArgs, engine::RunSchedule, args, said);
   }
-  void Work() {
-    engine::WorkerOptions o;
-    o.site = site;
-    o.once = true;
-    std::ostringstream out, err;
-    EXPECT_EQ(engine::RunWorker(o, out, err), 0) << err.str();
-  }
-
-  std::string listRule, idRule, said;
+  std::string said;
 };
 
 TEST_F(Schedules, ADueScheduleIsQueuedOnceByTwoWorkers) {

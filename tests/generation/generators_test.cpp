@@ -34,11 +34,9 @@ class Generation : public AdminPages {
   }
   // The sub-category page as the headless command writes it, with Source_Show as given.
   std::u16string SubCategoryPage(int id, bool showSource) {
-    auto conn = std::make_shared<ado::Connection>();
-    conn->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
-    const generation::Generated g =
-        generation::GeneratePage(PageKind::SubCategory, *conn, fs::FileSystem::Real(),
-                                 {site.root(), u"站", showSource}, Variant(id));
+    const generation::Generated g = generation::GeneratePage(
+        PageKind::SubCategory, *Connect(site.database()), fs::FileSystem::Real(),
+        {site.root(), u"站", showSource}, Variant(id));
     EXPECT_EQ(g.outcome, generation::Generated::Outcome::Written) << g.failure;
     return File("list/list_" + std::to_string(id) + ".html");
   }

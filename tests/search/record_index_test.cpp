@@ -1,20 +1,19 @@
-// The record index against the plain LIKE scan, on each database: on generated records (a
-// fixed seed) in Chinese, Latin of both cases, mixed text, digits, spaces, wildcard and escape
-// characters and characters outside the BMP, every word looked up through the index finds the
-// same rows in the same order as `LIKE '%word%'`, before and after the records are edited,
-// deleted, renumbered and added to, and while the changed records wait to be taken into the
-// index and after they are, and after a rebuild. Once taken in, the index holds what db holds:
-// on SQLite a word without wildcards is found by the index alone (it narrows the rows to the
-// matches, not merely to a superset of them); on PostgreSQL every record's keys are those of
-// its text as it is now.
+// The record index against the plain LIKE scan, on each database: on generated records (a fixed
+// seed) of Chinese, Latin of both cases, wildcards, escapes and characters outside the BMP, every
+// word finds through the index the rows `LIKE '%word%'` finds, in its order, through edits,
+// deletes, renumbering, additions, pending and taken-in changes and a rebuild; once taken in, the
+// index holds exactly what db holds. And visitors' words counted in keyword.
 #include <gtest/gtest.h>
 
+#include <barrier>
 #include <random>
+#include <thread>
 
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
 #include "search/record_index.h"
 #include "search/record_match.h"
+#include "search/search_words.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::search {
@@ -30,9 +29,7 @@ const std::u16string kPool[] = {u"功", u"夫", u"熊", u"猫",   u"电", u"影"
 
 class Records {
  public:
-  explicit Records(const TestSite& site) : conn_(std::make_shared<ado::Connection>()) {
-    conn_->Open(u"DBQ=" + FromUtf8(site.database().string()) + u";");
-  }
+  explicit Records(const TestSite& site) : conn_(testing::Connect(site.database())) {}
   ado::Connection& conn() { return *conn_; }
 
   std::u16string RandomText(std::size_t longest) {
@@ -131,28 +128,21 @@ void ExpectSameAsScan(Records& records, const std::vector<std::u16string>& words
     const Variant w(word);
     const std::vector<std::u16string> scanned =
         records.Ids(u"where title" + like + u" or content" + like, {w, w});
-    const Condition both = ContainsWord(word, Fields::TitleOrContent, index);
-    ASSERT_EQ(records.Ids(both.where, both.params), scanned) << ToUtf8(word);
-    ASSERT_EQ(CDbl(records.conn().Execute(both.count, both.countParams)->FieldAt(0)),
-              static_cast<double>(scanned.size()))
-        << ToUtf8(word);
-    const Condition title = ContainsWord(word, Fields::Title, index);
-    const std::vector<std::u16string> inTitles = records.Ids(u"where title" + like, {w});
-    ASSERT_EQ(records.Ids(title.where, title.params), inTitles) << ToUtf8(word);
-    ASSERT_EQ(CDbl(records.conn().Execute(title.count, title.countParams)->FieldAt(0)),
-              static_cast<double>(inTitles.size()))
-        << ToUtf8(word);
-    const Condition content = ContainsWord(word, Fields::Content, index);
-    const std::vector<std::u16string> inContents = records.Ids(u"where content" + like, {w});
-    ASSERT_EQ(records.Ids(content.where, content.params), inContents) << ToUtf8(word);
-    ASSERT_EQ(CDbl(records.conn().Execute(content.count, content.countParams)->FieldAt(0)),
-              static_cast<double>(inContents.size()))
-        << ToUtf8(word);
+    for (const auto& [fields, scan] :
+         {std::pair{Fields::TitleOrContent, scanned},
+          {Fields::Title, records.Ids(u"where title" + like, {w})},
+          {Fields::Content, records.Ids(u"where content" + like, {w})}}) {
+      const Condition found = ContainsWord(word, fields, index);
+      ASSERT_EQ(records.Ids(found.where, found.params), scan) << ToUtf8(word);
+      ASSERT_EQ(CDbl(records.conn().Execute(found.count, found.countParams)->FieldAt(0)),
+                static_cast<double>(scan.size()))
+          << ToUtf8(word);
+    }
     // Without wildcards the index alone finds exactly the matches.
     if (auto match = MatchExpression(word, Fields::TitleOrContent);
         taken && index == RecordIndex::kTokens && match &&
         word.find_first_of(u"%_") == std::u16string::npos) {
-      ASSERT_EQ(records.IndexCount(*match), static_cast<double>(scanned.size())) << ToUtf8(word);
+      ASSERT_EQ(records.IndexCount(*match), static_cast<double>(scanned.size()));
     }
     found += !scanned.empty();
   }
@@ -194,6 +184,42 @@ TEST(RecordIndex, WordsOfOnlyWildcardsOrNothingHaveNoLookUp) {
   EXPECT_EQ(LiteralPieces(u"a\\%b_\\"), (std::vector<std::u16string>{u"a%b", u"%"}));
   // A quote stays inside its phrase; the column limits the whole expression.
   EXPECT_EQ(*MatchExpression(u"a\"b%c", Fields::Title), u"{title} : (\"a\"\"b\" AND \"c\")");
+}
+
+TEST(SearchWords, SimultaneousSearchesOfNewWordsKeepOneRowEach) {
+  testing::TestSite site;
+  const std::u16string connstr = u"DBQ=" + FromUtf8(site.database().string()) + u";";
+  constexpr int kWords = 40, kSearchers = 3;
+  std::barrier start(kSearchers);
+  std::vector<std::jthread> searchers;
+  for (int s = 0; s < kSearchers; ++s)
+    searchers.emplace_back([&] {
+      auto conn = std::make_shared<ado::Connection>();
+      conn->Open(connstr);
+      for (int w = 0; w < kWords; ++w) {
+        start.arrive_and_wait();  // all searchers look up the same new word at once
+        CountSearch(*conn, u"词" + FromUtf8(std::to_string(w)));
+      }
+    });
+  searchers.clear();
+  auto conn = std::make_shared<ado::Connection>();
+  conn->Open(connstr);
+  auto rs = conn->Execute(u"select count(*), min(hot), max(hot) from keyword");
+  EXPECT_EQ(CDbl(rs->FieldAt(0)), kWords);
+  EXPECT_EQ(CDbl(rs->FieldAt(1)), kSearchers);
+  EXPECT_EQ(CDbl(rs->FieldAt(2)), kSearchers);
+}
+
+TEST(SearchWords, AnAddressCountsAWordOnceInTheWindow) {
+  RepeatFilter filter(600, 3);
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1000));
+  EXPECT_FALSE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1599));
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.2", u"功夫", 1599));  // another address
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1", u"熊猫", 1599));  // another word
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1600));  // the window has passed
+  EXPECT_FALSE(filter.ShouldCount(u"10.0.0.1", u"功夫", 1700));
+  // The pairs do not mix: an address ending where a word begins is another pair.
+  EXPECT_TRUE(filter.ShouldCount(u"10.0.0.1\n功", u"夫", 1700));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // A fresh site made by `ostrakan init` beside the fixture remote site, for the tests of the
-// gathering commands, the queue and the schedules.
+// gathering commands, the queue and the schedules: a list rule over result pages /r/<n>.html
+// (four entries each) and an ID rule over pages /id/<n>.html, n from 1 to 40.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,6 +18,9 @@
 #include <vector>
 
 #include "engine/commands.h"
+#include "engine/worker_command.h"
+#include "support/id_rule_fixture.h"
+#include "support/list_rule_fixture.h"
 #include "support/page_harness.h"
 #include "support/remote_site.h"
 
@@ -28,6 +32,23 @@ class GatheringSite : public ::testing::Test {
     std::ostringstream out, err;
     ASSERT_EQ(engine::RunInit({site, SourceDir() / "site", "admin", "secret123"}, out, err), 0)
         << err.str();
+    for (int n = 1; n <= 40; ++n) {
+      remote.Set("/r/" + std::to_string(n) + ".html", {200, FixtureResultPage(n, 4)});
+      remote.Set("/id/" + std::to_string(n) + ".html", {200, FixtureIdPage(n)});
+    }
+    listRule = InsertFixtureRule(db, remote.Url("/r/[page].html?q=[keyword]"));
+    idRule = InsertFixtureIdRule(db, remote.Url("/id/[id].html"));
+  }
+  // Runs `ostrakan worker --once --json` in this process; the last line it wrote.
+  std::string Work(std::shared_ptr<http::Fetcher> fetcher = nullptr) {
+    engine::WorkerOptions o;
+    o.site = site;
+    o.once = o.json = true;
+    o.fetcher = std::move(fetcher);
+    std::ostringstream out, err;
+    EXPECT_EQ(engine::RunWorker(o, out, err), 0) << err.str();
+    const std::string text = out.str();
+    return text.substr(text.rfind('\n', text.size() - 2) + 1);
   }
   std::string Value(const std::string& sql) { return SqlValue(db, sql); }
   // How many requests the remote site had for addresses starting with `prefix`.
@@ -62,6 +83,7 @@ class GatheringSite : public ::testing::Test {
   TempDir dir;
   const std::filesystem::path site = dir.path() / "site", db = site / "data/ostrakan.db";
   RemoteSite remote;
+  std::string listRule, idRule;
 };
 
 }  // namespace ostrakan::testing

@@ -9,12 +9,14 @@
 #include <iterator>
 #include <optional>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "frame/error_log.h"
 #include "frame/request_context.h"
 #include "frame/site_page.h"
+#include "platform/ado/connection.h"
 #include "platform/object_factory.h"
 #include "platform/text/codepage.h"
 #include "support/test_database.h"
@@ -54,6 +56,26 @@ class TestSite : public TempDir {
  private:
   TestDatabase database_;
 };
+
+// A connection to the database at `file` (a SQLite file, or a site's address file).
+inline std::shared_ptr<ado::Connection> Connect(const std::filesystem::path& file) {
+  auto conn = std::make_shared<ado::Connection>();
+  conn->Open(u"DBQ=" + FromUtf8(file.string()) + u";");
+  return conn;
+}
+
+// Runs a command in this process as `ostrakan` would: 2 when `parse` refuses the arguments, else
+// the status `run` returns; `said` gets the refusal, or standard error followed by the output.
+template <class Parse, class Run>
+int RunCommand(Parse parse, Run run, const std::vector<std::string>& args, std::string& said) {
+  std::string problem;
+  auto options = parse(args, problem);
+  if (!options) return said = problem, 2;
+  std::ostringstream out, err;
+  const int status = run(*options, out, err);
+  said = err.str() + out.str();
+  return status;
+}
 
 // One request: the five objects, published as the thread's object context while it lives.
 class TestRequest {

@@ -17,6 +17,8 @@
 #include <thread>
 #include <vector>
 
+#include "platform/http/fetcher.h"
+
 namespace ostrakan::testing {
 
 struct RemoteReply {
@@ -70,6 +72,15 @@ class RemoteSite {
   std::vector<std::string> Requests() const {
     std::lock_guard lock(mutex_);
     return requests_;
+  }
+  // A fetcher for which this site stands for a public one and every other address on
+  // loopback (another RemoteSite) for a private one.
+  std::shared_ptr<http::Fetcher> FetcherCallingThisSitePublic() const {
+    http::FetchLimits limits;
+    limits.isPrivate = [port = port_](const sockaddr* a) {
+      return ntohs(reinterpret_cast<const sockaddr_in*>(a)->sin_port) != port;
+    };
+    return http::MakeCurlFetcher(limits);
   }
 
  private:

@@ -18,8 +18,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <mutex>
 #include <optional>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -88,55 +90,32 @@ inline std::string ServerSql(const std::string& uri, const std::string& sql) {
   return first;
 }
 
-// SQLite's group_concat(x[, sep]) and char(a, b ...) in PostgreSQL's words, so that the
-// tests' set-up and checks are written once.
-inline std::string ForPostgres(std::string sql) {
-  auto rewrite = [&sql](const std::string& name, auto&& replace) {
-    for (size_t at = 0; (at = sql.find(name + "(", at)) != std::string::npos;) {
-      if (at > 0 && (std::isalnum(static_cast<unsigned char>(sql[at - 1])) || sql[at - 1] == '_')) {
-        at += name.size();
-        continue;
-      }
-      std::vector<std::string> args(1);
-      size_t i = at + name.size() + 1;
-      for (int depth = 0; i < sql.size(); ++i) {
-        const char c = sql[i];
-        if (c == '\'') {
-          const size_t close = sql.find('\'', i + 1);
-          args.back() += sql.substr(i, close - i + 1);
-          i = close;
-          continue;
-        }
-        if (c == ')' && depth == 0) break;
-        if (c == '(') ++depth;
-        if (c == ')') --depth;
-        if (c == ',' && depth == 0) {
-          args.emplace_back();
-          continue;
-        }
-        args.back() += c;
-      }
-      const std::string with = replace(args);
-      sql.replace(at, i + 1 - at, with);
-      at += with.size();
-    }
-  };
-  rewrite("group_concat", [](const std::vector<std::string>& a) {
-    return "string_agg((" + a[0] + ")::text, " + (a.size() > 1 ? a[1] : "','") + ")";
-  });
-  rewrite("char", [](const std::vector<std::string>& a) {
-    std::string out = "(";
-    for (const auto& code : a) out += (out.size() > 1 ? " || chr(" : "chr(") + code + ")";
-    return out + ")";
-  });
-  return sql;
+// SQLite's group_concat(x[, sep]) for PostgreSQL, so that the tests' checks are written once;
+// made in a database the first time a statement there asks for it.
+inline void EnsureGroupConcat(const std::string& uri, const std::string& sql) {
+  static std::mutex mutex;
+  static std::set<std::string> made;
+  std::lock_guard lock(mutex);
+  if (sql.find("group_concat(") == std::string::npos || !made.insert(uri).second) return;
+  ServerSql(uri,
+            "create or replace function group_concat_step(text, anyelement, text) returns text "
+            "language sql as $$ select case when $2 is null then $1 when $1 is null then "
+            "$2::text else $1 || $3 || $2::text end $$;"
+            "create or replace function group_concat_step(text, anyelement) returns text "
+            "language sql as $$ select group_concat_step($1, $2, ',') $$;"
+            "create or replace aggregate group_concat(anyelement, text) "
+            "(sfunc = group_concat_step, stype = text);"
+            "create or replace aggregate group_concat(anyelement) "
+            "(sfunc = group_concat_step, stype = text);");
 }
 
 // Runs SQL on a test database directly (set-up and checks), failing loudly; the first column
 // of the first row it gives, as text ("" for none or NULL).
 inline std::string Sql(const std::filesystem::path& db, const std::string& sql) {
-  if (std::optional<std::string> uri = ado::ServerAddressIn(db))
-    return ServerSql(*uri, ForPostgres(sql));
+  if (std::optional<std::string> uri = ado::ServerAddressIn(db)) {
+    EnsureGroupConcat(*uri, sql);
+    return ServerSql(*uri, sql);
+  }
   std::optional<std::string> first;
   auto keepFirst = [](void* out, int, char** values, char**) {
     auto& first = *static_cast<std::optional<std::string>*>(out);

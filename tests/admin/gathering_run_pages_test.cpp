@@ -1,0 +1,195 @@
+// The rule test pop-ups and the ID gathering run against the fixture remote site: what each ID
+// page shows, fetches and stores, step by step; what each page or ID gave in a trial and why a
+// page could not be fetched.
+#include "support/admin_pages.h"
+#include "support/list_rule_fixture.h"
+#include "support/remote_site.h"
+
+namespace ostrakan {
+namespace {
+
+using namespace testing;
+
+// A rule's fields as the rule file hands them on, from one text with '|' between them.
+std::vector<std::u16string> Fields(const std::u16string& text) {
+  std::vector<std::u16string> fields;
+  for (size_t at = 0, bar = 0; bar != std::u16string::npos; at = bar + 1)
+    fields.push_back(text.substr(at, (bar = text.find(u'|', at)) - at));
+  return fields;
+}
+
+class IdRunPages : public AdminPages {
+ protected:
+  IdRunPages() {
+    remote.Set("/html/1.html",
+               {200, "<html><H1>Hello World</H1><div class=\"d\">Other</div></html>"});
+    remote.Set("/html/2.html", {200, "<html><p class=\"none\">no data</p></html>"});
+    remote.Set("/html/4.html", {200, "<h1>Hello <i>World</i></h1>"});
+    Sql(site.database(),
+        "insert into gather_id_web (id, web, range) values (7, 'a', ''), (8, 'b', 'x')");
+  }
+
+  // The nine fields of rule 7, for the remote site's pages /html/<id>.html.
+  std::vector<std::u16string> RuleFields(const std::u16string& titleStart = u"<h1>") {
+    std::vector<std::u16string> fields =
+        Fields(u"影视站|http://v.example/|" + Address(u"[id]") +
+               u"|gb2312|<p class=\"none\">||</h1>|<div class=\"d\">|</div>");
+    fields[5] = titleStart;
+    return fields;
+  }
+  std::u16string Address(const std::u16string& id) {
+    return FromUtf8(remote.Url("/html/")) + id + u".html";
+  }
+  // The verify page (Class43) for rule 7.
+  PageRun Verify(const std::u16string& from, const std::u16string& to,
+                 const std::u16string& titleStart = u"<h1>") {
+    const Keys query = {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", from}, {u"ID_End", to}};
+    return Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields(titleStart));
+  }
+  // One step of a run (Class53).
+  PageRun Step(const std::u16string& id, const std::u16string& from, const std::u16string& to,
+               const std::u16string& dbNum = u"", const std::u16string& titleStart = u"<h1>") {
+    Keys query = {{u"ID", id}, {u"ID_Start", from}, {u"ID_End", to}};
+    if (!dbNum.empty()) query.emplace_back(u"DB_Num", dbNum);
+    return Run(u"Ostrakan.Class53", 1, query, {}, {}, RuleFields(titleStart));
+  }
+  std::string Ranges() {
+    return Value(
+        "select group_concat(range, '|') from (select range from gather_id_web order by id) as t");
+  }
+
+  RemoteSite remote;
+};
+
+// What each ID gives is the rule trial test's below; here, when the page fetches and what it
+// escapes.
+TEST_F(IdRunPages, VerifyFetchesOnlyWhenAskedAndEscapesWhatItShows) {
+  // Without Action=ok only the form is shown; a start above the end fetches nothing.
+  EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, {}, RuleFields()).text, u"影视站");
+  EXPECT_EQ(Verify(u"5", u"4").text, u"影视站7");
+  EXPECT_TRUE(remote.Requests().empty());
+  EXPECT_EQ(site.log(), "");
+
+  // What the pages and the request bring is escaped.
+  remote.Set("/html/1.html", {200, "<h1>a&amp;b</h1>"});
+  const Keys query = {
+      {u"id", u"7\"><script>"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"1"}};
+  EXPECT_EQ(Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields()).text,
+            u"a&amp;amp;b<br>a&amp;amp;b<br>" + Address(u"1") +
+                u"<br><br>影视站7&quot;&gt;&lt;script&gt;");
+}
+
+TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
+  EXPECT_EQ(Verify(u"1", u"2", u"<h1>(").text, u"影视站7");
+  EXPECT_TRUE(Holds(site.log(),
+                    "\\admin\\gather_id_web_verify, InitFunction1: Syntax error in "
+                    "regular expression"));
+  const size_t asked = remote.Requests().size();
+  EXPECT_EQ(Verify(u"a", u"2").text, u"影视站7");
+  EXPECT_TRUE(Holds(site.log(), "InitFunction1: Type mismatch"));
+  EXPECT_EQ(remote.Requests().size(), asked);
+
+  // A marker that runs away on a large page: logged, and the run stops.
+  remote.Set("/html/1.html", {200, std::string(1 << 20, 'a')});
+  PageRun run = Step(u"7", u"1", u"3", u"", u"(a|aa)*<h1>");
+  EXPECT_TRUE(run.completed);
+  EXPECT_EQ(run.text, u"正在采集第 1 页<br>还乘余 2 页等待处理...");  // no next step
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Out of stack space"));
+  EXPECT_EQ(Value("select count(*) from db"), "0");
+}
+
+// The pages' flow from step to step is tested over HTTP; here, what a step hands on.
+TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
+  EXPECT_TRUE(
+      Holds(Step(u"7", u"1", u"3").text, u"gather_id_db_ok.asp?ID=7&ID_Start=2&DB_Num=1&ID_End=3"));
+  EXPECT_EQ(
+      Value("select group_concat(title || '|' || content || '|' || url || '|' || source || "
+            "'|' || source_url) from db"),
+      "hello world|hello world|" + remote.Url("/html/1.html").substr(7) + "|影视站|v.example/");
+  // Start 1, end 3: the request for 3 writes 3 - 2 = 1 as the start of the range. The last ID
+  // is fetched, but its store fails for want of the connection (logged).
+  EXPECT_EQ(Step(u"7", u"3", u"3", u"2").text.find(u"Next_Page"), std::u16string::npos);
+  EXPECT_EQ(Ranges(), "1 - 3|x");
+  EXPECT_EQ(remote.Requests().back(), "/html/3.html");
+  EXPECT_EQ(Value("select count(*) from db"), "1");
+  EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Object required"));
+}
+
+TEST_F(IdRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
+  Step(u"7 or 1=1", u"4", u"4");
+  EXPECT_EQ(Ranges(), "|x");
+  EXPECT_TRUE(Holds(site.log(), "InitFunction1: Syntax error in UPDATE statement."));
+  EXPECT_TRUE(Holds(Step(u"7');alert(1);('", u"1", u"3").text,
+                    u"ID=7%27%29%3Balert%281%29%3B%28%27&ID_Start=2"));
+}
+
+class RuleTrialPages : public AdminPages {
+ protected:
+  ~RuleTrialPages() override { http::SetDefaultFetcher(nullptr); }
+  RemoteSite remote;
+};
+
+TEST_F(RuleTrialPages, TheListTestSaysWhatEachPageMatchedAndWhyAFetchFailed) {
+  remote.Set("/r/1.html", {200, FixtureResultPage(1, 3)});
+  remote.Set("/r/2.html", {200, "<div class=\"none\">nothing</div>"});
+  remote.Set("/r/3.html", {404, "gone"});
+  remote.Set("/r/4.html", {200, "<html>a new look</html>"});
+  remote.Set("/r/5.html", {200, std::string(5000, 'x')});
+  http::FetchLimits small;
+  small.maxBodyBytes = 2000;
+  http::SetDefaultFetcher(http::MakeCurlFetcher(small));
+  const std::vector<std::u16string> rule = Fields(
+      u"样站|http://remote.test/|" + FromUtf8(remote.Url("/r/[page].html?q=[keyword]")) +
+      u"|1|utf-8|<div class=\"none\">|<li class=\"v\">|1|<img src=\"http://|\" alt|<a href=\"|"
+      u"\" title||http://remote.test/|title=\"x\">|</a>||<p>|</p>| text");
+
+  PageRun run =
+      Run(u"Ostrakan.Class37", 6,
+          {{u"id", u"3"}, {u"keyword", u"功夫"}, {u"Page_Start", u"1"}, {u"Page_End", u"5"}}, {},
+          {}, rule);
+  ASSERT_TRUE(run.completed);
+  const std::u16string at = FromUtf8(remote.Url("/r/"));
+  for (const std::u16string& said : std::vector<std::u16string>{
+           u"video 影片 1-3<br>about 1-3<br>http://remote.test/v/1-3.html<br><br>找不到相关数据",
+           u"第 1 页：匹配 3 条　" + at + u"1.html?q=%E5%8A%9F%E5%A4%AB<br>",
+           u"第 2 页：找不到相关数据　",
+           u"第 3 页：<span class=\"warn\">未能取得页面（远程网站回答状态 404）</span>",
+           u"第 4 页：<span class=\"warn\">没有匹配的条目（页面的标记可能已改变）</span>",
+           u"第 5 页：<span class=\"warn\">未能取得页面（页面超过大小限制）</span>",
+           u"共匹配 3 条。</p>", u"name=\"keyword\" class=\"input\" value=\"功夫\"",
+           u"name=\"Page_End\" class=\"input short\" value=\"5\"", u"name=\"id\" value=\"3\""})
+    EXPECT_TRUE(Holds(run.text, said));
+}
+
+TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
+  RemoteSite inside;
+  remote.Set("/id/1.html", {200, "<html><h1>Film 影片 1</h1></html>"});
+  remote.Set("/id/2.html", {200, "<div class=\"none\">no such video</div>"});
+  remote.Set("/id/3.html", {404, "gone"});
+  remote.Set("/id/4.html", {200, "<html><h2>moved</h2></html>"});
+  remote.Set("/id/5.html", {302, "", {"Location: " + inside.Url("/secret")}});
+  http::SetDefaultFetcher(remote.FetcherCallingThisSitePublic());
+  const std::vector<std::u16string> rule =
+      Fields(u"编号站|http://ids.test/|" + FromUtf8(remote.Url("/id/[id].html")) +
+             u"|utf-8|<div class=\"none\">|<h1>|</h1>||");
+
+  const PageRun run = Run(
+      u"Ostrakan.Class43", 4,
+      {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"5"}}, {}, {}, rule);
+  ASSERT_TRUE(run.completed);
+  const std::u16string at = FromUtf8(remote.Url("/id/"));
+  for (const std::u16string& said : std::vector<std::u16string>{
+           u"film 影片 1<br>film 影片 1<br>" + at + u"1.html<br><br>找不到相关数据<br>" + at +
+               u"2.html<br><br><br><br>" + at + u"3.html<br><br><br><br>" + at + u"4.html",
+           u"编号 1：找到标题　" + at + u"1.html<br>", u"编号 2：找不到相关数据",
+           u"编号 3：<span class=\"warn\">未能取得页面（远程网站回答状态 404）</span>",
+           u"编号 4：<span class=\"warn\">没有找到标题（页面的标记可能已改变）</span>",
+           u"编号 5：<span class=\"warn\">未能取得页面（拒绝了从公网地址到内网地址的跳转）</span>",
+           u"共 1 个编号找到标题。</p>"})
+    EXPECT_TRUE(Holds(run.text, said));
+  EXPECT_TRUE(inside.Requests().empty());
+  EXPECT_EQ(Value("select count(*) from db"), "0");  // a trial stores nothing
+}
+
+}  // namespace
+}  // namespace ostrakan
