@@ -8,5 +8,7 @@
 namespace ostrakan {
 
 std::u16string LCase(std::u16string_view text);
+// The same mapping, in place (a page folded into a buffer that is kept from page to page).
+void LCaseInPlace(std::u16string& text);
 
 }  // namespace ostrakan

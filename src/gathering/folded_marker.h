@@ -1,7 +1,8 @@
-// A marker lower-cased once and prepared for searching lower-cased pages: a Horspool search
-// whose shift table is keyed by the low byte of each UTF-16 unit (units that share a low byte
-// share the smaller shift, so no match is ever skipped). Long stretches of markup without the
-// marker are crossed a marker's length at a time.
+// A marker lower-cased once and prepared for searching lower-cased pages. With SSE2 the page is
+// crossed sixteen units at a time, comparing the marker's first and last unit with every place
+// at once; the last few units (and every unit without SSE2) go through a Horspool search whose
+// shift table is keyed by the low byte of each UTF-16 unit (units that share a low byte share
+// the smaller shift, so no match is ever skipped).
 #pragma once
 
 #include <array>

@@ -22,10 +22,27 @@ long PositionOf(const Variant& pos) {
   return p;
 }
 
-std::u16string Mid(std::u16string_view text, long start, long length) {
+// Mid(text, start, length) into `out`, whose buffer is kept from entry to entry.
+void MidInto(std::u16string& out, std::u16string_view text, long start, long length) {
   if (start < 1 || length < 0) throw InvalidCall();
-  if (static_cast<size_t>(start) > text.size()) return u"";
-  return std::u16string(text.substr(start - 1, length));
+  if (static_cast<size_t>(start) > text.size())
+    out.clear();
+  else
+    out.assign(text.substr(start - 1, length));
+}
+
+// Removes every item of a comma-separated list from the text, lower-casing it before each.
+void RemoveListed(std::u16string& text, std::u16string_view list) {
+  size_t from = 0;
+  while (true) {
+    size_t comma = list.find(u',', from);
+    std::u16string_view item = list.substr(
+        from, comma == std::u16string_view::npos ? std::u16string_view::npos : comma - from);
+    LCaseInPlace(text);
+    text = ReplaceAll(std::move(text), LCase(item), u"");
+    if (comma == std::u16string_view::npos) break;
+    from = comma + 1;
+  }
 }
 
 std::u16string Gathered(std::u16string text) {
@@ -36,15 +53,7 @@ std::u16string Gathered(std::u16string text) {
 
 std::u16string DefinedFiltration(std::u16string_view text, std::u16string_view list) {
   std::u16string out(text);
-  size_t from = 0;
-  while (true) {
-    size_t comma = list.find(u',', from);
-    std::u16string_view item = list.substr(
-        from, comma == std::u16string_view::npos ? std::u16string_view::npos : comma - from);
-    out = ReplaceAll(LCase(out), LCase(item), u"");
-    if (comma == std::u16string_view::npos) break;
-    from = comma + 1;
-  }
+  RemoveListed(out, list);
   return out;
 }
 
@@ -89,10 +98,6 @@ std::u16string ListExtractor::WithSn(std::u16string_view marker) const {
   return ReplaceAll(std::u16string(marker), kSnToken, FromUtf8(std::to_string(sn_)));
 }
 
-std::u16string ListExtractor::Typed(const Marker& m) const {
-  return m.hasSn ? WithSn(m.raw) : m.raw;
-}
-
 const FoldedMarker& ListExtractor::Folded(const Marker& m, FoldedMarker& scratch) const {
   if (!m.hasSn) return m.prepared;
   scratch = FoldedMarker(WithSn(m.raw));
@@ -113,9 +118,14 @@ bool ListExtractor::CutField(Field& field, long from, const Marker& start, const
   long s = Find(from, s0);
   if (s == 0) return false;
   long e = Find(s, Folded(end, endScratch));
-  std::u16string cut = Mid(folded ? std::u16string_view(folded_) : html_, s, e - s);
-  field.text = folded ? ReplaceAll(std::move(cut), s0.text(), u"")
-                      : ReplaceAll(std::move(cut), Typed(start), u"");
+  MidInto(field.text, folded ? std::u16string_view(folded_) : html_, s, e - s);
+  // The start marker is taken out as found: lower-cased from the folded page, else as typed.
+  if (folded)
+    field.text = ReplaceAll(std::move(field.text), s0.text(), u"");
+  else if (start.hasSn)
+    field.text = ReplaceAll(std::move(field.text), WithSn(start.raw), u"");
+  else
+    field.text = ReplaceAll(std::move(field.text), start.raw, u"");
   field.start = s;
   field.end = e;
   field.cut = true;
@@ -125,7 +135,8 @@ bool ListExtractor::CutField(Field& field, long from, const Marker& start, const
 ListExtractor::Outcome ListExtractor::Cut(std::u16string_view html,
                                           const std::function<void(const ListEntry&)>& emit) {
   html_ = html;
-  folded_ = LCase(html);
+  folded_.assign(html);
+  LCaseInPlace(folded_);
   if (Find(1, error_.prepared) > 0) return Outcome::NoResults;
   sn_ = CLng(Variant(rule_.cyc_border_sn));
   Variant pos(1);
@@ -136,15 +147,15 @@ ListExtractor::Outcome ListExtractor::Cut(std::u16string_view html,
     pos = image_.cut ? Variant(static_cast<int32_t>(image_.start)) : Variant(rule_.image_start);
 
     if (CutField(url_, PositionOf(pos), urlStart_, urlEnd_, false)) {
-      if (!rule_.url_filtration.empty())
-        url_.text = DefinedFiltration(url_.text, WithSn(rule_.url_filtration));
-      url_.text = rule_.v_url + Gathered(std::move(url_.text));
+      if (!rule_.url_filtration.empty()) RemoveListed(url_.text, WithSn(rule_.url_filtration));
+      url_.text = Gathered(std::move(url_.text));
+      url_.text.insert(0, rule_.v_url);
     }
     pos = url_.cut ? Variant(static_cast<int32_t>(url_.start)) : Variant(rule_.url_start);
 
     if (CutField(title_, PositionOf(pos), titleStart_, titleEnd_, true)) {
       if (!rule_.title_filtration.empty())
-        title_.text = DefinedFiltration(title_.text, WithSn(rule_.title_filtration));
+        RemoveListed(title_.text, WithSn(rule_.title_filtration));
       title_.text = Gathered(std::move(title_.text));
     }
     pos = title_.cut ? Variant(static_cast<int32_t>(title_.start)) : Variant(rule_.title_start);
@@ -152,7 +163,7 @@ ListExtractor::Outcome ListExtractor::Cut(std::u16string_view html,
     if (!rule_.content_start.empty()) {
       if (CutField(content_, PositionOf(pos), contentStart_, contentEnd_, true)) {
         if (!rule_.content_filtration.empty())
-          content_.text = DefinedFiltration(content_.text, WithSn(rule_.content_filtration));
+          RemoveListed(content_.text, WithSn(rule_.content_filtration));
         content_.text = Gathered(std::move(content_.text));
       }
       if (content_.text.empty()) content_.text = title_.text;
@@ -161,7 +172,12 @@ ListExtractor::Outcome ListExtractor::Cut(std::u16string_view html,
       content_.text = title_.text;
     }
 
-    emit(ListEntry{image_.text, url_.text, title_.text, content_.text});
+    // Copied into the kept entry: assignments reuse its buffers.
+    entry_.image = image_.text;
+    entry_.url = url_.text;
+    entry_.title = title_.text;
+    entry_.content = content_.text;
+    emit(entry_);
     ++sn_;
     // An entry that left the search position where it began (or before) would be found
     // again and again.

@@ -69,8 +69,7 @@ class ListExtractor {
     FoldedMarker prepared;
   };
   static Marker Prepare(const std::u16string& raw);
-  // The marker with the current SN in place, as typed and prepared for the folded page.
-  std::u16string Typed(const Marker& m) const;
+  // The marker with the current SN in place, prepared for the folded page.
   const FoldedMarker& Folded(const Marker& m, FoldedMarker& scratch) const;
   // Searches the folded page for `marker` from `from` (InStr's rules); 0 when absent.
   long Find(long from, const FoldedMarker& marker) const;
@@ -84,7 +83,8 @@ class ListExtractor {
   long sn_ = 0;
   Field image_, url_, title_, content_;
   std::u16string_view html_;
-  std::u16string folded_;
+  std::u16string folded_;  // the page lower-cased; its buffer is kept from page to page
+  ListEntry entry_;        // the entry handed to `emit`
 };
 
 }  // namespace ostrakan::gathering

@@ -48,6 +48,7 @@ export async function startSite({ prepare, program = binary } = {}) {
   return {
     base,
     site,
+    pid: child.pid,  // the server's process (the benchmarks read its CPU time and memory)
     // Runs SQL on the site's database and returns what sqlite3 prints.
     sql: (statement) => execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], { input: statement }).toString().trim(),
     async stop() {

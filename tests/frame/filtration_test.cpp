@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <random>
+
 namespace ostrakan {
 namespace {
 
@@ -28,6 +31,25 @@ TEST(Filtration, GatheredTextRemovesTagsCaseSensitivelyInOnePass) {
   // A tag split by another tag is not rejoined and removed.
   EXPECT_EQ(Filter(FilterKind::GatheredText, u"&nb<br>sp;"), u"&nbsp;");
   EXPECT_EQ(Filter(FilterKind::GatheredText, u"it's \"ok\""), u"it's ok");
+}
+
+TEST(Filtration, ReplaceAllMatchesAPlainLeftToRightCopy) {
+  // Shrinking replacements work in place; each must give what building a copy gives.
+  auto plain = [](std::u16string_view text, std::u16string_view from, std::u16string_view to) {
+    std::u16string out;
+    size_t pos = 0;
+    for (size_t hit; (hit = text.find(from, pos)) != text.npos; pos = hit + from.size())
+      out.append(text.substr(pos, hit - pos)).append(to);
+    return out.append(text.substr(pos));
+  };
+  std::mt19937 random(11);
+  for (int round = 0; round < 2000; ++round) {
+    std::u16string text;
+    for (size_t n = random() % 24; n > 0; --n) text += u"ab"[random() % 2];
+    const std::u16string_view from = std::array{u"a", u"aa", u"ab", u"aba"}[random() % 4];
+    const std::u16string_view to = std::array{u"", u"b", u"xy", u"xyz"}[random() % 4];
+    EXPECT_EQ(ReplaceAll(text, from, to), plain(text, from, to)) << round;
+  }
 }
 
 TEST(Filtration, QuoteDoublingIsUndoneByUndoubling) {

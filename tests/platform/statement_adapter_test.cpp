@@ -44,6 +44,20 @@ TEST(StatementAdapter, LeavesLookAlikesAlone) {
   }
 }
 
+TEST(StatementAdapter, PostgresLikeIgnoresCaseOnlyInCode) {
+  EXPECT_EQ(
+      AdaptStatement(u"select count(*) from db where title like ? and (db.[source] NOT LIKE "
+                     u"'%like%') or 'like' like x",
+                     Dialect::kPostgres),
+      u"select count(*) from db where title::text ilike $1 and (db.\"source\"::text NOT ilike "
+      u"'%like%') or 'like' like x");
+  // Quoted names, comments and words that only end in "like" stay as they are.
+  const std::u16string_view kept =
+      u"select \"x,a like b\" from t -- (a like b)\n where t = 'x,a like b' or unlike = 1 /* ,a "
+      u"like b */";
+  EXPECT_EQ(AdaptStatement(kept, Dialect::kPostgres), kept);
+}
+
 TEST(StatementText, FindsTheTableOfAQuery) {
   EXPECT_EQ(TableOfQuery(u"SELECT id FROM [gather_id_web] WHERE id=1"), u"gather_id_web");
   EXPECT_EQ(TableOfQuery(u"select (select max(id) from sort) as m, 'from x' from keyword"),

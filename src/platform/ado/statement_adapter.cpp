@@ -31,6 +31,25 @@ std::u16string_view WordAt(std::u16string_view s, size_t i) {
   return s.substr(i, end - i);
 }
 
+// The walk over a statement's words: the index of the first word at or after i that is not in
+// quoted text or a comment (npos when there is none), with `depth` moved by the parentheses
+// passed on the way, so that it holds how many are open around that word.
+size_t NextWord(std::u16string_view sql, size_t i, int& depth) {
+  while (i < sql.size()) {
+    const size_t skipped = SkipQuoted(sql, i);
+    if (skipped != i) {
+      i = skipped;
+      continue;
+    }
+    const char16_t c = sql[i];
+    if (IsWordChar(c)) return i;
+    if (c == u'(') ++depth;
+    if (c == u')') --depth;
+    ++i;
+  }
+  return std::u16string_view::npos;
+}
+
 // After the word "now" or "date" at i: the index past "( )" when the call has no arguments.
 size_t EmptyCallEnd(std::u16string_view s, size_t i) {
   size_t j = SkipBlanks(s, i);
@@ -188,17 +207,8 @@ size_t NameStart(std::u16string_view s, size_t end) {
 // tests the pattern against the column's statistics and scans the table instead. ILIKE ignores
 // letter case as citext's LIKE does.
 std::u16string CaseBlindLike(std::u16string sql) {
-  size_t i = 0;
-  while (i < sql.size()) {
-    const size_t skipped = SkipQuoted(sql, i);
-    if (skipped != i) {
-      i = skipped;
-      continue;
-    }
-    if (!IsWordChar(sql[i])) {
-      ++i;
-      continue;
-    }
+  int depth = 0;
+  for (size_t i = 0; (i = NextWord(sql, i, depth)) != std::u16string_view::npos;) {
     const std::u16string_view word = WordAt(sql, i);
     const bool like = IEquals(word, u"like") && (i == 0 || !IsWordChar(sql[i - 1]));
     if (!like) {
@@ -271,23 +281,10 @@ size_t TopLevelFrom(std::u16string_view sql) {
 
 size_t TopLevelKeyword(std::u16string_view sql, std::u16string_view keyword) {
   int depth = 0;
-  size_t i = 0;
-  while (i < sql.size()) {
-    const size_t skipped = SkipQuoted(sql, i);
-    if (skipped != i) {
-      i = skipped;
-      continue;
-    }
-    const char16_t c = sql[i];
-    if (c == u'(') ++depth;
-    if (c == u')') --depth;
-    if (IsWordChar(c)) {
-      const std::u16string_view word = WordAt(sql, i);
-      if (depth == 0 && IEquals(word, keyword)) return i;
-      i += word.size();
-      continue;
-    }
-    ++i;
+  for (size_t i = 0; (i = NextWord(sql, i, depth)) != std::u16string_view::npos;) {
+    const std::u16string_view word = WordAt(sql, i);
+    if (depth == 0 && IEquals(word, keyword)) return i;
+    i += word.size();
   }
   return std::u16string_view::npos;
 }
