@@ -52,12 +52,13 @@ void IdGatherStep::FirstBlock() {
   }
   out.Write(gathering::ProgressLines(step));
   gathering::IdExtractor extractor;
-  const gathering::IdStepResult result = gathering::GatherIdPage(
-      *gathering::IdPageSource(CurrentServer().factory()), extractor, Rule(), step.idStart);
+  gathering::FactoryPages pages(CurrentServer().factory());
+  const gathering::IdStepResult result =
+      gathering::GatherIdPage(pages, extractor, Rule(), step.idStart);
   if (result.noData) {
     out.Write(u"<br>第 " + HtmlText(step.idStart) + u" 页找不到相关数据");
   } else {
-    gathering::IdRecordStore()->Save(ConnectionOf(conn), result.record);
+    gathering::SaveIdRecord(ConnectionOf(conn), result.record);
   }
   ConnectionOf(conn).Close();  // a step that completed the run has no connection left
   conn = Variant::Nothing();

@@ -22,9 +22,8 @@ void IdRuleTrial::FirstBlock() {
   CurrentServer().ScriptTimeout = 999999;
   ID_Start = request.Item(u"ID_Start");
   ID_End = request.Item(u"ID_End");
-  trials_ = gathering::WriteIdVerification(CurrentResponse(),
-                                           *gathering::IdPageSource(CurrentServer().factory()),
-                                           Rule(), ID_Start, ID_End);
+  gathering::FactoryPages pages(CurrentServer().factory());
+  trials_ = gathering::WriteIdVerification(CurrentResponse(), pages, Rule(), ID_Start, ID_End);
 }
 
 void IdRuleTrial::WriteSiteName() {

@@ -1,7 +1,5 @@
-// What an ID-site test or run needs from the rest of the system: a page fetcher and a record
-// store. By default they are the real ones: pages through the XML HTTP objects of the object
-// factory, records through the shared record store. Tests install their own with
-// UseIdGatheringServices.
+// What an ID-site test or run needs from the rest of the system: pages, fetched through the
+// XML HTTP objects of the object factory, and the record store.
 #pragma once
 
 #include <memory>
@@ -30,14 +28,6 @@ struct IdRecord {
   std::u16string source_url;  // the rule's site address without "http://"
 };
 
-class IdStore {
- public:
-  virtual ~IdStore() = default;
-  // Stores the entry in db: a new record when no record has its url, else the title, content
-  // and time of that record are refreshed (its url, source and clicks stay).
-  virtual void Save(ado::Connection& conn, const IdRecord& record) = 0;
-};
-
 // Pages fetched through the factory's XML HTTP objects and decoded with the rule's charset.
 class FactoryPages : public PageSource {
  public:
@@ -50,17 +40,9 @@ class FactoryPages : public PageSource {
   std::string why_;
 };
 
-// Records through the shared record store (lookup and insert or refresh in one transaction).
-class DatabaseIdStore : public IdStore {
- public:
-  void Save(ado::Connection& conn, const IdRecord& record) override;
-};
-
-// Installs test doubles; nullptr puts the real service back.
-void UseIdGatheringServices(std::shared_ptr<PageSource> pages, std::shared_ptr<IdStore> store);
-
-// The installed page source, or the factory's pages when none is installed.
-std::shared_ptr<PageSource> IdPageSource(const ObjectFactory& factory);
-std::shared_ptr<IdStore> IdRecordStore();
+// Stores the entry in db through the shared record store (lookup and insert or refresh in one
+// transaction): a new record when no record has its url, else the title, content and time of
+// that record are refreshed (its url, source and clicks stay).
+void SaveIdRecord(ado::Connection& conn, const IdRecord& record);
 
 }  // namespace ostrakan::gathering
