@@ -126,8 +126,7 @@ TEST(RequestReader, RefusesWhatTwoReadersCouldReadDifferently) {
       {"GET  / HTTP/1.1\r\nHost: a\r\n\r\n", 400},
       {"GET /a\r\nHost: a\r\n\r\n", 400},
       {"GET / HTTP/1.1\r\nHost a\r\n\r\n", 400},
-      {"GET ftp://a/ HTTP/1.1\r\nHost: a\r\n\r\n", 400},
-  };
+      {"GET ftp://a/ HTTP/1.1\r\nHost: a\r\n\r\n", 400}};
   for (const Case& c : cases) EXPECT_EQ(Refusal(c.bytes), c.status) << c.bytes.substr(0, 120);
 }
 

@@ -15,14 +15,7 @@ class SharedSessionsTest : public SiteTest {
   void SetUp() override {
     if (!OnPostgres()) GTEST_SKIP() << "sessions are shared through PostgreSQL";
     SiteTest::SetUp();
-    other_ = StartAnother();
-  }
-  std::unique_ptr<engine::HttpServer> StartAnother() const {
-    engine::ServerOptions options;
-    options.siteRoot = root();
-    options.listen = "127.0.0.1:0";
-    options.threads = 4;
-    return std::make_unique<engine::HttpServer>(options);
+    other_ = Serve();
   }
   HttpClient other() const { return HttpClient(other_->port()); }
   static bool SignedIn(const HttpClient& c, const std::string& cookie) {
@@ -40,7 +33,7 @@ TEST_F(SharedSessionsTest, SignInSignOutAndRestartsHoldOnEveryServer) {
   EXPECT_FALSE(SignedIn(other(), "Cookie: OSTRAKANSESSION=" + std::string(32, '0')));
 
   other_.reset();  // a restart of one server keeps the session
-  other_ = StartAnother();
+  other_ = Serve();
   EXPECT_TRUE(SignedIn(other(), cookie));
 
   other().Get("/admin/login_out.asp", {cookie});
