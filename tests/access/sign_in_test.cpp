@@ -1,6 +1,5 @@
-// The pieces of signing in: the verify picture and its code (that the picture's four cells show
-// the code is read back, cell by cell against the site's body.Fix, by every sign-in of the HTTP
-// tests), and the password digest.
+// The pieces of signing in: the verify picture and its code (whose cells every HTTP sign-in
+// reads back), and the password digest.
 #include "access/md5.h"
 #include "access/verify_code.h"
 

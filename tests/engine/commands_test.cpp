@@ -150,9 +150,8 @@ TEST_F(Commands, GenerateWritesTheChosenCategoriesOrSaysWhyNot) {
   EXPECT_TRUE(Holds(err_.str(), "\"1 or 1=1\" is not a category number"));
 }
 
-// A command started while another process writes waits for the writer (as the pages do, up
-// to 5 seconds) instead of failing at once with "database is locked": serve's start-up check,
-// generate (whose check runs first) and passwd, each started while the database is held.
+// A command started while another process writes waits for the writer (up to 5 seconds, as the
+// pages do) instead of failing at once with "database is locked".
 TEST_F(Commands, CommandsWaitForAWriterInsteadOfFailing) {
   Sql(db_, "insert into sort (id, sort, sort_id, alphabetical_id) values (101, '音乐', 0, 0)");
   auto whileHeld = [&](auto run) {

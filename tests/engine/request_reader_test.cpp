@@ -1,7 +1,5 @@
-// The request reader on bytes alone: what a well-behaved client sends in any number of pieces,
-// the connection rules of the two HTTP versions, targets in every form, and each kind of
-// request that two readers could read differently, refused with its own status; and the
-// decoding of what a request carries (escapes, forms, cookies).
+// The request reader on bytes alone: requests in any number of pieces, connection rules, targets,
+// refusals of what two readers could read differently; and the decoding of escapes and cookies.
 #include "engine/request_reader.h"
 #include "engine/url_decoding.h"
 

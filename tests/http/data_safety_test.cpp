@@ -1,6 +1,5 @@
 // What others send cannot reach the database's structure or the administrator's data: query
-// strings and forms over the real server, requests made from another site, double submits.
-// (Which pages act and which headers name another site is the engine's unit test.)
+// strings over the real server, requests made from another site, double submits.
 #include <latch>
 #include <thread>
 

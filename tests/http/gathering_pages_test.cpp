@@ -1,7 +1,5 @@
-// The list-site gathering pages on the real engine against the fixture remote site: a rule's way
-// from its form through the rule file to a run step, pages answering while one waits on a slow
-// site, the runs and schedules pages. (The flows in a browser are the browser's tests; cutting
-// entries and storing them are the gathering folder's.)
+// The list-site gathering pages on the real engine against the fixture remote site, where the
+// browser's tests do not look: the rule file, a slow site, the runs and schedules pages.
 #include <gtest/gtest.h>
 
 #include <future>
@@ -101,9 +99,8 @@ TEST_F(GatheringPages, OtherPagesAnswerWhileOneWaitsOnASlowSite) {
   EXPECT_EQ(slow.get().status, 200);
 }
 
-// The runs page escapes remote text, says a run has ended, and marks a rule that matched
-// nothing there, on the rule list and on the desktop. (Listing, stopping and queueing failed
-// pages again in a browser are the browser's test.)
+// The runs page escapes remote text, says a run has ended, and marks a rule that matched nothing
+// there, on the rule list and on the desktop.
 TEST_F(GatheringPages, TheRunsPageEscapesRunsAndMarksARuleThatMatchedNothing) {
   const std::string rule = Add("gb").second;
   std::string problem;
@@ -127,9 +124,8 @@ TEST_F(GatheringPages, TheRunsPageEscapesRunsAndMarksARuleThatMatchedNothing) {
                     u"列表采集 " + FromUtf8(rule) + u" 样站 gb：规则可能失效（2026-1-1，x）"));
 }
 
-// A schedule's form stores the typed keywords line by line and its pause; a form for a rule
-// that is not there stores nothing. (Adding, editing and removing in a browser, and which times
-// are refused, are the browser's and the schedules' tests.)
+// A schedule's form stores the typed keywords line by line and its pause; a form for a rule that
+// is not there stores nothing.
 TEST_F(GatheringPages, TheSchedulesPageStoresWhatWasTypedAndRefusesAMissingRule) {
   const std::string rule = Add("gb").second;
   const std::string form = "kind=list&rule_id=" + rule + "&keywords=" + GbkEscape(u"功夫\r\n喜剧") +

@@ -38,9 +38,8 @@ class PageThreads : public EngineTest {
   RemoteSite remote_;
 };
 
-// With every page thread waiting on the remote site, pages answer 503 while the sign-in page
-// (a lane of its own) and files (no page thread at all) still answer. Stopping closes idle
-// connections at once and cancels the fetch through the fetcher: the page answers, saying why.
+// With every page thread waiting on the remote site, pages answer 503, the sign-in page and files
+// still answer; stopping closes idle connections and cancels the fetch: the page says why.
 TEST_F(PageThreads, BusyThreadsAnswer503AndStoppingCancelsTheFetchUnderWay) {
   auto server = StartServer();
   RawConnection idle(server->port());

@@ -1,6 +1,5 @@
-// A site on a PostgreSQL cluster of its own, which these tests stop and start again while the
-// real engine serves the site on loopback (the cluster that the other PostgreSQL tests share is
-// never touched). Run once, in the plain run: the PostgreSQL run of this folder skips them.
+// A site on a PostgreSQL cluster of its own, stopped and started again while the real engine
+// serves the site. Run in the plain run only (the shared cluster is never touched).
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,9 +9,7 @@
 #include <cstdlib>
 
 #include "http/site_fixture.h"
-#include "platform/ado/connection.h"
 #include "platform/ado/pg_backend.h"
-#include "platform/ado/recordset.h"
 #include "support/test_database.h"
 
 namespace ostrakan::testing {
@@ -69,11 +66,6 @@ class PostgresFaults : public SiteTest {
     Sql(database(), "INSERT INTO db (title, url) SELECT 'record ' || i, 'v.test/' || i FROM " +
                         ("generate_series(1, " + std::to_string(n) + ") AS i"));
   }
-  std::shared_ptr<ado::Connection> Connect() {
-    auto conn = std::make_shared<ado::Connection>();
-    conn->Open(u"DBQ=" + FromUtf8(database().string()) + u";");
-    return conn;
-  }
 
   static std::string* cluster_;
   std::string database_;
@@ -115,42 +107,6 @@ TEST_F(PostgresFaults, AnUnreachableDatabaseStopsServeAndInitWithOneSentence) {
     EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;  // one line, no listening
   }
   EXPECT_FALSE(fs::exists(dir_.path() / "second" / "data"));
-}
-
-// The count that the triggers keep stands for count(*) in and out of transactions, and a list
-// skipped through the key's index lands where OFFSET would, with a bound condition too.
-TEST_F(PostgresFaults, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
-  Records(1000);
-  auto conn = Connect();
-  auto number = [&](const char16_t* sql) { return CLng(conn->Execute(sql)->FieldAt(0)); };
-  const char16_t* count = u"select count(*) as n from db";
-  EXPECT_EQ(number(count), 1000);
-  conn->Execute(u"delete from db where id > 990");
-  conn->backend().BeginWrite();
-  conn->Execute(u"insert into db (title) values ('a'), ('b')");
-  EXPECT_EQ(number(count), 992);                       // the writer sees its own rows
-  EXPECT_EQ(Value("select n from row_count"), "990");  // others do not
-  conn->backend().Rollback();
-  EXPECT_EQ(number(count), 990);
-  EXPECT_EQ(Value("select count(*) from db"), "990");
-  // LIKE ignores letter case, NOT LIKE too.
-  EXPECT_EQ(number(u"select count(*) from db where title like 'RECORD 99%'"), 2);
-  EXPECT_EQ(number(u"select count(*) from db where db.title not like 'RECORD 99%'"), 988);
-
-  auto rs = std::make_shared<ado::Recordset>();
-  rs->Open(u"select id, title from db where title like ? order by id desc", Variant(conn), 1, 1,
-           {Variant(u"%7%")});  // ids holding a 7: 270 of 1 .. 990
-  rs->Move(200);
-  EXPECT_EQ(CLng(rs->Field(u"id")), 375);  // the 201st from 987 down
-  rs->Move(100);                           // past the end
-  EXPECT_TRUE(rs->Eof());
-  // A long run left unread closes its connection; the next statement gets another one.
-  auto all = std::make_shared<ado::Recordset>();
-  all->Open(u"select id from db order by id", Variant(conn), 1, 1);
-  all->Move(100);
-  EXPECT_EQ(CLng(all->Field(u"id")), 101);
-  all->Close();
-  EXPECT_EQ(number(count), 990);
 }
 
 }  // namespace

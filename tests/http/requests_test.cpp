@@ -27,8 +27,7 @@ TEST_F(Requests, DecodesGbkQueryStringsAndFormsWithTheSessionsCodePage) {
 }
 
 // X-Real-IP is the client's address only behind a proxy and only when it is an address; the
-// sign-in throttle counts by it, so one proxied client's failures leave another alone, and views
-// of the sign-in page never count (without --behind-proxy every visitor shares one address).
+// sign-in throttle counts posts by it, so one proxied client's failures leave another alone.
 TEST_F(Requests, XRealIpIsTheClientOnlyBehindAProxyAndOnlyWhenItIsAnAddress) {
   auto proxied = StartServer([](engine::ServerOptions& o) {
     o.behindProxy = true;

@@ -33,8 +33,7 @@ class RuleExchangePages : public SiteTest {
 };
 
 // The download is the document of `ostrakan rules export`; the upload is previewed, then
-// imported. (That the rules come back field by field with their rule files is the rule
-// exchange's test; ticking, downloading and importing in a browser is the browser's.)
+// imported (field by field: the rule exchange's test; in a browser: the browser's).
 TEST_F(RuleExchangePages, TickedRulesAreDownloadedAndAnUploadedFileIsImportedAfterAPreview) {
   const std::string cookie = SignIn();
   InsertFixtureRule(database(), "http://remote.test/[page].html");

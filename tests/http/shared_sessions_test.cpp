@@ -1,7 +1,5 @@
-// Two servers of one site on PostgreSQL: what one of them knows of a visitor's session, the
-// other knows too (signed in, the verify code drawn, signed out, failed sign-ins), and a
-// restarted server still knows it. On SQLite each server keeps its own sessions; these tests need
-// PostgreSQL.
+// Two servers of one site on PostgreSQL: what one knows of a visitor's session (signed in, the
+// verify code drawn, signed out, failed sign-ins) the other and a restarted one know too.
 #include <future>
 
 #include "engine/shared_sessions.h"

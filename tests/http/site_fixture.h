@@ -1,6 +1,5 @@
-// The real site (made by `ostrakan init` from site/), made afresh for every test and served with
-// the real page components on an ephemeral loopback port, and an administrator who signs in as
-// a browser does: by reading the verify picture's digits against body.Fix.
+// The real site, made afresh by `ostrakan init` for every test and served on loopback, and an
+// administrator who signs in as a browser does: reading the verify picture's digits.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -71,10 +71,8 @@ TEST(RegExp, ChangingThePatternOrCaseRecompiles) {
   EXPECT_TRUE(re.Execute(u"A a").empty() && re.Test(u"xbx"));
 }
 
-// Runaway patterns end as error 28: exponential backtracking (the match limit), a page-long
-// scan per step, a possessive scan per step, a scan from each starting position, a
-// back-reference compared at every step (the time budget). Small limits keep this quick; the
-// ID run pages meet a runaway marker with the default ones.
+// Runaway patterns end as error 28, by the match limit (backtracking) or the time budget (scans
+// and back-references at every step); small limits keep this quick.
 TEST(RegExp, RunawaySearchesEndAsErrors) {
   const std::u16string page(1 << 18, u'a');
   const Limits small{.matchLimit = 100'000, .timeBudget = std::chrono::milliseconds(50)};

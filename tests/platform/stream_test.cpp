@@ -1,6 +1,5 @@
 // The stream object as the verify picture uses it: made through the object factory, a file
-// loaded whole in binary and read back. (Its text mode, CopyTo, SaveToFile and SetEOS have no
-// caller in the program.)
+// loaded whole in binary and read back.
 #include "platform/text/stream.h"
 
 #include <gtest/gtest.h>
