@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "engine/assignment_file.h"
 #include "engine/rules_command.h"
 #include "http/site_fixture.h"
 #include "support/list_rule_fixture.h"
@@ -76,6 +77,10 @@ TEST_F(RuleExchangePages, TickedRulesAreDownloadedAndAnUploadedFileIsImportedAft
             u"导入成功！共添加 1 条规则。');location.replace('gather_list_web_manage.asp')"));
   EXPECT_EQ(Value("select group_concat(web, '|') from gather_list_web where id > " + second),
             "功夫 \"站\"");
+  const auto arms =
+      engine::ParseCaseArms(text::Decode(ReadFile(root() / "admin/gather_list_web_list.asp"), 936));
+  EXPECT_NE(engine::FindCaseArm(arms, FromUtf8(Value("select max(id) from gather_list_web"))),
+            nullptr);  // the rule file has the added rule
   EXPECT_TRUE(Holds(
       Text(client().Post("/admin/gather_rules_import_ok.asp", "kind=list&document=e30", {cookie})),
       u"请选择要导入的规则文件！"));  // not the preview's base64
