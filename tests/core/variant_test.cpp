@@ -71,10 +71,7 @@ TEST(Variant, GeneralDateFormAndParsing) {
 TEST(Variant, Utf8RoundTripAndInvalidBytes) {
   std::u16string text = u"视频搜索 abc \U0001F600";
   EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
-  EXPECT_EQ(FromUtf8("a\xff"
-                     "b"),
-            u"a\uFFFD"
-            "b");
+  EXPECT_EQ(FromUtf8(std::string("a\xff") + "b"), u"a\uFFFDb");
   // A cut sequence is one U+FFFD, as browsers decode it, and swallows nothing after it; the
   // code-page module decodes 65001 the same way.
   EXPECT_EQ(FromUtf8("\xe8\xa7"), u"\uFFFD");

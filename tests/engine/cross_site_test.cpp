@@ -1,4 +1,7 @@
+// What a request says about where it comes from: the site that sent an action, and the client
+// address behind a proxy.
 #include "engine/cross_site.h"
+#include "engine/client_address.h"
 
 #include <gtest/gtest.h>
 
@@ -39,6 +42,18 @@ TEST(CrossSiteRequests, CompareHostAndPortOfOriginAndRefererWithTheHostHeader) {
       foreign({{"Host", "site.cn"}, {"Origin", "http://site.cn"}, {"Referer", "http://evil/"}}));
   for (const char* odd : {"null", "file:///c:/x.html", "about:blank"})
     EXPECT_TRUE(foreign({{"Host", "site.cn"}, {"Origin", odd}})) << odd;
+}
+
+TEST(ClientAddress, TakesXRealIpOnlyFromALoopbackProxyAndOnlyWhenItIsAnAddress) {
+  EXPECT_EQ(ClientAddress("127.0.0.1", "203.0.113.9", true), "203.0.113.9");
+  EXPECT_EQ(ClientAddress("::1", " 2001:DB8::1 ", true), "2001:db8::1");
+  // Not behind a proxy, or not from the proxy on this machine: the peer stands.
+  EXPECT_EQ(ClientAddress("127.0.0.1", "203.0.113.9", false), "127.0.0.1");
+  EXPECT_EQ(ClientAddress("198.51.100.4", "203.0.113.9", true), "198.51.100.4");
+  // Whatever else the header holds is not an address to count sign-ins by or show a page.
+  for (const char* bad : {"", "unknown", "203.0.113.9, 10.0.0.1", "203.0.113.9:80", "1.2.3",
+                          "<script>", "::1%eth0", "203.0.113.256"})
+    EXPECT_EQ(ClientAddress("127.0.0.1", bad, true), "127.0.0.1") << bad;
 }
 
 }  // namespace

@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "admin/registry.h"
 #include "gathering/record_store.h"
 #include "platform/ado/connection.h"
 #include "platform/clock.h"
+#include "support/admin_pages.h"
 #include "support/holds.h"
-#include "support/page_harness.h"
 
 namespace ostrakan {
 namespace {
@@ -65,37 +64,23 @@ TEST_F(ErrorLog, ALineThatCannotBeWrittenGoesToStandardError) {
 
 // The dates the system writes come from the process's clock: the log line's, and the time of a
 // record entered on its page (which the column's default would otherwise fill) or gathered.
-TEST(ClockSeam, TheLogAndStoredRecordsCarryTheClocksTime) {
+class ClockSeam : public testing::AdminPages {};
+
+TEST_F(ClockSeam, TheLogAndStoredRecordsCarryTheClocksTime) {
   TestClock clock(MakeDate(2021, 3, 4, 5, 6, 7));
   ScopedClock installed(clock);
-  testing::TestSite site;
   LogComponentError(u"\\admin\\x, InitFunction3: Overflow");
   EXPECT_EQ(site.log(), "2021-3-4 5:06:07    \\admin\\x, InitFunction3: Overflow\r\n");
-
-  auto session = std::make_shared<Session>();
-  session->Set(u"Ostrakan_Admin", Variant(u"admin"));
-  {
-    testing::TestRequest r(site, u"/admin/db_add_ok.asp", session);
-    for (auto [name, value] : {std::pair{u"title", u"entered"},
-                               {u"content", u""},
-                               {u"url", u"v.com/1"},
-                               {u"source", u"s"},
-                               {u"source_url", u"s.com"}})
-      r.request().form.Add(name, value);
-    testing::RunBlocks(*CreateComponent(u"Ostrakan.Class39"),
-                       {u"InitFunction1", u"InitFunction2", u"InitFunction3"});
-  }
+  Run(u"Ostrakan.Class39", 3, {},
+      {{u"title", u"entered"}, {u"url", u"v.com/1"}, {u"source", u"s"}, {u"source_url", u"s.com"}});
   clock.Advance(61);
-  {
-    auto conn = std::make_shared<ado::Connection>();
-    conn->Open(u"DBQ=" + FromUtf8(site.database().string()));
-    gathering::StoreRecord(*conn, {u"gathered", u"", u"http://v.com/2", u""},
-                           {u"s", u"http://s.com"});
-  }
-  EXPECT_EQ(testing::SqlValue(site.database(),
-                              "select group_concat(title || ' ' || time, '|') "
-                              "from (select * from db order by id)"),
-            "entered 2021-03-04 05:06:07|gathered 2021-03-04 05:07:08");
+  auto conn = std::make_shared<ado::Connection>();
+  conn->Open(u"DBQ=" + FromUtf8(site.database().string()));
+  gathering::StoreRecord(*conn, {u"gathered", u"", u"http://v.com/2", u""},
+                         {u"s", u"http://s.com"});
+  EXPECT_EQ(
+      Value("select group_concat(title || ' ' || time, '|') from (select * from db order by id)"),
+      "entered 2021-03-04 05:06:07|gathered 2021-03-04 05:07:08");
 }
 
 }  // namespace

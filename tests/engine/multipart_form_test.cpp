@@ -22,15 +22,12 @@ TEST(MultipartForm, ReadsTheFieldsAndFilesABrowserSends) {
       "\r\n--XyZ\r\nContent-Disposition: form-data; name=\"other\"; filename=\"\"\r\n"
       "Content-Type: application/octet-stream\r\n\r\n\r\n--XyZ--\r\n";
   const auto parts = ReadMultipart(body, "XyZ");
-  ASSERT_EQ(parts.size(), 3u);
-  EXPECT_EQ(parts[0].name, "kind");
-  EXPECT_FALSE(parts[0].fileName);
-  EXPECT_EQ(parts[0].data, "\xB5\xE7\xD3\xB0");
-  EXPECT_EQ(*parts[1].fileName, "a\"b.json");
-  EXPECT_EQ(parts[1].contentType, "application/json");
-  EXPECT_EQ(parts[1].data, file);
-  EXPECT_EQ(*parts[2].fileName, "");
-  EXPECT_EQ(parts[2].data, "");
+  std::string read;
+  for (const auto& part : parts)
+    read += part.name + "|" + part.fileName.value_or("(none)") + "|" + part.contentType + "|" +
+            part.data + "\n";
+  EXPECT_EQ(read, "kind|(none)||\xB5\xE7\xD3\xB0\nfile|a\"b.json|application/json|" + file +
+                      "\nother||application/octet-stream|\n");
   EXPECT_TRUE(ReadMultipart("--XyZ--", "XyZ").empty());
 }
 
@@ -68,12 +65,10 @@ TEST(MultipartForm, RefusesEverythingElseAndWhatIsTooLarge) {
   const std::string file =
       "--B\r\nContent-Disposition: form-data; name=\"f\"; filename=\"a\"\r\n\r\n";
   EXPECT_EQ(ReadMultipart(file + std::string(10, 'a') + "\r\n--B--", "B", small).size(), 1u);
-  try {
-    ReadMultipart(file + std::string(6, 'a') + "\r\n" + file + "aaaaa\r\n--B--", "B", small);
-    ADD_FAILURE() << "two files over the limit together were read";
-  } catch (const MultipartError& e) {
-    EXPECT_STREQ(e.what(), "the uploaded files are larger than 10 bytes");
-  }
+  // Two files over the limit together.
+  EXPECT_THROW(
+      ReadMultipart(file + std::string(6, 'a') + "\r\n" + file + "aaaaa\r\n--B--", "B", small),
+      MultipartError);
 }
 
 }  // namespace

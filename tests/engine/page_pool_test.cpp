@@ -1,6 +1,5 @@
-// The page threads' queues on their own: quick work passes work that holds every other thread,
-// work that cannot start in time or finds its queue full is answered instead of run, and
-// stopping answers what is still queued while the work under way ends.
+// The page threads' queues: quick work passes busy threads, work that cannot start in time or
+// finds its queue full is answered instead of run, stopping answers what is still queued.
 #include "engine/page_pool.h"
 
 #include <gtest/gtest.h>
@@ -26,12 +25,8 @@ struct Outcome {
 };
 
 TEST(PagePool, QuickWorkPassesBusyThreadsAndLateWorkIsAnsweredInstead) {
-  PagePoolOptions options;
-  options.threads = 1;
-  options.quickThreads = 1;
-  options.maxWait = std::chrono::milliseconds(200);
-  options.maxQueued = 1;
-  PagePool pool(options);
+  PagePool pool(
+      {.threads = 1, .quickThreads = 1, .maxWait = std::chrono::milliseconds(200), .maxQueued = 1});
   std::latch release(1);
   std::promise<void> started;
   pool.Submit(
@@ -54,11 +49,7 @@ TEST(PagePool, QuickWorkPassesBusyThreadsAndLateWorkIsAnsweredInstead) {
 }
 
 TEST(PagePool, StoppingLetsWorkUnderWayEndAndAnswersTheRest) {
-  PagePoolOptions options;
-  options.threads = 1;
-  options.quickThreads = 0;
-  options.maxWait = std::chrono::seconds(60);
-  PagePool pool(options);
+  PagePool pool({.threads = 1, .quickThreads = 0, .maxWait = std::chrono::seconds(60)});
   std::atomic<bool> finished = false;
   std::promise<void> started;
   pool.Submit(

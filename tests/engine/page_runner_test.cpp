@@ -37,12 +37,6 @@ class Recorder : public SitePage {
 class PageRunnerTest : public ::testing::Test {
  protected:
   PageRunnerTest() {
-    context_.application = std::make_shared<Application>();
-    context_.session = std::make_shared<Session>();
-    context_.request = std::make_shared<Request>();
-    context_.response = std::make_shared<Response>();
-    context_.server =
-        std::make_shared<Server>("/nonexistent", u"/admin/recorder.asp", ObjectFactory::Default());
     std::vector<Assignment> values;
     int n = 0;
     for (const auto& name : SitePage::SettingNames())
@@ -65,7 +59,10 @@ class PageRunnerTest : public ::testing::Test {
     return context_.response->Text();
   }
 
-  RequestContext context_;
+  RequestContext context_{
+      std::make_shared<Application>(),
+      std::make_shared<Server>("/nonexistent", u"/admin/recorder.asp", ObjectFactory::Default()),
+      std::make_shared<Session>(), std::make_shared<Request>(), std::make_shared<Response>()};
   SiteSetup setup_;
   ComponentCreator create_ = [](std::u16string_view progId) -> std::shared_ptr<Component> {
     if (!IEquals(progId, u"Test.Recorder")) return nullptr;

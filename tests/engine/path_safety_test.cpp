@@ -64,5 +64,24 @@ TEST_F(PathSafety, RefusesSettingsDataHiddenNamesAndEveryWayOutOfTheRoot) {
     EXPECT_EQ(Resolve(p).kind, Kind::Forbidden) << p;
 }
 
+// The remembered resolution of request paths notices every change that alters the answer.
+TEST_F(PathSafety, TheResolverSeesRetargetedLinksReplacedFilesAndNewIndexPages) {
+  PathResolver paths(root_);
+  fs::create_symlink(root_ / "image/logo.GIF", root_ / "list/p.html");
+  EXPECT_EQ(paths.Resolve("/list/p.html").kind, Kind::StaticFile);
+  fs::remove(root_ / "list/p.html");
+  fs::create_symlink(dir_.path() / "secret.txt", root_ / "list/p.html");
+  EXPECT_EQ(paths.Resolve("/list/p.html").kind, Kind::Forbidden);
+  // A folder answered by its index.html, until an index.asp comes, which goes first.
+  std::ofstream(root_ / "list/index.html") << "index";
+  EXPECT_EQ(paths.Resolve("/list/").virtualPath, "/list/index.html");
+  std::ofstream(root_ / "list/index.asp") << "page";
+  ResolvedPath r = paths.Resolve("/list/");
+  EXPECT_EQ(r.kind, Kind::Page);
+  EXPECT_EQ(r.virtualPath, "/list/index.asp");
+  fs::remove(root_ / "list/index.html");
+  EXPECT_EQ(paths.Resolve("/list/index.html").kind, Kind::NotFound);
+}
+
 }  // namespace
 }  // namespace ostrakan::engine

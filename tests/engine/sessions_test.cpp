@@ -51,18 +51,6 @@ TEST_F(SessionStoreTest, KeepsASessionWhileItIsUsedAndDropsItAfterItsOwnTimeout)
   EXPECT_EQ(store_.size(), 2u);
 }
 
-TEST_F(SessionStoreTest, RotationMovesTheValuesToANewIdAndRetiresTheOld) {
-  auto session = std::make_shared<Session>();
-  std::string id = Add(false, session);
-  std::string moved = store_.Rotate(id).value();
-  EXPECT_NE(moved, id);
-  EXPECT_EQ(store_.Find(id), nullptr);
-  EXPECT_EQ(store_.Find(moved), session);
-  EXPECT_EQ(store_.Rotate(id), std::nullopt);
-  store_.Drop(moved);
-  EXPECT_EQ(store_.Find(moved), nullptr);
-}
-
 TEST_F(SessionStoreTest, AFullStoreDropsTheAnonymousSessionIdleLongestAndNeverASignedInOne) {
   std::vector<std::string> ids;
   for (int i = 0; i < 10; ++i) ids.push_back(Add());

@@ -136,12 +136,13 @@ class EngineTest : public ::testing::Test {
     WriteAnsi(dir_->path() / "secret.txt", u"outside");
     SetErrorLogPath(root_ / "data/PagebindLog.Log");
 
-    server_ = new engine::HttpServer(Options());
+    server_ = StartServer().release();
   }
 
-  // The options of the suite's server: eight page threads, a body of up to a megabyte, and
-  // requests timed out after 1.5 seconds (the stalled-client test waits this out).
-  static engine::ServerOptions Options() {
+  // A server of the suite's site: eight page threads, a body of up to a megabyte, requests timed
+  // out after 1.5 seconds (the stalled-client test waits this out); `change` changes them.
+  static std::unique_ptr<engine::HttpServer> StartServer(
+      const std::function<void(engine::ServerOptions&)>& change = [](engine::ServerOptions&) {}) {
     engine::ServerOptions options;
     options.siteRoot = root_;
     options.listen = "127.0.0.1:0";
@@ -152,12 +153,6 @@ class EngineTest : public ::testing::Test {
       if (IEquals(progId, u"Test.Page")) return std::make_shared<TestPage>();
       return nullptr;
     };
-    return options;
-  }
-  // Another server of the same site, its options changed by `change`.
-  static std::unique_ptr<engine::HttpServer> StartServer(
-      const std::function<void(engine::ServerOptions&)>& change) {
-    engine::ServerOptions options = Options();
     change(options);
     return std::make_unique<engine::HttpServer>(options);
   }

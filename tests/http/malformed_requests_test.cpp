@@ -21,17 +21,14 @@ class MalformedRequests : public EngineTest {
   }
 };
 
-// Which bytes are refused with which status is the request reader's own test; here each
-// kind of refusal closes the connection before the request smuggled after it is read.
+// A refusal in the head, in a chunked body or of a head too large to read closes the connection
+// before the request smuggled after it is read (which bytes are refused: the request reader's).
 TEST_F(MalformedRequests, RefusalsCloseTheConnection) {
   const std::string post = "POST /echo.asp HTTP/1.1\r\nHost: a\r\n";
   ExpectRefusedAndClosed(post + "Content-Length: 3\r\nContent-Length: 5\r\n\r\nf=abc");
   ExpectRefusedAndClosed(post + "Transfer-Encoding: chunked\r\n\r\n3\r\nf=a\r\n0\n\n");
-  ExpectRefusedAndClosed("GET /echo.asp HTTP/1.1\r\nHost: a\nX-Test: b\r\n\r\n");
   ExpectRefusedAndClosed(post + "Transfer-Encoding: gzip\r\n\r\nf=a", 501);
-  ExpectRefusedAndClosed("GET /" + std::string(9000, 'a') + " HTTP/1.1\r\nHost: a\r\n\r\n", 414);
   ExpectRefusedAndClosed("GET / HTTP/1.1\r\nX: " + std::string(20000, 'a') + "\r\n\r\n", 431);
-  ExpectRefusedAndClosed("GET / HTTP/2.0\r\nHost: a\r\n\r\n", 505);
 }
 
 // Pipelined on one connection: an absolute-form request, "OPTIONS *", a chunked form and a

@@ -38,30 +38,19 @@ class PageThreads : public EngineTest {
   RemoteSite remote_;
 };
 
-TEST_F(PageThreads, BusyPageThreadsAnswer503WhileQuickPagesAndFilesStillAnswer) {
-  auto server = StartServer();
-  auto slow = StartSlowPage(server->port());
-  HttpClient c(server->port());
-
-  HttpReply busy = c.Get("/admin/session.asp");
-  EXPECT_EQ(busy.status, 503) << busy.body;
-  EXPECT_FALSE(busy.Header("retry-after").empty());
-
-  // The sign-in page has a lane of its own; files need no page thread at all.
-  EXPECT_EQ(c.Get("/admin/login.asp").body, "sign in");
-  EXPECT_EQ(c.Get("/admin/css/a.css").body, "body{}");
-
-  server.reset();
-  EXPECT_EQ(slow.get().status, 200);
-}
-
-// Stopping closes idle connections at once and cancels the fetch a page waits on through the
-// fetcher, so the page still answers, and says why.
-TEST_F(PageThreads, StoppingCancelsAFetchUnderWayAndClosesIdleConnections) {
+// With every page thread waiting on the remote site, pages answer 503, the sign-in page and files
+// still answer; stopping closes idle connections and cancels the fetch: the page says why.
+TEST_F(PageThreads, BusyThreadsAnswer503AndStoppingCancelsTheFetchUnderWay) {
   auto server = StartServer();
   RawConnection idle(server->port());
   ASSERT_TRUE(idle.connected());
   auto slow = StartSlowPage(server->port());
+  HttpClient c(server->port());
+  HttpReply busy = c.Get("/admin/session.asp");
+  EXPECT_EQ(busy.status, 503) << busy.body;
+  EXPECT_FALSE(busy.Header("retry-after").empty());
+  EXPECT_EQ(c.Get("/admin/login.asp").body, "sign in");
+  EXPECT_EQ(c.Get("/admin/css/a.css").body, "body{}");
 
   server.reset();
   HttpReply r = slow.get();

@@ -1,7 +1,8 @@
-// Requests over loopback: decoding of what the browser sends, the client's address, size limits,
-// what is served and what is refused.
+// Requests and pages over loopback: decoding of what the browser sends, the client's address, size
+// limits, what is served and what is refused, and page files run by the engine.
 #include <algorithm>
 #include <future>
+#include <set>
 
 #include "http/engine_fixture.h"
 
@@ -13,14 +14,12 @@ class Requests : public EngineTest {};
 TEST_F(Requests, DecodesGbkQueryStringsAndFormsWithTheSessionsCodePage) {
   HttpReply r = client().Get("/echo.asp?q=%C4%E3%BA%C3+x&id=7", {"User-Agent: tester/1.0"});
   ASSERT_EQ(r.status, 200) << r.error;
-  EXPECT_TRUE(Holds(Text(r), u"q=[你好 x] f=[] id=[7] m=[GET]"));
-  EXPECT_TRUE(Holds(Text(r), u"ua=[tester/1.0]"));
+  EXPECT_TRUE(Holds(Text(r), u"q=[你好 x] f=[] id=[7] m=[GET] url=[/echo.asp] ua=[tester/1.0]"));
   EXPECT_EQ(r.Header("content-type"), "text/html; charset=gb2312");
 
   // The query string comes before the form in Request(name).
   r = client().Post("/echo.asp?id=1", "f=%D6%D0%CE%C4&id=2", {"X-Test: yes"});
-  EXPECT_TRUE(Holds(Text(r), u"f=[中文] id=[1] m=[POST]"));
-  EXPECT_TRUE(Holds(Text(r), u"x=[yes]"));
+  EXPECT_TRUE(Holds(Text(r), u"f=[中文] id=[1] m=[POST] url=[/echo.asp] ua=[] x=[yes]"));
   // Repeated keys are joined; a body that is not form-encoded is not read as a form.
   EXPECT_TRUE(Holds(client().Get("/echo.asp?q=1&Q=2&&q=&=x&q").body, "q=[1, 2, , ]"));
   EXPECT_TRUE(
@@ -28,8 +27,7 @@ TEST_F(Requests, DecodesGbkQueryStringsAndFormsWithTheSessionsCodePage) {
 }
 
 // X-Real-IP is the client's address only behind a proxy and only when it is an address; the
-// sign-in throttle counts by it, so one proxied client's failures leave another alone, and views
-// of the sign-in page never count (without --behind-proxy every visitor shares one address).
+// sign-in throttle counts posts by it, so one proxied client's failures leave another alone.
 TEST_F(Requests, XRealIpIsTheClientOnlyBehindAProxyAndOnlyWhenItIsAnAddress) {
   auto proxied = StartServer([](engine::ServerOptions& o) {
     o.behindProxy = true;
@@ -80,23 +78,23 @@ TEST_F(Requests, RefusesABodyOverTheLimitAndKeepsServing) {
 TEST_F(Requests, AnswersFoldersWithTheirIndexPageAndServesStaticFilesWithRevalidation) {
   EXPECT_EQ(Text(client().Get("/")), u"<title>测试站</title>");
   HttpReply r = client().Get("/admin?x=1");
-  EXPECT_EQ(r.status, 301);
-  EXPECT_EQ(r.Header("location"), "/admin/?x=1");
-  EXPECT_EQ(client().Get("/admin/").body, "admin index");
-  EXPECT_EQ(client().Get("/admin/nothing.asp").status, 404);
-
+  EXPECT_EQ(std::to_string(r.status) + " " + r.Header("location"), "301 /admin/?x=1");
+  for (auto [method, path, answer] : {std::tuple{"GET", "/admin/", "200 admin index"},
+                                      {"GET", "/admin/nothing.asp", "404 "},
+                                      {"GET", "/admin/css/a%20b.css", "200 p{}"},
+                                      {"PUT", "/admin/css/a.css", "405 "},
+                                      {"DELETE", "/echo.asp", "405 "}}) {
+    r = client().Send(method, path);
+    EXPECT_EQ(std::to_string(r.status) + " " + (r.status == 200 ? r.body : ""), answer) << path;
+  }
   r = client().Get("/admin/css/a.css");
   EXPECT_EQ(r.body, "body{}");
   EXPECT_EQ(r.Header("content-type"), "text/css; charset=gb2312");
   const std::string modified = r.Header("last-modified");
   ASSERT_FALSE(modified.empty());
   r = client().Get("/admin/css/a.css", {"If-Modified-Since: " + modified});
-  EXPECT_EQ(r.status, 304);
-  EXPECT_TRUE(r.body.empty());
-  r = client().Send("HEAD", "/admin/css/a.css");
-  EXPECT_EQ(r.status, 200);
-  EXPECT_EQ(r.Header("content-length"), "6");
-  EXPECT_EQ(client().Get("/admin/css/a%20b.css").body, "p{}");
+  EXPECT_EQ(std::to_string(r.status) + " " + r.body, "304 ");
+  EXPECT_EQ(client().Send("HEAD", "/admin/css/a.css").Header("content-length"), "6");
   // A file changed in place at the same size is sent as it is now, not as it was.
   const auto past = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
   std::filesystem::last_write_time(root_ / "admin/css/a.css", past);
@@ -104,8 +102,6 @@ TEST_F(Requests, AnswersFoldersWithTheirIndexPageAndServesStaticFilesWithRevalid
   std::ofstream(root_ / "admin/css/a.css", std::ios::binary) << "div{}\n";
   std::filesystem::last_write_time(root_ / "admin/css/a.css", past + std::chrono::seconds(1));
   EXPECT_EQ(client().Get("/admin/css/a.css").body, "div{}\n");
-  EXPECT_EQ(client().Send("PUT", "/admin/css/a.css").status, 405);
-  EXPECT_EQ(client().Send("DELETE", "/echo.asp").status, 405);
 
   // A file larger than one piece of the server's reads arrives whole and in order.
   std::string big;
@@ -138,6 +134,73 @@ TEST_F(Requests, NeverSendsPageSource) {
         EXPECT_FALSE(Holds(body, source)) << method << " " << path;
     }
   }
+}
+
+// Running page files: headers a page sets, failures, full-size stacks, files that change while
+// the site runs, and parallel pages.
+TEST_F(Requests, HeadersFromAPageCannotSplitOrMisframeTheAnswer) {
+  HttpReply r = client().Get("/admin/redirect.asp?to=next.asp%0d%0aSet-Cookie:%20evil=1");
+  EXPECT_EQ(r.status, 302);
+  EXPECT_EQ(r.Header("location"), "next.asp  Set-Cookie: evil=1");
+  EXPECT_TRUE(r.All("set-cookie").empty());
+
+  r = client().Get("/admin/header.asp");
+  EXPECT_EQ(r.status, 200) << r.error;
+  EXPECT_EQ(r.body, "body");
+  EXPECT_EQ(r.Header("content-length"), "4");
+}
+
+TEST_F(Requests, AFailedPageGivesA500NamingFileAndLineAndTheServerStaysUp) {
+  HttpReply r = client().Get("/admin/crash.asp");
+  EXPECT_EQ(r.status, 500);
+  EXPECT_TRUE(Holds(r.body, "/admin/crash.asp failed at line 3"));
+  EXPECT_FALSE(Holds(r.body, "boom")) << "details belong in the log";
+  EXPECT_TRUE(Holds(ErrorLog(), "/admin/crash.asp, line 3: boom: escaped the component"));
+  r = client().Get("/admin/broken.asp");  // a syntax error
+  EXPECT_EQ(r.status, 500);
+  EXPECT_TRUE(Holds(r.body, "/admin/broken.asp, line 2"));
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(client().Get("/admin/crash.asp").status, 500);
+  EXPECT_EQ(client().Get("/").status, 200);
+  EXPECT_EQ(client().Get("/admin/deep.asp").body, "deep");  // a megabyte of stack
+}
+
+TEST_F(Requests, EditedPagesAndRuleFilesAreReadAgain) {
+  EXPECT_EQ(Text(client().Get("/admin/rule.asp?id=1")), u"一号站|http://one/|");
+  // The rule file is generated while the site runs; a new version is read at once.
+  std::filesystem::path rules = root_ / "admin/rules_list.asp";
+  std::string old = ReadFile(rules);
+  WriteAnsi(rules, u"Select Case id\r\nCase 9\r\nweb=\"nine\"\r\nEnd Select\r\n");
+  EXPECT_EQ(client().Get("/admin/rule.asp?id=9").body, "nine|");
+  std::ofstream(rules, std::ios::binary) << old;
+
+  std::filesystem::path page = root_ / "admin/changing.asp";
+  WriteAnsi(page, u"one");
+  EXPECT_EQ(client().Get("/admin/changing.asp").body, "one");
+  WriteAnsi(page, u"second");
+  EXPECT_EQ(client().Get("/admin/changing.asp").body, "second");
+}
+
+TEST_F(Requests, ParallelPagesKeepTheirOwnSessionsAndGetTheApplicationLockBackFromAFailure) {
+  EXPECT_EQ(client().Get("/admin/lock_fail.asp").body, "after");  // logged, swallowed
+  EXPECT_TRUE(Holds(ErrorLog(), "LockAndFail: failed while holding the application lock"));
+  // Each client may land on a thread other than the one that failed, and would wait for ever
+  // on a lock nobody gives back.
+  std::vector<std::future<std::string>> clients;
+  for (int i = 0; i < 8; ++i)
+    clients.push_back(std::async(std::launch::async, [this] {
+      std::string cookie =
+          "Cookie: OSTRAKANSESSION=" + client().Get("/admin/session.asp").SessionCookie();
+      for (int n = 2; n <= 12; ++n)
+        if (client().Get("/admin/session.asp", {cookie}).body != "n=" + std::to_string(n))
+          return std::string("mixed up");
+      client().Get("/admin/lock_fail.asp");
+      return client().Get("/admin/lock_visit.asp").body;
+    }));
+  std::set<std::string> answers;
+  for (auto& c : clients) answers.insert(c.get());
+  EXPECT_EQ(answers.size(), 8u);  // every visit counted once, under the lock
+  EXPECT_EQ(answers.count("visit 8"), 1u);
+  EXPECT_EQ(answers.count("mixed up"), 0u);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // Session cookies over loopback: flags, persistence, rotation at sign-in, abandoning, and a
-// flood of cookie-less requests that cannot sign the administrator out. (Sessions of parallel
-// clients are in the pages' test of parallel pages.)
+// flood of cookie-less requests that cannot sign the administrator out.
 #include "http/engine_fixture.h"
 
 namespace ostrakan::testing {

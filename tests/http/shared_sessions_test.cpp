@@ -1,7 +1,5 @@
-// Two servers of one site on PostgreSQL: what one of them knows of a visitor's session, the
-// other knows too (signed in, the verify code drawn, signed out, failed sign-ins), and a
-// restarted server still knows it. On SQLite each server keeps its own sessions; these tests need
-// PostgreSQL.
+// Two servers of one site on PostgreSQL: what one knows of a visitor's session (signed in, the
+// verify code drawn, signed out, failed sign-ins) the other and a restarted one know too.
 #include <future>
 
 #include "engine/shared_sessions.h"
@@ -15,14 +13,7 @@ class SharedSessionsTest : public SiteTest {
   void SetUp() override {
     if (!OnPostgres()) GTEST_SKIP() << "sessions are shared through PostgreSQL";
     SiteTest::SetUp();
-    other_ = StartAnother();
-  }
-  std::unique_ptr<engine::HttpServer> StartAnother() const {
-    engine::ServerOptions options;
-    options.siteRoot = root();
-    options.listen = "127.0.0.1:0";
-    options.threads = 4;
-    return std::make_unique<engine::HttpServer>(options);
+    other_ = Serve();
   }
   HttpClient other() const { return HttpClient(other_->port()); }
   static bool SignedIn(const HttpClient& c, const std::string& cookie) {
@@ -40,7 +31,7 @@ TEST_F(SharedSessionsTest, SignInSignOutAndRestartsHoldOnEveryServer) {
   EXPECT_FALSE(SignedIn(other(), "Cookie: OSTRAKANSESSION=" + std::string(32, '0')));
 
   other_.reset();  // a restart of one server keeps the session
-  other_ = StartAnother();
+  other_ = Serve();
   EXPECT_TRUE(SignedIn(other(), cookie));
 
   other().Get("/admin/login_out.asp", {cookie});

@@ -1,6 +1,5 @@
-// The real site (made by `ostrakan init` from site/), made afresh for every test and served with
-// the real page components on an ephemeral loopback port, and an administrator who signs in as
-// a browser does: by reading the verify picture's digits against body.Fix.
+// The real site, made afresh by `ostrakan init` for every test and served on loopback, and an
+// administrator who signs in as a browser does: reading the verify picture's digits.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -49,17 +48,23 @@ inline std::string GbkEscape(std::u16string_view text) {
 
 class SiteTest : public ::testing::Test {
  protected:
-  void SetUp() override {
+  void SetUp() override { MakeSite(database_.address()); }
+  // Makes the site with `ostrakan init`, its database at `address` (or an SQLite file), and
+  // serves it.
+  void MakeSite(std::optional<std::string> address) {
     std::ostringstream out, err;
-    engine::InitOptions init{root(), SourceDir() / "site", "admin", "secret123",
-                             database_.address()};
+    engine::InitOptions init{root(), SourceDir() / "site", "admin", "secret123", address};
     ASSERT_EQ(engine::RunInit(init, out, err), 0) << err.str();
     SetErrorLogPath(root() / "data/PagebindLog.Log");
+    server_ = Serve();
+  }
+  // Another server of the site.
+  std::unique_ptr<engine::HttpServer> Serve() const {
     engine::ServerOptions options;
     options.siteRoot = root();
     options.listen = "127.0.0.1:0";
     options.threads = 8;
-    server_ = std::make_unique<engine::HttpServer>(options);
+    return std::make_unique<engine::HttpServer>(options);
   }
 
   std::filesystem::path root() const { return dir_.path() / "site"; }

@@ -1,7 +1,6 @@
-// A store that the disk refuses, over the real server: the site's data folder is put on a small
-// file system of its own (tmpfs), which the test fills or makes read-only. The page says why in
-// one sentence; the error goes to the log, or to standard error when the log cannot be
-// written either. Mounting needs root (CAP_SYS_ADMIN); elsewhere these tests are skipped.
+// A store that the disk refuses, over the real server: the data folder is a small tmpfs that the
+// test fills or makes read-only (mounting needs root; elsewhere these tests are skipped). The
+// page says why in one sentence; the error goes to the log, or to standard error.
 #include <sqlite3.h>
 #include <sys/mount.h>
 
@@ -58,9 +57,8 @@ class StorageFailure : public SiteTest {
   std::string cookie_;
 };
 
-// Two moments a disk can fill up: before the page opens the database (SQLite cannot make its
-// shared-memory file) and while it stores (the write-ahead log cannot grow; another connection
-// keeps the database open, so its files are there already).
+// Full before the page opens the database (no shared-memory file can be made) and while it
+// stores (the write-ahead log cannot grow; another connection keeps the files open).
 TEST_F(StorageFailure, AFullDiskIsNamedOnThePageAndTheErrorGoesToStandardError) {
   for (bool heldOpen : {false, true}) {
     SCOPED_TRACE(heldOpen ? "full while storing" : "full before opening");

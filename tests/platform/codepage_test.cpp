@@ -18,9 +18,8 @@ const std::string kGbkChinese = "\xD6\xD0\xCE\xC4\xB2\xE2\xCA\xD4";
 TEST(CodePage, AnsiCodePageRoundTripsChineseAndWritesWhatGbkLacksAsGb18030) {
   EXPECT_EQ(Encode(u"中文测试 ABC", kAnsiCodePage), kGbkChinese + " ABC");
   EXPECT_EQ(Decode(kGbkChinese + " ABC", kAnsiCodePage), u"中文测试 ABC");
-  // GBK has the euro sign (0x80), pinyin letters and the full-width quotes; Hangul, an emoji
-  // and a CJK character of extension B are written as GB18030 sequences; a lone surrogate,
-  // which no encoding holds, as "?".
+  // GBK has the euro sign, pinyin letters and full-width quotes; Hangul, an emoji and extension
+  // B are written as GB18030 sequences; a lone surrogate, which no encoding holds, as "?".
   EXPECT_EQ(Encode(u"€é“”", kAnsiCodePage), "\x80\xA8\xA6\xA1\xB0\xA1\xB1");
   EXPECT_EQ(Encode(u"a가b😀c𠀀" + std::u16string(1, char16_t(0xD800)), kAnsiCodePage),
             "a\x82\x37\xCF\x35"
@@ -38,9 +37,8 @@ TEST(CodePage, AnsiCodePageRoundTripsChineseAndWritesWhatGbkLacksAsGb18030) {
   EXPECT_THROW(Encode(u"x", 12345), ScriptError);
 }
 
-// Over the whole BMP: a character that windows-936 holds keeps exactly its windows-936 bytes
-// (pages and files written before stay byte for byte the same), and every other character
-// comes back from the bytes written for it.
+// Over the whole BMP: a character of windows-936 keeps exactly its bytes (what was written before
+// stays the same), and every other character comes back from the bytes written for it.
 TEST(CodePage, EveryGbkCharacterKeepsItsBytesAndEveryOtherOneRoundTrips) {
   UErrorCode err = U_ZERO_ERROR;
   std::unique_ptr<UConverter, decltype(&ucnv_close)> gbk(ucnv_open("windows-936-2000", &err),

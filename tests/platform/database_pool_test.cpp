@@ -47,9 +47,8 @@ TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndItsWritesReachOthe
   next->Execute(u"insert into keyword (keyword) values ('kept')");
   next->Close();
 
-  // Another process that opens and closes the database while a kept connection waits must see
-  // that connection's later writes: opening a connection here must not drop the locks that
-  // tell it the write-ahead log is in use.
+  // Another process opening and closing the database while a connection is kept sees its later
+  // writes: opening here must not drop the locks that say the write-ahead log is in use.
   CloseIdleDatabases();
   Keywords(Connect(file));  // kept, having read
   Keywords(Connect(file));  // the same one again

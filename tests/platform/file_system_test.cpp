@@ -68,8 +68,7 @@ size_t Entries(const std::filesystem::path& folder) {
 }
 
 // Batched writes change no target until Commit, then all at once; one that cannot be put in
-// place is reported and leaves its target and the others' alone; what is never committed leaves
-// nothing behind.
+// place is reported and leaves the others alone; what is never committed leaves nothing.
 TEST(BatchedWrites, PutFilesInPlaceOnlyOnCommitAndCleanUpOtherwise) {
   testing::TempDir dir;
   FileSystem& real = FileSystem::Real();

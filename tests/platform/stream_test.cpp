@@ -31,10 +31,7 @@ TEST(ObjectFactory, EachCallMakesANewObjectAndUnknownNamesAreError429) {
 
 TEST(Stream, LoadsAFileWholeAndAFailedLoadKeepsWhatItHeld) {
   testing::TempDir dir;
-  const std::string bytes(
-      "\0\xFF"
-      "data",
-      6);
+  const std::string bytes = std::string("\0\xFF", 2) + "data";
   std::ofstream(dir.path() / "in.bin", std::ios::binary) << bytes;
   Stream s;
   s.Type = 1;

@@ -1,5 +1,6 @@
-// The verify picture and its code. (That the picture's four cells show the code is read back,
-// cell by cell against the site's body.Fix, by every sign-in of the HTTP tests.)
+// The pieces of signing in: the verify picture and its code (whose cells every HTTP sign-in
+// reads back), and the password digest.
+#include "access/md5.h"
 #include "access/verify_code.h"
 
 #include <gtest/gtest.h>
@@ -64,6 +65,51 @@ TEST(VerifyCode, FourDigitsRoundedHalfToEven) {
   const std::u16string code = NewVerifyCode();
   ASSERT_EQ(code.size(), 4u);
   for (char16_t c : code) EXPECT_TRUE(c >= u'0' && c <= u'9');
+}
+
+void ExpectDigests(const std::vector<std::pair<std::u16string, std::u16string>>& cases) {
+  for (const auto& [text, digest] : cases) EXPECT_EQ(Md5(text), digest) << text.size();
+}
+
+std::u16string Repeat(std::u16string_view part, int times) {
+  std::u16string out;
+  for (int i = 0; i < times; ++i) out += part;
+  return out;
+}
+
+// The RFC 1321 suite, and the lengths around the point where the length words no longer fit
+// into the last block (56) and around whole blocks.
+TEST(Md5, AsciiTextGivesTheStandardDigest) {
+  const std::u16string alphabet =
+      u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.a";
+  ExpectDigests({
+      {u"", u"d41d8cd98f00b204e9800998ecf8427e"},
+      {u"abc", u"900150983cd24fb0d6963f7d28e17f72"},
+      {u"ABC", u"902fbdd2b1df0c4f70b4a5d23525e932"},
+      {u"message digest", u"f96b697d7cb7938d525a2f31aaf161d0"},
+      {Repeat(u"1234567890", 8), u"57edf4a22be3c955ac49da2e2107b67a"},
+      {alphabet.substr(0, 55), u"3d373b8cd6fd069d313cdc3f38a18963"},
+      {alphabet.substr(0, 56), u"d43e61e9b5f8c9d22c4dc5db6e6df775"},
+      {alphabet.substr(0, 63), u"cf72e0a1cf43736b8548f877ac0c3c12"},
+      {alphabet.substr(0, 64), u"056ca5796b608093c56e659ea08b9760"},
+      {alphabet.substr(0, 65), u"cf1126f0f3e9ce55b00f8b8554a84012"},
+  });
+}
+
+// A double-byte character takes one byte position and its code's sign bits fill the higher
+// bytes of its word, so the digest is neither the MD5 of the GBK bytes nor of any encoding.
+TEST(Md5, DoubleByteCharactersSpillTheirSignIntoTheirWord) {
+  ExpectDigests({
+      {u"\u4e2d", u"6cba308f8d5f2b49971dbb43879a078c"},              // 中: hides the 0x80
+      {u"a\u4e2d", u"5ccba97b33a7b638a06b421636e21954"},             // a中
+      {u"ab\u4e2d", u"6926fb63d8055adf0845246dbe4469a7"},            // ab中
+      {u"abc\u4e2d", u"34a3d53acf9543d17b55ca74c71df56d"},           // abc中: top byte only
+      {u"\u7ba1\u7406\u5458", u"0f3a3d38aadfd1a786cdc6bbc7249191"},  // 管理员
+      {u"admin\u7ba1\u7406", u"800b8477735cab4b3e564cf3ee57baa5"},   // admin管理
+      {Repeat(u"\u4e2d\u6587abc", 12), u"6a5b89c0bfcc8e54b326526e29aac78e"},  // 60: two blocks
+      {Repeat(u"\u4e2d\u6587abc", 14), u"13a69c871c1c9bac5257e1781bb362bc"},  // 70
+  });
+  EXPECT_EQ(Md5(u"a\u0e01b"), Md5(u"a?b"));  // Thai ko kai has no GBK code: a "?"
 }
 
 }  // namespace
