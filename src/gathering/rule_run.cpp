@@ -15,6 +15,18 @@ std::u16string KeywordOf(const RunRequest& request) {
   return request.keyword ? *request.keyword : std::u16string(kSampleKeyword);
 }
 
+// A run of the request not yet in the journal, starting at its first unit.
+JournalRun NewRun(const RunRequest& request) {
+  return {0,
+          request.kind,
+          request.ruleId,
+          KeywordOf(request),
+          request.first,
+          request.last,
+          request.first,
+          {}};
+}
+
 }  // namespace
 
 std::u16string HostOf(std::u16string_view address) {
@@ -59,14 +71,7 @@ RunResult GatherRule(ado::Connection& conn, const RunRequest& request, http::Fet
   if (run) {
     if (events.resumed) events.resumed(*run);
   } else {
-    run = JournalRun{0,
-                     request.kind,
-                     request.ruleId,
-                     KeywordOf(request),
-                     request.first,
-                     request.last,
-                     request.first,
-                     {}};
+    run = NewRun(request);
     run->id = InsertRun(conn, *run, false, request.pacing);
   }
 
@@ -99,14 +104,7 @@ std::optional<long long> QueueRule(ado::Connection& conn, const RunRequest& requ
   EnsureRunJournal(conn);
   const std::optional<LoadedRule> rule = LoadRule(conn, request.kind, request.ruleId);
   if (!rule) return std::nullopt;
-  JournalRun run{0,
-                 request.kind,
-                 request.ruleId,
-                 KeywordOf(request),
-                 request.first,
-                 request.last,
-                 request.first,
-                 {}};
+  JournalRun run = NewRun(request);
   const std::u16string word = rule->list ? EncodeKeyword(*rule->list, run.keyword) : u"";
   ado::WriteTransaction transaction(conn);
   run.id = InsertRun(conn, run, true, request.pacing);
