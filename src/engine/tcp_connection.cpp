@@ -23,15 +23,15 @@ constexpr std::chrono::milliseconds kLinger{2000};
 constexpr std::chrono::milliseconds kLastWrite{1000};  // for an answer while the server stops
 constexpr int kMaxDepth = 8;  // answers given on one stack, one pipelined request after another
 
-// A wait shortened by a random part of up to a quarter. Connections that arrived together (a
+// A wait shortened by a random part of up to a half. Connections that arrived together (a
 // crowd opened at once) would otherwise all time out together, and their clients all come
 // back together: a burst of accepts and requests that the I/O threads serve before the
 // requests of the connections already open.
 std::chrono::milliseconds Spread(std::chrono::milliseconds wait) {
   thread_local std::minstd_rand random{std::random_device{}()};
-  const auto quarter = wait.count() / 4;
-  if (quarter <= 0) return wait;
-  return wait - std::chrono::milliseconds(random() % quarter);
+  const auto half = wait.count() / 2;
+  if (half <= 0) return wait;
+  return wait - std::chrono::milliseconds(random() % half);
 }
 
 std::string PeerAddress(const asio::ip::tcp::socket& socket) {
