@@ -2,13 +2,14 @@
 // yardstick, a bare Boost.Beast server on the engine's I/O model answering a 32-byte page
 // (bench/hello/hello_beast.cpp), then against the engine for a static file
 // (admin/css/style.css) and a signed-in page (desktop.asp). Prints requests per second and each
-// as a ratio of the yardstick's. When the build has hello_civetweb (civetweb installed), it is
-// measured too, for comparison with earlier figures. Given another ostrakan executable (an
+// as a ratio of the yardstick's, and the server's CPU time per request (user and system time of
+// its process from /proc, which a busy machine disturbs less than the rate). When the build has
+// hello_civetweb (civetweb installed), it is measured too, for comparison with earlier figures. Given another ostrakan executable (an
 // earlier version's Release build), it is measured in the same run, for a before and after.
 // Usage: node bench/engine_overhead.mjs build/release [seconds] [connections] [other-ostrakan]
 //   (the folder holds the Release build of the targets ostrakan and hello_beast)
 import { execFileSync, spawn } from 'node:child_process';
-import { existsSync } from 'node:fs';
+import { existsSync, readFileSync, readdirSync } from 'node:fs';
 import { join, dirname, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
@@ -20,10 +21,33 @@ const other = process.argv[5] ? resolve(process.argv[5]) : null;
 process.env.OSTRAKAN_BINARY = join(build, 'ostrakan');
 const { startSite, signInOverHttp } = await import(join(here, '../tests/browser/harness.mjs'));
 
+// The process listening on `base` (its command line names the port).
+function serverPid(base) {
+  const port = new URL(base).port;
+  for (const entry of readdirSync('/proc')) {
+    if (!/^\d+$/.test(entry)) continue;
+    try {
+      const args = readFileSync(`/proc/${entry}/cmdline`, 'utf8').split('\0');
+      if (args.some((a) => a === port || a.endsWith(`:${port}`))) return Number(entry);
+    } catch {}
+  }
+  throw new Error(`no server process for ${base}`);
+}
+
+// User and system time of a process, in seconds (the kernel counts in ticks of 10 ms).
+function cpuSeconds(pid) {
+  const fields = readFileSync(`/proc/${pid}/stat`, 'utf8').split(') ')[1].split(' ');
+  return (Number(fields[11]) + Number(fields[12])) / 100;
+}
+
 function wrk(url, extra = []) {
+  const pid = serverPid(url);
+  const before = cpuSeconds(pid);
   const out = execFileSync('wrk', ['-t2', `-c${connections}`, `-d${seconds}s`, '--latency', ...extra, url])
     .toString();
+  const requests = Number(out.match(/(\d+) requests in/)[1]);
   return {
+    cpuUs: ((cpuSeconds(pid) - before) * 1e6) / requests,
     rps: Number(out.match(/Requests\/sec:\s+([\d.]+)/)[1]),
     p99: out.match(/99%\s+([\d.]+\w+)/)[1],
     errors: Number(out.match(/Non-2xx or 3xx responses: (\d+)/)?.[1] ?? 0),
@@ -60,7 +84,7 @@ try {
   }
   for (const [name, r] of rows)
     console.log(`${name.padEnd(24)} ${r.rps.toFixed(0).padStart(8)} req/s  ${(r.rps / base.rps).toFixed(2)}x` +
-      `  p99 ${r.p99}  non-2xx ${r.errors}`);
+      `  p99 ${r.p99}  cpu ${r.cpuUs.toFixed(1)} us/request  non-2xx ${r.errors}`);
 } finally {
   hello.stop();
   civetweb?.stop();

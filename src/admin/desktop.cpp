@@ -1,10 +1,15 @@
 #include "admin/desktop.h"
 
+#include <cmath>
+
+#include "admin/desktop_summary.h"
+
 #include "frame/data_access.h"
 #include "frame/page_blocks.h"
 #include "frame/request_context.h"
 #include "gathering/rule_health.h"
 #include "gathering/run_list.h"
+#include "platform/clock.h"
 
 namespace ostrakan::admin {
 
@@ -31,21 +36,27 @@ void Desktop::WriteLastSignInTime() {
 }
 
 void Desktop::WriteGathering() {
-  OpenConnection(*this, u"InitFunction6", DB, connstr, conn);
-  ado::Connection& connection = ConnectionOf(conn);
-  const gathering::TodaysRuns today = gathering::RunsOfToday(connection);
+  // Read once a second at most while the database is not written to (desktop_summary.h).
+  const std::string file = ToUtf8(CurrentServer().MapPath(u"../" + TextOf(DB)));
+  const DesktopSummary summary = SummaryOf(file, IsoDate(std::floor(CurrentClock().Now())), [&] {
+    OpenConnection(*this, u"InitFunction6", DB, connstr, conn);
+    ado::Connection& connection = ConnectionOf(conn);
+    DesktopSummary read{gathering::RunsOfToday(connection), gathering::MarkedRules(connection)};
+    CloseAndRelease(conn);
+    return read;
+  });
+  const gathering::TodaysRuns& today = summary.today;
   auto number = [](long long n) { return HtmlText(CStr(Variant(static_cast<double>(n)))); };
   Response& out = CurrentResponse();
   out.Write(u"<tr><th>今日采集</th><td id=\"gather-today\"><a href=\"gather_run_list.asp\">" +
             number(today.runs) + u" 个任务</a>，新增记录 " + number(today.inserted) +
             u" 条</td></tr>");
-  for (const gathering::MarkedRule& rule : gathering::MarkedRules(connection))
+  for (const gathering::MarkedRule& rule : summary.rules)
     out.Write(u"<tr><th>需要注意的规则</th><td class=\"warn\">" +
               (rule.kind == u"id" ? Markup(u"编号采集 ") : Markup(u"列表采集 ")) +
               number(rule.ruleId) + u" " + HtmlText(rule.name) + u"：" +
               Markup(gathering::kRuleMayBeBroken) + u"（" + HtmlText(rule.warning.since) + u"，" +
               HtmlText(rule.warning.sample) + u"）</td></tr>");
-  CloseAndRelease(conn);
 }
 
 }  // namespace ostrakan::admin

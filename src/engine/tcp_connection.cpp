@@ -7,6 +7,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
 #include <cerrno>
+#include <random>
 
 #include "engine/response_head.h"
 
@@ -21,6 +22,17 @@ constexpr size_t kFilePiece = 65536;
 constexpr std::chrono::milliseconds kLinger{2000};
 constexpr std::chrono::milliseconds kLastWrite{1000};  // for an answer while the server stops
 constexpr int kMaxDepth = 8;  // answers given on one stack, one pipelined request after another
+
+// A wait shortened by a random part of up to a half. Connections that arrived together (a
+// crowd opened at once) would otherwise all time out together, and their clients all come
+// back together: a burst of accepts and requests that the I/O threads serve before the
+// requests of the connections already open.
+std::chrono::milliseconds Spread(std::chrono::milliseconds wait) {
+  thread_local std::minstd_rand random{std::random_device{}()};
+  const auto half = wait.count() / 2;
+  if (half <= 0) return wait;
+  return wait - std::chrono::milliseconds(random() % half);
+}
 
 std::string PeerAddress(const asio::ip::tcp::socket& socket) {
   error_code ec;
@@ -128,12 +140,12 @@ void Connection::ReadRequest() {
   if (!reader_) {
     reader_.emplace(options_.maxBodyBytes);
     waitingFor_ = Wait::FirstByte;
-    Arm(first_ ? options_.requestTimeout : options_.keepAliveTimeout);
+    Arm(Spread(first_ ? options_.requestTimeout : options_.keepAliveTimeout));
   }
   RequestReader::State state = reader_->Read(in_);
   if (waitingFor_ == Wait::FirstByte && reader_->started()) {
     waitingFor_ = Wait::Head;
-    Arm(options_.requestTimeout);
+    Arm(Spread(options_.requestTimeout));
   }
   switch (state) {
     case RequestReader::State::Refused:

@@ -7,7 +7,9 @@
 //
 // Time-outs: the first byte of a request may take `keepAliveTimeout` (`requestTimeout` for a
 // connection's first request); from then on the head and the body must arrive within
-// `requestTimeout` (408 when the head did not), and an answer must leave within it.
+// `requestTimeout` (408 when the head did not), and an answer must leave within it. The waits
+// for a first byte and for a head end at a random point of their second half, so that
+// connections opened together do not all end together.
 #pragma once
 
 #include <boost/asio/ip/tcp.hpp>

@@ -68,5 +68,28 @@ TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndItsWritesReachOthe
   EXPECT_FALSE(std::filesystem::exists(file.string() + "-wal"));
 }
 
+TEST_F(KeptConnections, KeptStatementsStartAfreshAndAConnectionWithOneStillOutIsNotKept) {
+  auto conn = Connect(database_.file());
+  for (const char16_t* k : {u"a", u"b"})
+    conn->Execute(u"insert into keyword (keyword) values (?)", {Variant(k)});
+  const std::u16string sql = u"select keyword from keyword where keyword >= ? order by keyword";
+  // The same text again (a kept statement) with other values, after a set left mid-way.
+  EXPECT_EQ(CStr(conn->Execute(sql, {Variant(u"a")})->FieldAt(0)), u"a");
+  EXPECT_EQ(CStr(conn->Execute(sql, {Variant(u"b")})->FieldAt(0)), u"b");
+  EXPECT_EQ(CStr(conn->Execute(sql, {Variant(u"a")})->FieldAt(0)), u"a");
+
+  // A set still open when its connection closes: that connection must not serve the next
+  // page, or the set would read that page's uncommitted row.
+  auto open = conn->Execute(sql, {Variant(u"a")});
+  conn->Close();
+  auto next = Connect(database_.file());
+  next->backend().BeginWrite();
+  next->Execute(u"insert into keyword (keyword) values ('c')");
+  open->MoveNext();
+  open->MoveNext();
+  EXPECT_TRUE(open->Eof());
+  next->backend().Rollback();
+}
+
 }  // namespace
 }  // namespace ostrakan::ado

@@ -21,11 +21,23 @@ constexpr int kBusyTimeoutMs = 5000;
 // later calls do nothing.
 void ConfigureSqliteOnce();
 
+class StatementCache;
+
+// Which file a connection was opened on (device and inode).
+struct FileIdentity {
+  unsigned long long device = 0;
+  unsigned long long inode = 0;
+  bool operator==(const FileIdentity&) const = default;
+};
+
 struct DatabaseCloser {
   // sqlite3_close_v2 (open statements finish first), or back to the pool of database_pool.h
-  // for a handle that OpenReusableDatabase gave.
+  // for a handle that OpenReusableDatabase gave. Either way the kept statements go first.
   void operator()(sqlite3* db) const;
   bool reusable = false;
+  FileIdentity file;  // of a reusable handle, taken before it was opened
+  // The connection's kept statements (statement_cache.h); they travel with it through the pool.
+  std::shared_ptr<StatementCache> statements;
 };
 using DatabaseHandle = std::unique_ptr<sqlite3, DatabaseCloser>;
 

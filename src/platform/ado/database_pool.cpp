@@ -1,5 +1,7 @@
 #include "platform/ado/database_pool.h"
 
+#include "platform/ado/statement_cache.h"
+
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -13,38 +15,43 @@ namespace ostrakan::ado {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::size_t kKeptPerFile = 8;
+// As many as pages may run on one file at once under load (every quick page thread and a few
+// more), so that a burst of short pages does not close and reopen connections.
+constexpr std::size_t kKeptPerFile = 16;
 constexpr auto kKeptFor = std::chrono::seconds(60);
 
-struct FileId {
-  dev_t device = 0;
-  ino_t inode = 0;
-  bool operator==(const FileId&) const = default;
-};
+using FileId = FileIdentity;
 
 std::optional<FileId> IdOf(const char* path) {
   struct stat st {};
   if (!path || ::stat(path, &st) != 0) return std::nullopt;
-  return FileId{st.st_dev, st.st_ino};
+  return FileId{static_cast<unsigned long long>(st.st_dev),
+                static_cast<unsigned long long>(st.st_ino)};
 }
 
 struct Kept {
   FileId file;
   sqlite3* db;
+  std::shared_ptr<StatementCache> statements;
   Clock::time_point since;
 };
 
+void CloseKept(Kept& k) {
+  if (k.statements) k.statements->Close();
+  sqlite3_close_v2(k.db);
+}
+
 class Pool {
  public:
-  sqlite3* Take(FileId file) {
-    std::vector<sqlite3*> stale;
-    sqlite3* found = nullptr;
+  std::optional<Kept> Take(FileId file) {
+    std::vector<Kept> stale;
+    std::optional<Kept> found;
     {
       std::lock_guard lock(mutex_);
       const Clock::time_point now = Clock::now();
       for (auto it = kept_.begin(); it != kept_.end();) {
         if (now - it->since > kKeptFor) {
-          stale.push_back(it->db);
+          stale.push_back(std::move(*it));
           it = kept_.erase(it);
         } else {
           ++it;
@@ -52,36 +59,41 @@ class Pool {
       }
       for (auto it = kept_.rbegin(); it != kept_.rend(); ++it)
         if (it->file == file) {
-          found = it->db;
+          found = std::move(*it);
           kept_.erase(std::next(it).base());
           break;
         }
     }
-    for (sqlite3* db : stale) sqlite3_close_v2(db);
+    for (Kept& k : stale) CloseKept(k);
     return found;
   }
 
-  void Give(sqlite3* db) {
-    const std::optional<FileId> file = IdOf(sqlite3_db_filename(db, "main"));
-    // Only a connection left as it was opened may serve another page.
-    if (!file || sqlite3_next_stmt(db, nullptr) || !sqlite3_get_autocommit(db)) {
-      sqlite3_close_v2(db);
-      return;
-    }
-    sqlite3* surplus = nullptr;
+  // Keeps a connection that was opened on `file`. Whether the file was replaced since is
+  // checked when a page next asks for it (Take compares the identity).
+  void Give(Kept given) {
+    // Only a connection left as it was opened may serve another page: no transaction, and no
+    // statement but the kept ones, all reset.
+    std::size_t statements = 0;
+    for (sqlite3_stmt* s = sqlite3_next_stmt(given.db, nullptr); s;
+         s = sqlite3_next_stmt(given.db, s))
+      ++statements;
+    const bool clean = given.statements ? given.statements->AllBack(statements) : statements == 0;
+    if (!clean || !sqlite3_get_autocommit(given.db)) return CloseKept(given);
+    std::optional<Kept> surplus;
     {
       std::lock_guard lock(mutex_);
       std::size_t same = 0;
       auto oldest = kept_.end();
       for (auto it = kept_.begin(); it != kept_.end(); ++it)
-        if (it->file == *file && same++ == 0) oldest = it;
+        if (it->file == given.file && same++ == 0) oldest = it;
       if (same >= kKeptPerFile) {
-        surplus = oldest->db;
+        surplus = std::move(*oldest);
         kept_.erase(oldest);
       }
-      kept_.push_back({*file, db, Clock::now()});
+      given.since = Clock::now();
+      kept_.push_back(std::move(given));
     }
-    if (surplus) sqlite3_close_v2(surplus);
+    if (surplus) CloseKept(*surplus);
   }
 
   void CloseAll() {
@@ -90,7 +102,7 @@ class Pool {
       std::lock_guard lock(mutex_);
       all.swap(kept_);
     }
-    for (const Kept& k : all) sqlite3_close_v2(k.db);
+    for (Kept& k : all) CloseKept(k);
   }
 
  private:
@@ -112,22 +124,27 @@ Pool& ThePool() {
 }  // namespace
 
 void DatabaseCloser::operator()(sqlite3* db) const {
+  Kept k{file, db, statements, {}};
   if (reusable)
-    ThePool().Give(db);
+    ThePool().Give(std::move(k));
   else
-    sqlite3_close_v2(db);
+    CloseKept(k);
 }
 
 OpenedDatabase OpenReusableDatabase(const std::filesystem::path& file) {
-  if (const std::optional<FileId> id = IdOf(file.c_str()))
-    if (sqlite3* db = ThePool().Take(*id)) {
+  const std::optional<FileId> id = IdOf(file.c_str());
+  if (id)
+    if (std::optional<Kept> kept = ThePool().Take(*id)) {
       OpenedDatabase result;
       result.opened = true;
-      result.db = DatabaseHandle(db, DatabaseCloser{true});
+      result.db = DatabaseHandle(kept->db, DatabaseCloser{true, *id, std::move(kept->statements)});
       return result;
     }
   OpenedDatabase result = OpenDatabase(file);
-  if (result.db) result.db.get_deleter().reusable = true;
+  if (result.db && id) {
+    result.db.get_deleter().reusable = true;
+    result.db.get_deleter().file = *id;
+  }
   return result;
 }
 

@@ -1,8 +1,9 @@
 // Idle SQLite connections kept for the next page that opens the same file. Opening a
 // connection costs a file open, the WAL set-up and, at the first statement, reading and
 // parsing the whole schema (tables, indexes, triggers, the search index): more than a short
-// page's own work. A page's connection goes back here when it closes with no statement open
-// and no transaction under way; anything else is closed as before.
+// page's own work. A page's connection goes back here, with the statements it keeps
+// (statement_cache.h), when it closes with every statement back and no transaction under way;
+// anything else is closed as before.
 //
 // A kept connection is reused only for the same file (device and inode, checked with one
 // stat), so a file replaced by another (a restored backup, a site moved to PostgreSQL) is

@@ -1,5 +1,6 @@
 // The SQLite engine behind the ADO objects: a database file opened by OpenDatabase, statements
-// stepped in place (several may be read at once), writes inside BEGIN IMMEDIATE.
+// stepped in place (several may be read at once), writes inside BEGIN IMMEDIATE. Prepared
+// statements are kept with the connection (statement_cache.h) and reused for the same text.
 #pragma once
 
 #include "platform/ado/backend.h"
@@ -9,7 +10,7 @@ namespace ostrakan::ado {
 
 class SqliteBackend : public Backend {
  public:
-  explicit SqliteBackend(DatabaseHandle db) : db_(std::move(db)) {}
+  explicit SqliteBackend(DatabaseHandle db);
   Dialect dialect() const override { return Dialect::kSqlite; }
   StatementPtr PrepareUnbound(std::u16string_view sql) override;
   long long Insert(std::u16string_view sql, const Params& params,

@@ -42,13 +42,13 @@ DatabaseError SqliteError(sqlite3* db) {
                        sqlite3_system_errno(db));
 }
 
-SqliteStatementPtr PrepareOne(sqlite3* db, std::u16string_view sql) {
+SqliteStatementPtr PrepareOne(sqlite3* db, std::u16string_view sql, unsigned flags) {
   if (sql.find(u'\0') != std::u16string_view::npos) throw NulInText();
   const char16_t* text = sql.empty() ? u"" : sql.data();
   const int bytes = static_cast<int>(sql.size() * sizeof(char16_t));
   sqlite3_stmt* raw = nullptr;
   const void* tail = nullptr;
-  const int rc = sqlite3_prepare16_v2(db, text, bytes, &raw, &tail);
+  const int rc = sqlite3_prepare16_v3(db, text, bytes, flags, &raw, &tail);
   SqliteStatementPtr stmt(raw);
   if (rc != SQLITE_OK) throw SqliteError(db);
   if (!stmt) throw ScriptError(-2147217908, u"Command text was not set for the command object.");

@@ -26,7 +26,8 @@ DatabaseError SqliteError(sqlite3* db);
 
 // Prepares the one statement in sql; text after it (other than blanks and ';') is an error,
 // and so is a text without any statement or with a NUL character. Its marks are left unbound.
-SqliteStatementPtr PrepareOne(sqlite3* db, std::u16string_view sql);
+// `flags` are sqlite3_prepare_v3's (SQLITE_PREPARE_PERSISTENT for a statement that is kept).
+SqliteStatementPtr PrepareOne(sqlite3* db, std::u16string_view sql, unsigned flags = 0);
 // Binds `params` to the statement's "?" marks; their number must match the marks (a mismatch
 // is a programming error).
 void BindParams(sqlite3_stmt* stmt, const Params& params, const std::vector<bool>& asDate = {});
