@@ -4,23 +4,9 @@
 
 namespace ostrakan::ado {
 
-namespace {
-
-// A statement that may fail halfway inside a write transaction keeps a copy of each page it
-// changes (a statement journal), to undo itself alone. Past 64 KiB SQLite moves that journal to
-// a temporary file and keeps the file for the rest of the transaction: after one large
-// statement, every later one writes its copies there, two system calls per page (a gathering
-// run's transaction of many inserts became three times as slow). Kept in memory up to this,
-// far more than a statement changing one row needs; SQLite allocates the journal in pieces of
-// this size, and larger pieces (1 MiB, 8 MiB) made a long run's resident size grow.
-constexpr int kStatementJournalInMemory = 256 << 10;
-
-}  // namespace
-
 void ConfigureSqliteOnce() {
   static const bool configured = [] {
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
-    sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, kStatementJournalInMemory);
     return true;
   }();
   (void)configured;

@@ -16,9 +16,8 @@ constexpr int kBusyTimeoutMs = 5000;
 
 // Sets SQLite's process-wide options once, before the library initialises: memory statistics
 // off, since keeping them takes one global mutex on every allocation of every connection (page
-// threads opening connections at once queued on it); statement journals in memory up to 256 KiB.
-// Called by OpenDatabase and by anything that initialises SQLite earlier (a static auto-extension);
-// later calls do nothing.
+// threads opening connections at once queued on it). Called by OpenDatabase and by anything
+// that initialises SQLite earlier (a static auto-extension); later calls do nothing.
 void ConfigureSqliteOnce();
 
 class StatementCache;
