@@ -1,5 +1,5 @@
 // A cache of what was made from a file (a parsed page file, a rule file, Setup.asp), kept
-// until the file's modification time or size changes.
+// until the file is replaced or its modification time or size changes.
 #pragma once
 
 #include <sys/stat.h>
@@ -24,6 +24,20 @@ inline std::optional<std::string> ReadWholeFile(const std::filesystem::path& pat
   bytes << in.rdbuf();
   return std::move(bytes).str();
 }
+
+// Which file a path named and how it was when stat'ed: a file replaced, or written to with a new
+// time or size, has another stamp.
+struct FileStamp {
+  dev_t device;
+  ino_t inode;
+  time_t seconds;
+  long nanoseconds;
+  off_t size;
+  static FileStamp Of(const struct stat& st) {
+    return {st.st_dev, st.st_ino, st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size};
+  }
+  bool operator==(const FileStamp&) const = default;
+};
 
 template <class T>
 class FileCache;
@@ -56,7 +70,7 @@ class FileCache {
     // them into components, which costs more than the rest of the lookup).
     struct stat st;
     if (::stat(path.c_str(), &st) != 0) return std::nullopt;
-    const Stamp stamp{st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size};
+    const FileStamp stamp = FileStamp::Of(st);
     {
       std::lock_guard lock(mutex_);
       auto it = entries_.find(path.native());
@@ -73,14 +87,8 @@ class FileCache {
   }
 
  private:
-  struct Stamp {
-    time_t seconds;
-    long nanoseconds;
-    off_t size;
-    bool operator==(const Stamp&) const = default;
-  };
   struct Entry {
-    Stamp stamp;
+    FileStamp stamp;
     std::shared_ptr<const T> value;
   };
   Loader loader_;

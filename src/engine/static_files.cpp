@@ -10,6 +10,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "engine/file_cache.h"
 #include "frame/response.h"
 
 namespace ostrakan::engine {
@@ -61,7 +62,7 @@ class SmallFiles {
     // A file written in the last moments may be written again within the same tick of the
     // file system's clock, with the same size: it could not be told from the kept copy.
     if (st.st_mtim.tv_sec >= ::time(nullptr) - kSettleSeconds) return nullptr;
-    const Stamp stamp{st.st_dev, st.st_ino, st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size};
+    const FileStamp stamp = FileStamp::Of(st);
     {
       std::lock_guard lock(mutex_);
       auto it = files_.find(path);
@@ -82,22 +83,14 @@ class SmallFiles {
   }
 
  private:
-  struct Stamp {
-    dev_t device;
-    ino_t inode;
-    time_t seconds;
-    long nanoseconds;
-    off_t size;
-    bool operator==(const Stamp&) const = default;
-  };
   struct Entry {
-    Stamp stamp;
+    FileStamp stamp;
     std::shared_ptr<const std::string> bytes;
   };
 
   // The bytes, only when the open file is still the one that was stat'ed (one being
   // replaced or written is sent from the disk this time).
-  static std::shared_ptr<const std::string> Read(const std::string& path, const Stamp& stamp) {
+  static std::shared_ptr<const std::string> Read(const std::string& path, const FileStamp& stamp) {
     int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return nullptr;
     auto bytes = std::make_shared<std::string>(static_cast<size_t>(stamp.size), '\0');
@@ -109,9 +102,7 @@ class SmallFiles {
       got += static_cast<size_t>(n);
     }
     struct stat st;
-    bool same =
-        got == bytes->size() && ::fstat(fd, &st) == 0 &&
-        Stamp{st.st_dev, st.st_ino, st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_size} == stamp;
+    bool same = got == bytes->size() && ::fstat(fd, &st) == 0 && FileStamp::Of(st) == stamp;
     ::close(fd);
     return same ? bytes : nullptr;
   }
