@@ -643,6 +643,9 @@ void CreateServerSite(const std::string& uri, const std::string& schema, const s
   if (std::string(PQgetvalue(tables.get(), 0, 0)) != "0")
     throw ScriptError(kProviderError,
                       u"the database holds tables already; a new site needs an empty database");
+  // The schema's "IF NOT EXISTS" and "DROP ... IF EXISTS" skip with a NOTICE each, which libpq
+  // would print on standard error between init's own lines.
+  ResultPtr quiet(PQexec(conn, "SET client_min_messages TO warning"));
   ResultPtr begin(PQexec(conn, "BEGIN"));
   ResultPtr made(PQexec(conn, schema.c_str()));
   if (PQresultStatus(made.get()) != PGRES_COMMAND_OK &&
