@@ -3,7 +3,7 @@
 namespace ostrakan::gathering {
 
 UnitsAhead::UnitsAhead(const GatherUnit& gather, long first, long last)
-    : gather_(gather), last_(last), next_(first) {
+    : gather_(gather), last_(last), next_(first), taken_(first) {
   if (first <= last) worker_ = std::thread([this] { Work(); });
 }
 
@@ -21,45 +21,41 @@ void UnitsAhead::Work() {
     long unit;
     {
       std::unique_lock lock(mutex_);
-      changed_.wait(lock, [&] { return wanted_ || stopping_; });
+      changed_.wait(lock, [&] { return ready_.size() < kUnitsAhead || stopping_; });
       if (stopping_) return;
-      wanted_ = false;
       unit = next_++;
     }
-    std::optional<UnitResult> result;
-    std::exception_ptr failed;
+    Slot slot;
     try {
-      result = gather_(unit);
+      slot.unit = gather_.FetchStep(unit);
     } catch (...) {
-      failed = std::current_exception();
+      slot.failed = std::current_exception();
     }
+    const bool end = slot.failed || unit >= last_;
     {
       std::lock_guard lock(mutex_);
-      ready_ = std::move(result);
-      failed_ = failed;
+      ready_.push_back(std::move(slot));
     }
     changed_.notify_all();
-    if (failed || unit >= last_) return;
+    if (end) return;
   }
 }
 
 bool UnitsAhead::ReadyWithin(std::chrono::microseconds wait) {
   std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, wait, [&] {
-    return ready_.has_value() || failed_ || !worker_.joinable() || (wanted_ && next_ > last_);
-  });
+  return changed_.wait_for(lock, wait, [&] { return !ready_.empty() || taken_ > last_; });
 }
 
 UnitResult UnitsAhead::Take() {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [&] { return ready_.has_value() || failed_; });
-  if (failed_) std::rethrow_exception(failed_);
-  UnitResult result = std::move(*ready_);
-  ready_.reset();
-  wanted_ = true;
+  changed_.wait(lock, [&] { return !ready_.empty(); });
+  Slot slot = std::move(ready_.front());
+  ready_.pop_front();
+  ++taken_;
   lock.unlock();
   changed_.notify_all();
-  return result;
+  if (slot.failed) std::rethrow_exception(slot.failed);
+  return gather_.CutStep(slot.unit);
 }
 
 }  // namespace ostrakan::gathering
