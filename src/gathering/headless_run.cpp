@@ -11,8 +11,7 @@
 
 namespace ostrakan::gathering {
 
-std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
-                                                  std::u16string_view charset) {
+std::optional<std::string> PacedFetcher::FetchBytes(std::u16string_view address) {
   const std::string wire = http::EncodeAddress(address);
   for (int attempt = 0; attempt <= pacing_.retries; ++attempt) {
     auto wait =
@@ -20,10 +19,17 @@ std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
     if (last_) std::this_thread::sleep_until(*last_ + wait);
     http::FetchResult r = fetcher_.Get(wire);
     last_ = std::chrono::steady_clock::now();
-    if (r.completed && r.status == 200) return text::BytesToBstr(r.body, charset);
+    if (r.completed && r.status == 200) return std::move(r.body);
     why_ = r.completed ? "status " + std::to_string(r.status) : r.error;
   }
   return std::nullopt;
+}
+
+std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
+                                                  std::u16string_view charset) {
+  std::optional<std::string> body = FetchBytes(address);
+  if (!body) return std::nullopt;
+  return text::BytesToBstr(*body, charset);
 }
 
 void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
@@ -66,8 +72,8 @@ struct StoredUnit {
 
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
              const GatherUnit& gather, const RunReport& report) {
-  // The next unit is fetched and cut while this one is stored; units are still gathered one
-  // after the other, in order, so pacing and the extractor's carried state are kept.
+  // The next units are fetched while this one is cut and stored; units are still fetched one
+  // after the other and cut in order, so pacing and the extractor's carried state are kept.
   //
   // A unit and its journal update are committed together with the units stored just before
   // it: the transaction commits once the next unit is not gathered within kNextUnitWait (so a
@@ -108,11 +114,13 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
         break;
     }
     run.next = unit + 1;
-    progress.Record(run, run.next > run.last);
     done.run = run;
     if (run.next <= run.last && std::chrono::steady_clock::now() - batchStart < kLongestBatch &&
         ahead.ReadyWithin(kNextUnitWait))
       continue;
+    // One journal update for the units the transaction holds: nobody sees the journal between
+    // them, and it commits with them.
+    progress.Record(run, run.next > run.last);
     transaction->Commit();
     transaction.reset();
     for (const StoredUnit& u : stored) {
@@ -125,21 +133,52 @@ void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
   if (run.first > run.last) progress.Record(run, true);
 }
 
+namespace {
+
+// A unit that failed before it was cut.
+FetchedUnit FailedUnit(std::u16string address, std::string why) {
+  UnitResult result;
+  result.outcome = UnitOutcome::Failed;
+  result.why = std::move(why);
+  result.address = address;
+  return {std::move(address), {}, std::move(result)};
+}
+
+UnitResult RuleCannotCut(std::u16string address, const ScriptError& e) {
+  UnitResult result;
+  result.outcome = UnitOutcome::Failed;
+  result.why = "the rule cannot cut the page: " + ToUtf8(e.description);
+  result.address = std::move(address);
+  return result;
+}
+
+}  // namespace
+
 GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher& fetcher) {
   auto extractor = std::make_shared<ListExtractor>(rule);
   const std::u16string word = EncodeKeyword(rule, keyword);
-  return [extractor, word, &fetcher](long page) {
-    UnitResult result;
+  // The fetch step reads only the rule, which the extractor never changes; its carried state
+  // is the cut step's alone.
+  auto fetch = [extractor, word, &fetcher](long page) {
+    std::u16string address;
     try {
-      const std::u16string address = PageAddress(extractor->rule(), word, page);
-      result.address = address;
-      std::optional<std::u16string> html = fetcher.Fetch(address, extractor->rule().charset);
-      if (!html) {
-        result.outcome = UnitOutcome::Failed;
-        result.why = ToUtf8(address) + ": " + fetcher.why();
-        return result;
-      }
-      auto outcome = extractor->Cut(*html, [&](const ListEntry& e) {
+      address = PageAddress(extractor->rule(), word, page);
+      std::optional<std::string> body = fetcher.FetchBytes(address);
+      if (!body) return FailedUnit(address, ToUtf8(address) + ": " + fetcher.why());
+      return FetchedUnit{std::move(address), std::move(*body), std::nullopt};
+    } catch (const ScriptError& e) {
+      FetchedUnit failed{address, {}, RuleCannotCut(address, e)};
+      return failed;
+    }
+  };
+  auto cut = [extractor](FetchedUnit& fetched) {
+    if (fetched.result) return std::move(*fetched.result);
+    UnitResult result;
+    result.address = fetched.address;
+    try {
+      const std::u16string html = text::BytesToBstr(fetched.body, extractor->rule().charset);
+      fetched.body = std::string();
+      auto outcome = extractor->Cut(html, [&](const ListEntry& e) {
         result.records.push_back({e.title, e.content, StoredLink(e.url), e.image});
       });
       if (outcome == ListExtractor::Outcome::NoResults)
@@ -147,28 +186,33 @@ GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher&
       else if (result.records.empty())
         result.outcome = UnitOutcome::Unmatched;
     } catch (const ScriptError& e) {
-      result.outcome = UnitOutcome::Failed;
-      result.records.clear();
-      result.why = "the rule cannot cut the page: " + ToUtf8(e.description);
+      return RuleCannotCut(fetched.address, e);
     }
     return result;
   };
+  return GatherUnit(std::move(fetch), std::move(cut));
 }
 
 GatherUnit IdPages(const IdRule& rule, PacedFetcher& fetcher) {
   auto extractor = std::make_shared<IdExtractor>();
-  return [extractor, rule, &fetcher](long id) {
-    UnitResult result;
-    const std::u16string address = IdPageAddress(rule.gather_url, FromUtf8(std::to_string(id)));
-    result.address = address;
+  auto fetch = [rule, &fetcher](long id) {
+    std::u16string address = IdPageAddress(rule.gather_url, FromUtf8(std::to_string(id)));
     try {
-      std::optional<std::u16string> html = fetcher.Fetch(address, rule.charset);
-      if (!html) {
-        result.outcome = UnitOutcome::Failed;
-        result.why = ToUtf8(address) + ": " + fetcher.why();
-        return result;
-      }
-      IdEntry entry = extractor->Extract(*html, rule);
+      std::optional<std::string> body = fetcher.FetchBytes(address);
+      if (!body) return FailedUnit(address, ToUtf8(address) + ": " + fetcher.why());
+      return FetchedUnit{std::move(address), std::move(*body), std::nullopt};
+    } catch (const ScriptError& e) {
+      FetchedUnit failed{address, {}, RuleCannotCut(address, e)};
+      return failed;
+    }
+  };
+  auto cut = [extractor, rule](FetchedUnit& fetched) {
+    if (fetched.result) return std::move(*fetched.result);
+    UnitResult result;
+    result.address = fetched.address;
+    try {
+      const std::u16string html = text::BytesToBstr(fetched.body, rule.charset);
+      IdEntry entry = extractor->Extract(html, rule);
       if (entry.noData) {
         result.outcome = UnitOutcome::NoResults;
         return result;
@@ -178,14 +222,13 @@ GatherUnit IdPages(const IdRule& rule, PacedFetcher& fetcher) {
         return result;
       }
       result.records.push_back(
-          {std::move(entry.title), std::move(entry.description), StoredLink(address), u""});
+          {std::move(entry.title), std::move(entry.description), StoredLink(fetched.address), u""});
     } catch (const ScriptError& e) {
-      result.outcome = UnitOutcome::Failed;
-      result.records.clear();
-      result.why = "the rule cannot cut the page: " + ToUtf8(e.description);
+      return RuleCannotCut(fetched.address, e);
     }
     return result;
   };
+  return GatherUnit(std::move(fetch), std::move(cut));
 }
 
 }  // namespace ostrakan::gathering

@@ -11,6 +11,8 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "gathering/id_rule.h"
@@ -35,6 +37,8 @@ class PacedFetcher {
  public:
   PacedFetcher(http::Fetcher& fetcher, PacedFetch pacing) : fetcher_(fetcher), pacing_(pacing) {}
   std::optional<std::u16string> Fetch(std::u16string_view address, std::u16string_view charset);
+  // The same, the body left undecoded.
+  std::optional<std::string> FetchBytes(std::u16string_view address);
   // Why the last failed fetch failed: "status 404", "time-out ...", "refused redirect ...".
   const std::string& why() const { return why_; }
 
@@ -57,8 +61,43 @@ struct UnitResult {
   std::u16string address;  // the page fetched
 };
 
-// Fetches and cuts one unit (a page number or an ID). Runs outside any transaction.
-using GatherUnit = std::function<UnitResult(long unit)>;
+// A unit between its two steps: the page's bytes as fetched, or its result when the fetch
+// step already has it (a failed fetch, or a unit gathered in one step).
+struct FetchedUnit {
+  std::u16string address;
+  std::string body;
+  std::optional<UnitResult> result;
+};
+
+// Fetches and cuts one unit (a page number or an ID), outside any transaction, in two steps: a
+// run fetches the next units while it cuts and stores the last ones. Both steps see the units
+// in order, each step on one thread at a time, so pacing, retries and an extractor's carried
+// state are as in a plain loop.
+class GatherUnit {
+ public:
+  using Fetch = std::function<FetchedUnit(long unit)>;
+  using Cut = std::function<UnitResult(FetchedUnit& fetched)>;
+  GatherUnit(Fetch fetch, Cut cut) : fetch_(std::move(fetch)), cut_(std::move(cut)) {}
+  // A unit gathered in one step, all of it in the fetch step.
+  template <class Whole>
+  requires std::is_invocable_r_v<UnitResult, Whole, long> GatherUnit(Whole whole)
+      : fetch_([whole = std::move(whole)](long unit) {
+          return FetchedUnit{{}, {}, whole(unit)};
+        }),
+        cut_([](FetchedUnit& fetched) { return std::move(*fetched.result); }) {}
+
+  FetchedUnit FetchStep(long unit) const { return fetch_(unit); }
+  // The unit's result (a cut step takes the fetch step's result as it is when there is one).
+  UnitResult CutStep(FetchedUnit& fetched) const { return cut_(fetched); }
+  UnitResult operator()(long unit) const {
+    FetchedUnit fetched = FetchStep(unit);
+    return CutStep(fetched);
+  }
+
+ private:
+  Fetch fetch_;
+  Cut cut_;
+};
 
 struct RunReport {
   std::function<void(const JournalRun&)> progress;                 // after each unit
@@ -72,10 +111,10 @@ struct RunReport {
 void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
                   const std::function<void(const std::string& why)>& refused);
 
-// Walks run.next .. run.last: gathers each unit (the next one while this one is stored), then
-// stores its records and the journal update in one write transaction, with the units before
-// it while the next one is ready; reports each unit once it is committed; marks the run
-// finished at the end.
+// Walks run.next .. run.last: fetches the units a few ahead (see units_ahead.h), cuts each and
+// stores its records in a write transaction that holds the units before it while the next one
+// is ready, with one journal update for the units it holds; reports each unit once it is
+// committed; marks the run finished at the end.
 void WalkRun(ado::Connection& conn, JournalRun& run, const SourceSite& site,
              const GatherUnit& gather, const RunReport& report);
 

@@ -83,11 +83,13 @@ RunResult GatherRule(ado::Connection& conn, const RunRequest& request, http::Fet
   report.progress = events.progress;
   report.failure = events.failure;
   // The unmatched sample is taken as the units go by.
-  const GatherUnit watched = [&](long unit) {
-    UnitResult u = gather(unit);
-    if (u.outcome == UnitOutcome::Unmatched && sample.empty()) sample = u.address;
-    return u;
-  };
+  const GatherUnit watched([&](long unit) { return gather.FetchStep(unit); },
+                           [&](FetchedUnit& fetched) {
+                             UnitResult u = gather.CutStep(fetched);
+                             if (u.outcome == UnitOutcome::Unmatched && sample.empty())
+                               sample = u.address;
+                             return u;
+                           });
   WalkRun(conn, *run, rule->source(), watched, report);
   if (rule->id) WriteIdRange(conn, request.ruleId, run->first, run->last);
   const RunCounts& c = run->counts;

@@ -3,8 +3,11 @@
 namespace ostrakan::gathering {
 
 UnitsAhead::UnitsAhead(const GatherUnit& gather, long first, long last)
-    : gather_(gather), last_(last), next_(first) {
-  if (first <= last) worker_ = std::thread([this] { Work(); });
+    : gather_(gather), last_(last), next_(first), taken_(first) {
+  if (first <= last)
+    worker_ = std::thread([this] { Work(); });
+  else
+    fetching_ = false;
 }
 
 UnitsAhead::~UnitsAhead() {
@@ -16,50 +19,79 @@ UnitsAhead::~UnitsAhead() {
   if (worker_.joinable()) worker_.join();
 }
 
-void UnitsAhead::Work() {
-  for (;;) {
-    long unit;
-    {
-      std::unique_lock lock(mutex_);
-      changed_.wait(lock, [&] { return wanted_ || stopping_; });
-      if (stopping_) return;
-      wanted_ = false;
-      unit = next_++;
-    }
-    std::optional<UnitResult> result;
-    std::exception_ptr failed;
+void UnitsAhead::CutNext(std::unique_lock<std::mutex>& lock) {
+  // A slot keeps its place while it is cut: Take removes only slots already cut, and a deque's
+  // elements stay put as others are added at the back or removed at the front.
+  Slot& slot = slots_[cut_];
+  if (!slot.failed) {
+    cutting_ = true;
+    lock.unlock();
     try {
-      result = gather_(unit);
+      slot.result = gather_.CutStep(slot.fetched);
     } catch (...) {
-      failed = std::current_exception();
+      slot.failed = std::current_exception();
     }
-    {
-      std::lock_guard lock(mutex_);
-      ready_ = std::move(result);
-      failed_ = failed;
+    slot.fetched = FetchedUnit();
+    lock.lock();
+    cutting_ = false;
+    // As in a plain loop, nothing is fetched or cut after a unit that threw.
+    if (slot.failed) {
+      fetching_ = false;
+      broken_ = true;
     }
-    changed_.notify_all();
-    if (failed || unit >= last_) return;
+  }
+  ++cut_;
+  changed_.notify_all();
+}
+
+void UnitsAhead::Work() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    const bool canFetch = fetching_ && slots_.size() < kUnitsAhead;
+    if (stopping_ || (!fetching_ && !CanCut())) return;
+    if (canFetch) {
+      const long unit = next_++;
+      lock.unlock();
+      Slot slot;
+      try {
+        slot.fetched = gather_.FetchStep(unit);
+      } catch (...) {
+        slot.failed = std::current_exception();
+      }
+      lock.lock();
+      if (slot.failed || unit >= last_) fetching_ = false;
+      slots_.push_back(std::move(slot));
+      changed_.notify_all();
+    } else if (CanCut()) {
+      CutNext(lock);
+    } else {
+      changed_.wait(lock);
+    }
   }
 }
 
 bool UnitsAhead::ReadyWithin(std::chrono::microseconds wait) {
   std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, wait, [&] {
-    return ready_.has_value() || failed_ || !worker_.joinable() || (wanted_ && next_ > last_);
-  });
+  return changed_.wait_for(lock, wait, [&] { return !slots_.empty() || taken_ > last_; });
 }
 
 UnitResult UnitsAhead::Take() {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [&] { return ready_.has_value() || failed_; });
-  if (failed_) std::rethrow_exception(failed_);
-  UnitResult result = std::move(*ready_);
-  ready_.reset();
-  wanted_ = true;
+  for (;;) {
+    if (cut_ > 0) break;
+    if (CanCut())
+      CutNext(lock);
+    else
+      changed_.wait(lock);
+  }
+  Slot slot = std::move(slots_.front());
+  slots_.pop_front();
+  --cut_;
+  ++taken_;
   lock.unlock();
   changed_.notify_all();
-  return result;
+  if (slot.failed) std::rethrow_exception(slot.failed);
+  return std::move(*slot.result);
 }
 
 }  // namespace ostrakan::gathering

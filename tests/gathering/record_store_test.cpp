@@ -5,11 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <future>
 #include <latch>
+#include <stdexcept>
 #include <thread>
 
 #include "gathering/headless_run.h"
+#include "gathering/units_ahead.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::gathering {
@@ -187,6 +190,35 @@ TEST_F(Walk, AnErrorThatUndoesTheTransactionStopsTheRunWithTheJournalTrue) {
   // Whatever stands is whole units that the journal counts, and no more.
   const long next = std::stol(Value("select next from gather_run"));
   EXPECT_LE(next, 3);
+  EXPECT_EQ(Value("select count(*) from db"), std::to_string(2 * (next - 1)));
+}
+
+TEST_F(Walk, UnitsFetchedAheadAreCutInOrderOnceAndAFailedCutLeavesWholeUnits) {
+  run = StartRun(conn, u"list", 1, u"k", 1, 12);
+  std::atomic<long> cut = 0;
+  const GatherUnit twoSteps(
+      [&](long unit) {
+        // Never more than four units fetched and not yet taken.
+        EXPECT_GE(cut.load(), unit - 1 - static_cast<long>(kUnitsAhead));
+        return FetchedUnit{FromUtf8(std::to_string(unit)), "bytes", std::nullopt};
+      },
+      [&](FetchedUnit& fetched) {
+        const long unit = std::stol(ToUtf8(fetched.address));
+        EXPECT_EQ(unit, cut.load() + 1);  // in order, each once, one at a time
+        EXPECT_EQ(fetched.body, "bytes");
+        if (unit == 9) throw std::runtime_error("cut failed");
+        ++cut;
+        return Page(unit);
+      });
+  RunReport slowStore;  // the fetch thread gets ahead and cuts some units itself
+  slowStore.progress = [](const JournalRun&) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(3));
+  };
+  EXPECT_THROW(WalkRun(conn, run, source, twoSteps, slowStore), std::runtime_error);
+  EXPECT_EQ(cut.load(), 8);
+  const long next =
+      std::stol(Value("select next from gather_run where id = " + std::to_string(run.id)));
+  EXPECT_LE(next, 9);
   EXPECT_EQ(Value("select count(*) from db"), std::to_string(2 * (next - 1)));
 }
 
