@@ -25,10 +25,9 @@ TEST(Commands, ASiteIsMadeServedRebuiltBesideTheServerAndStoppedOnSigterm) {
   EXPECT_FALSE(Holds(run.output, "Secret42")) << "a given password is not echoed";
 
   // The shell says the server's process id, then the server its address.
-  FILE* serving = popen(("echo $$; exec " + std::string(OSTRAKAN_BINARY) + " serve --site " +
-                         site.string() + " --listen 127.0.0.1:0 --threads 4")
-                            .c_str(),
-                        "r");
+  const std::string serve = "echo $$; exec " + std::string(OSTRAKAN_BINARY) + " serve --site " +
+                            site.string() + " --listen 127.0.0.1:0 --threads 4";
+  FILE* serving = popen(serve.c_str(), "r");
   char pid[32] = "", line[1024] = "";
   fgets(pid, sizeof pid, serving);
   fgets(line, sizeof line, serving);

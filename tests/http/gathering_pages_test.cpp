@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "http/site_fixture.h"
+#include "support/list_rule_fixture.h"
 #include "support/remote_site.h"
 
 namespace ostrakan::testing {
@@ -14,15 +15,10 @@ class GatheringPages : public SiteTest {
  protected:
   void SetUp() override {
     SiteTest::SetUp();
-    for (int page : {1, 2, 3}) {
-      std::u16string html;
-      for (int n = 1; n <= 3; ++n) {
-        std::u16string id = FromUtf8(std::to_string(page) + "-" + std::to_string(n));
-        html += u"<li class=\"v\"><a href=\"v/" + id + u".html\" title=\"x\">\"Quoted\" 標題 " +
-                id + u"</a><p>描述 " + id + u" Text</p></li>";
-      }
-      remote_.Set("/gb/" + std::to_string(page) + ".html", {200, text::Encode(html, 936)});
-    }
+    // The fixture's result pages, in GBK.
+    for (int page : {1, 2, 3})
+      remote_.Set("/gb/" + std::to_string(page) + ".html",
+                  {200, text::Encode(FromUtf8(FixtureResultPage(page, 3)), 936)});
     cookie_ = SignIn();
   }
   // Adds a rule for the fixture's pages under `folder` through the form; its id.
@@ -67,7 +63,7 @@ TEST_F(GatheringPages, ARuleReachesItsRunStepsThroughTheRuleFile) {
   EXPECT_EQ(remote_.Requests().back(), "/gb/1.html?q=%B5%E7%D3%B0");  // the keyword's GBK bytes
   EXPECT_EQ(Value("select group_concat(title || '|' || content || '|' || source || '|' || "
                   "source_url) from db where url = 'remote.test/v/1-2.html'"),
-            "quoted 標題 1-2|描述 1-2|样站 gb|remote.test/");
+            "video 影片 1-2|about 1-2|样站 gb|remote.test/");
 
   for (std::string page :
        {"gather_list_web_edit.asp?id=", "gather_list_web_ok.asp?action=del&id=",

@@ -12,6 +12,7 @@
 #include "engine/commands.h"
 #include "engine/http_server.h"
 #include "frame/error_log.h"
+#include "frame/escape.h"
 #include "http/http_client.h"
 #include "platform/text/codepage.h"
 #include "support/holds.h"
@@ -38,13 +39,7 @@ inline std::string ReadVerifyCode(const std::string& bmp, const std::string& fon
 
 // Percent-encodes the GBK bytes of a text, as a browser sends the form fields of a GB2312 page.
 inline std::string GbkEscape(std::u16string_view text) {
-  std::string out;
-  char escaped[4];
-  for (unsigned char c : text::Encode(text, 936)) {
-    std::snprintf(escaped, sizeof escaped, "%%%02X", c);
-    out += escaped;
-  }
-  return out;
+  return ToUtf8(UrlQuery(text).text());
 }
 
 // What the ostrakan program said (standard output and error together) and its exit status.

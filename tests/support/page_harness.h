@@ -5,9 +5,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <optional>
 #include <random>
 #include <sstream>
 #include <string>

@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -24,7 +23,6 @@
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "platform/ado/pg_backend.h"
 
