@@ -25,8 +25,8 @@ TEST_F(Requests, DecodesGbkQueryStringsAndFormsWithTheSessionsCodePage) {
       Holds(client().Send("POST", "/echo.asp", "f=1", {"Content-Type: text/plain"}).body, "f=[]"));
 }
 
-// X-Real-IP is the client's address only behind a proxy and only when it is an address; the
-// sign-in throttle counts posts by it, so one proxied client's failures leave another alone.
+// X-Real-IP is the client's address only behind a proxy (what counts as an address: the unit
+// test); the sign-in throttle counts posts by it, so one client's failures leave another alone.
 TEST_F(Requests, XRealIpIsTheClientOnlyBehindAProxyAndOnlyWhenItIsAnAddress) {
   auto proxied = StartServer([](engine::ServerOptions& o) {
     o.behindProxy = true;
@@ -34,7 +34,6 @@ TEST_F(Requests, XRealIpIsTheClientOnlyBehindAProxyAndOnlyWhenItIsAnAddress) {
   });
   HttpClient c(proxied->port());
   EXPECT_TRUE(Holds(c.Get("/echo.asp", {"X-Real-IP: 203.0.113.9"}).body, "ip=[203.0.113.9]"));
-  EXPECT_TRUE(Holds(c.Get("/echo.asp", {"X-Real-IP: <b>me</b>"}).body, "ip=[127.0.0.1]"));
   EXPECT_TRUE(Holds(client().Get("/echo.asp", {"X-Real-IP: 203.0.113.9"}).body, "ip=[127.0.0.1]"));
 
   for (int i = 0; i < engine::SignInThrottle::kFreeFailures; ++i)
