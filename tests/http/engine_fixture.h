@@ -24,24 +24,16 @@ namespace ostrakan::testing {
 // is meant to escape.
 class TestPage : public SitePage {
  public:
-  Variant Extra;
-
   TestPage() : SitePage(u"\\admin\\test_page") {
-    Property(u"Extra", Extra);
-    Block(u"Count", [this] {
-      Guard(u"Count", [] {
-        Session& s = CurrentSession();
-        int32_t n = s.Get(u"n").IsEmpty() ? 1 : CLng(s.Get(u"n")) + 1;
-        s.Set(u"n", Variant(n));
-        CurrentResponse().Write(u"n=" + HtmlText(CStr(Variant(n))));
-      });
+    Block(u"Count", [] {
+      Session& s = CurrentSession();
+      const Variant n = Variant(s.Get(u"n").IsEmpty() ? 1 : CLng(s.Get(u"n")) + 1);
+      s.Set(u"n", n);
+      CurrentResponse().Write(u"n=" + HtmlText(CStr(n)));
     });
     Block(u"SignIn", [this] { CurrentSession().Set(TextOf(Admin_Session), Variant(u"admin")); });
     Block(u"Abandon", [] { CurrentSession().Abandon(); });
-    Block(u"Stop", [] {
-      CurrentResponse().Write(u"stopped");
-      EndResponse();
-    });
+    Block(u"Stop", [] { EndResponse(); });
     Block(u"Redirect", [] {
       CurrentResponse().Redirect(TextOf(CurrentRequest().Item(u"to")));
       EndResponse();
@@ -77,13 +69,6 @@ class TestPage : public SitePage {
     // A method without the block guard: its error escapes the component.
     Method(u"Crash",
            [](Args&) -> Variant { throw std::runtime_error("boom: escaped the component"); });
-  }
-
- protected:
-  void AssignExtra(Args& parameters, size_t from) override {
-    std::u16string joined;
-    for (size_t i = from; i < parameters.size(); ++i) joined += TextOf(parameters[i]) + u"|";
-    Extra = Variant(joined);
   }
 };
 
@@ -123,9 +108,6 @@ class EngineTest : public ::testing::Test {
       WriteAnsi(root_ / "admin" / (file + std::string(".asp")),
                 u"<%@ Component=\"Test.Page\" %><% InitFunction1 %>" + std::u16string(blocks));
     WriteAnsi(root_ / "admin/broken.asp", u"<html>\n<% Dim x %>\n</html>");
-    WriteAnsi(root_ / "admin/rule.asp",
-              u"<%@ Component=\"Test.Page\" Rule=\"rules_list.asp\" %>"
-              u"<% InitFunction1 %><%= Extra %>");
     WriteAnsi(root_ / "admin/rules_list.asp",
               u"<%\r\nSelect Case id\r\nCase 1\r\nweb=\"一号站\"\r\nurl=\"http://one/\"\r\n"
               u"Case 2\r\nweb=\"two\"\r\nEnd Select\r\n%>\r\n");
@@ -150,8 +132,7 @@ class EngineTest : public ::testing::Test {
     options.maxBodyBytes = 1 << 20;
     options.requestTimeoutMs = 1500;
     options.createComponent = [](std::u16string_view progId) -> std::shared_ptr<Component> {
-      if (IEquals(progId, u"Test.Page")) return std::make_shared<TestPage>();
-      return nullptr;
+      return IEquals(progId, u"Test.Page") ? std::make_shared<TestPage>() : nullptr;
     };
     change(options);
     return std::make_unique<engine::HttpServer>(options);

@@ -64,9 +64,13 @@ class HttpClient {
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, list);
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &Collect);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &reply.body);
-    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &CollectHeader);
-    curl_easy_setopt(curl, CURLOPT_HEADERDATA, &reply.headers);
     if (CURLcode rc = curl_easy_perform(curl); rc != CURLE_OK) reply.error = curl_easy_strerror(rc);
+    // The headers of the last response (not of a "100 Continue" before it).
+    for (curl_header* h = nullptr; (h = curl_easy_nextheader(curl, CURLH_HEADER, -1, h));) {
+      std::string name = h->name;
+      for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      reply.headers.emplace_back(name, h->value);
+    }
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &reply.status);
     curl_slist_free_all(list);
     curl_easy_cleanup(curl);
@@ -84,18 +88,6 @@ class HttpClient {
  private:
   static size_t Collect(char* data, size_t size, size_t n, void* out) {
     static_cast<std::string*>(out)->append(data, size * n);
-    return size * n;
-  }
-  static size_t CollectHeader(char* data, size_t size, size_t n, void* out) {
-    auto* headers = static_cast<std::vector<std::pair<std::string, std::string>>*>(out);
-    std::string line(data, size * n);
-    if (line.starts_with("HTTP/")) headers->clear();  // a new response (after 100 Continue)
-    size_t colon = line.find(':');
-    if (colon == std::string::npos || line.starts_with("HTTP/")) return size * n;
-    std::string name = line.substr(0, colon);
-    for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    size_t from = line.find_first_not_of(' ', colon + 1), to = line.find_last_not_of("\r\n");
-    headers->emplace_back(name, from > to ? "" : line.substr(from, to + 1 - from));
     return size * n;
   }
 

@@ -2,12 +2,10 @@
 // refuse to send (ambiguous lengths, broken chunks) and for holding connections open.
 #pragma once
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/write.hpp>
 #include <chrono>
 #include <string>
 
@@ -16,55 +14,39 @@ namespace ostrakan::testing {
 class RawConnection {
  public:
   explicit RawConnection(int port) {
-    fd_ = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in a{};
-    a.sin_family = AF_INET;
-    a.sin_port = htons(static_cast<uint16_t>(port));
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::connect(fd_, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0) {
-      ::close(fd_);
-      fd_ = -1;
-    }
+    socket_.connect({boost::asio::ip::address_v4::loopback(), static_cast<uint16_t>(port)}, error_);
   }
-  ~RawConnection() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  RawConnection(const RawConnection&) = delete;
-  RawConnection& operator=(const RawConnection&) = delete;
 
-  bool connected() const { return fd_ >= 0; }
+  bool connected() const { return !error_; }
 
   bool Send(const std::string& bytes) {
-    size_t sent = 0;
-    while (fd_ >= 0 && sent < bytes.size()) {
-      ssize_t n = ::send(fd_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-      if (n <= 0) return false;
-      sent += static_cast<size_t>(n);
-    }
-    return sent == bytes.size();
+    boost::system::error_code error;
+    boost::asio::write(socket_, boost::asio::buffer(bytes), error);
+    return !error;
   }
 
-  // Everything that arrives until the server closes the connection or `quiet` passes without
-  // a byte. `closed` tells which.
-  std::string ReadAll(bool& closed, std::chrono::milliseconds quiet = std::chrono::seconds(5)) {
-    std::string out;
-    closed = false;
+  // Everything that arrives until the server closes the connection (`closed`) or `quiet` passes
+  // without a byte.
+  struct Received {
+    std::string bytes;
+    bool closed = false;
+  };
+  Received ReadAll(std::chrono::milliseconds quiet = std::chrono::seconds(5)) {
+    Received in;
     char buf[4096];
-    while (fd_ >= 0) {
-      pollfd p{fd_, POLLIN, 0};
-      if (::poll(&p, 1, static_cast<int>(quiet.count())) <= 0) break;
-      ssize_t n = ::recv(fd_, buf, sizeof buf, 0);
-      if (n <= 0) {
-        closed = true;
-        break;
-      }
-      out.append(buf, static_cast<size_t>(n));
+    pollfd p{socket_.native_handle(), POLLIN, 0};
+    while (!in.closed && connected() && ::poll(&p, 1, static_cast<int>(quiet.count())) > 0) {
+      boost::system::error_code end;
+      in.bytes.append(buf, socket_.read_some(boost::asio::buffer(buf), end));
+      in.closed = static_cast<bool>(end);
     }
-    return out;
+    return in;
   }
 
  private:
-  int fd_ = -1;
+  boost::asio::io_context io_;
+  boost::asio::ip::tcp::socket socket_{io_};
+  boost::system::error_code error_;
 };
 
 }  // namespace ostrakan::testing

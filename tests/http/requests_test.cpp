@@ -1,6 +1,5 @@
 // Requests and pages over loopback: decoding of what the browser sends, the client's address, size
 // limits, what is served and what is refused, and page files run by the engine.
-#include <algorithm>
 #include <future>
 #include <set>
 
@@ -26,8 +25,8 @@ TEST_F(Requests, DecodesGbkQueryStringsAndFormsWithTheSessionsCodePage) {
       Holds(client().Send("POST", "/echo.asp", "f=1", {"Content-Type: text/plain"}).body, "f=[]"));
 }
 
-// X-Real-IP is the client's address only behind a proxy and only when it is an address; the
-// sign-in throttle counts posts by it, so one proxied client's failures leave another alone.
+// X-Real-IP is the client's address only behind a proxy (what counts as an address: the unit
+// test); the sign-in throttle counts posts by it, so one client's failures leave another alone.
 TEST_F(Requests, XRealIpIsTheClientOnlyBehindAProxyAndOnlyWhenItIsAnAddress) {
   auto proxied = StartServer([](engine::ServerOptions& o) {
     o.behindProxy = true;
@@ -35,31 +34,27 @@ TEST_F(Requests, XRealIpIsTheClientOnlyBehindAProxyAndOnlyWhenItIsAnAddress) {
   });
   HttpClient c(proxied->port());
   EXPECT_TRUE(Holds(c.Get("/echo.asp", {"X-Real-IP: 203.0.113.9"}).body, "ip=[203.0.113.9]"));
-  EXPECT_TRUE(Holds(c.Get("/echo.asp", {"X-Real-IP: <b>me</b>"}).body, "ip=[127.0.0.1]"));
   EXPECT_TRUE(Holds(client().Get("/echo.asp", {"X-Real-IP: 203.0.113.9"}).body, "ip=[127.0.0.1]"));
 
   for (int i = 0; i < engine::SignInThrottle::kFreeFailures; ++i)
     c.Post("/admin/login.asp", "u=x", {"X-Real-IP: 203.0.113.9"});
+  // Six attempts at once from `address`: their statuses in order.
   auto atOnce = [&](const std::string& method, const std::string& address) {
-    std::vector<std::future<long>> replies;
+    std::vector<std::future<HttpReply>> replies;
     for (int i = 0; i < 6; ++i)
       replies.push_back(std::async(std::launch::async, [&] {
-        return c
-            .Send(method, "/admin/login.asp", method == "POST" ? "u=x" : "",
-                  {"X-Real-IP: " + address, "Content-Type: application/x-www-form-urlencoded"})
-            .status;
+        return c.Send(method, "/admin/login.asp", "u=x",
+                      {"X-Real-IP: " + address, "Content-Type: application/x-www-form-urlencoded"});
       }));
-    std::vector<long> statuses;
-    for (auto& r : replies) statuses.push_back(r.get());
+    std::string statuses;
+    for (auto& r : replies) statuses += std::to_string(r.get().status) + " ";
     return statuses;
   };
   // More attempts at once than the throttle lets wait are refused; not the other client's
   // posts, nor views of the page, which are neither paused nor refused.
-  const std::vector<long> ok(6, 200);
-  EXPECT_EQ(atOnce("POST", "203.0.113.10"), ok);
-  EXPECT_EQ(atOnce("GET", "203.0.113.9"), ok);
-  const std::vector<long> posts = atOnce("POST", "203.0.113.9");
-  EXPECT_NE(std::find(posts.begin(), posts.end(), 429), posts.end());
+  EXPECT_EQ(atOnce("POST", "203.0.113.10"), "200 200 200 200 200 200 ");
+  EXPECT_EQ(atOnce("GET", "203.0.113.9"), "200 200 200 200 200 200 ");
+  EXPECT_TRUE(Holds(atOnce("POST", "203.0.113.9"), "429"));
 }
 
 TEST_F(Requests, RefusesABodyOverTheLimitAndKeepsServing) {
@@ -87,21 +82,19 @@ TEST_F(Requests, AnswersFoldersWithTheirIndexPageAndServesStaticFilesWithRevalid
     r = client().Send(method, path);
     EXPECT_EQ(std::to_string(r.status) + " " + (r.status == 200 ? r.body : ""), answer) << path;
   }
-  r = client().Get("/admin/css/a.css");
-  EXPECT_EQ(r.body, "body{}");
-  EXPECT_EQ(r.Header("content-type"), "text/css; charset=gb2312");
-  const std::string modified = r.Header("last-modified");
-  ASSERT_FALSE(modified.empty());
-  r = client().Get("/admin/css/a.css", {"If-Modified-Since: " + modified});
+  const std::string css = "/admin/css/a.css";
+  r = client().Get(css);
+  EXPECT_EQ(r.body + " " + r.Header("content-type"), "body{} text/css; charset=gb2312");
+  r = client().Get(css, {"If-Modified-Since: " + r.Header("last-modified")});
   EXPECT_EQ(std::to_string(r.status) + " " + r.body, "304 ");
-  EXPECT_EQ(client().Send("HEAD", "/admin/css/a.css").Header("content-length"), "6");
+  EXPECT_EQ(client().Send("HEAD", css).Header("content-length"), "6");
   // A file changed in place at the same size is sent as it is now, not as it was.
   const auto past = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
   std::filesystem::last_write_time(root_ / "admin/css/a.css", past);
-  EXPECT_EQ(client().Get("/admin/css/a.css").body, "body{}");
+  EXPECT_EQ(client().Get(css).body, "body{}");
   std::ofstream(root_ / "admin/css/a.css", std::ios::binary) << "div{}\n";
   std::filesystem::last_write_time(root_ / "admin/css/a.css", past + std::chrono::seconds(1));
-  EXPECT_EQ(client().Get("/admin/css/a.css").body, "div{}\n");
+  EXPECT_EQ(client().Get(css).body, "div{}\n");
 
   // A file larger than one piece of the server's reads arrives whole and in order.
   std::string big;
@@ -140,14 +133,12 @@ TEST_F(Requests, NeverSendsPageSource) {
 // the site runs, and parallel pages.
 TEST_F(Requests, HeadersFromAPageCannotSplitOrMisframeTheAnswer) {
   HttpReply r = client().Get("/admin/redirect.asp?to=next.asp%0d%0aSet-Cookie:%20evil=1");
-  EXPECT_EQ(r.status, 302);
-  EXPECT_EQ(r.Header("location"), "next.asp  Set-Cookie: evil=1");
+  EXPECT_EQ(std::to_string(r.status) + " " + r.Header("location"),
+            "302 next.asp  Set-Cookie: evil=1");
   EXPECT_TRUE(r.All("set-cookie").empty());
-
+  // A Content-Length the page sets does not decide where the answer ends.
   r = client().Get("/admin/header.asp");
-  EXPECT_EQ(r.status, 200) << r.error;
-  EXPECT_EQ(r.body, "body");
-  EXPECT_EQ(r.Header("content-length"), "4");
+  EXPECT_EQ(r.body + " " + r.Header("content-length"), "body 4") << r.error;
 }
 
 TEST_F(Requests, AFailedPageGivesA500NamingFileAndLineAndTheServerStaysUp) {
@@ -164,15 +155,9 @@ TEST_F(Requests, AFailedPageGivesA500NamingFileAndLineAndTheServerStaysUp) {
   EXPECT_EQ(client().Get("/admin/deep.asp").body, "deep");  // a megabyte of stack
 }
 
-TEST_F(Requests, EditedPagesAndRuleFilesAreReadAgain) {
-  EXPECT_EQ(Text(client().Get("/admin/rule.asp?id=1")), u"一号站|http://one/|");
-  // The rule file is generated while the site runs; a new version is read at once.
-  std::filesystem::path rules = root_ / "admin/rules_list.asp";
-  std::string old = ReadFile(rules);
-  WriteAnsi(rules, u"Select Case id\r\nCase 9\r\nweb=\"nine\"\r\nEnd Select\r\n");
-  EXPECT_EQ(client().Get("/admin/rule.asp?id=9").body, "nine|");
-  std::ofstream(rules, std::ios::binary) << old;
-
+// A page file edited while the site runs is read again (the settings and the rule files go
+// through the same cache; the pages that read a rule: the gathering pages' test).
+TEST_F(Requests, EditedPagesAreReadAgain) {
   std::filesystem::path page = root_ / "admin/changing.asp";
   WriteAnsi(page, u"one");
   EXPECT_EQ(client().Get("/admin/changing.asp").body, "one");

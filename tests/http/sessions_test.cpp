@@ -1,5 +1,6 @@
-// Session cookies over loopback: flags, persistence, rotation at sign-in, abandoning, and a
-// flood of cookie-less requests that cannot sign the administrator out.
+// Session cookies over loopback: flags, persistence, abandoning, and a flood of cookie-less
+// requests that cannot sign the administrator out. (The move to a new id at sign-in: the site's
+// test, on both session stores.)
 #include "http/engine_fixture.h"
 
 namespace ostrakan::testing {
@@ -16,7 +17,6 @@ TEST_F(Sessions, OnlyPagesThatKeepSomethingGetAnHttpOnlySameSiteSessionCookie) {
   EXPECT_EQ(r.body, "n=1");
   ASSERT_EQ(r.All("set-cookie").size(), 1u);
   const std::string cookie = r.Header("set-cookie");
-  EXPECT_EQ(r.SessionCookie().size(), 32u);
   for (const char* flag : {"; HttpOnly", "; SameSite=Strict", "; Path=/"})
     EXPECT_TRUE(Holds(cookie, flag));
   EXPECT_FALSE(Holds(cookie, "Expires") || Holds(cookie, "Max-Age"));  // gone with the browser
@@ -43,20 +43,6 @@ TEST_F(Sessions, ValuesLastForTheSameCookieUntilTheSessionIsAbandoned) {
     EXPECT_EQ(r.body, "n=1");
     EXPECT_NE(r.SessionCookie(), old);
   }
-}
-
-TEST_F(Sessions, SigningInMovesTheSessionToANewIdKeepingItsValues) {
-  std::string before = client().Get("/admin/session.asp").SessionCookie();
-  std::string after = client().Get("/admin/signin.asp", {Cookie(before)}).SessionCookie();
-  ASSERT_EQ(after.size(), 32u);
-  EXPECT_NE(after, before);
-  EXPECT_EQ(client().Get("/admin/session.asp", {Cookie(after)}).body, "n=2");
-  // The id known before the sign-in no longer reaches the signed-in session.
-  HttpReply r = client().Get("/admin/session.asp", {Cookie(before)});
-  EXPECT_EQ(r.body, "n=1");
-  EXPECT_NE(r.SessionCookie(), after);
-  // Signing in again while signed in keeps the id.
-  EXPECT_TRUE(client().Get("/admin/signin.asp", {Cookie(after)}).All("set-cookie").empty());
 }
 
 TEST_F(Sessions, AFullStoreDropsAnonymousSessionsButKeepsTheSignedInOne) {

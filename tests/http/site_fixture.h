@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <cstdio>
 #include <memory>
@@ -11,6 +12,7 @@
 #include "engine/commands.h"
 #include "engine/http_server.h"
 #include "frame/error_log.h"
+#include "frame/escape.h"
 #include "http/http_client.h"
 #include "platform/text/codepage.h"
 #include "support/holds.h"
@@ -37,13 +39,25 @@ inline std::string ReadVerifyCode(const std::string& bmp, const std::string& fon
 
 // Percent-encodes the GBK bytes of a text, as a browser sends the form fields of a GB2312 page.
 inline std::string GbkEscape(std::u16string_view text) {
-  std::string out;
-  char escaped[4];
-  for (unsigned char c : text::Encode(text, 936)) {
-    std::snprintf(escaped, sizeof escaped, "%%%02X", c);
-    out += escaped;
-  }
-  return out;
+  return ToUtf8(UrlQuery(text).text());
+}
+
+// What the ostrakan program said (standard output and error together) and its exit status.
+struct CommandRun {
+  int status = -1;
+  std::string output;
+};
+// Runs the program with `args` (after "ostrakan", read by the shell) until it ends, or for 30
+// seconds at most (a server that starts listening after all).
+inline CommandRun Ostrakan(const std::string& args) {
+  CommandRun run;
+  FILE* pipe =
+      popen(("timeout 30 " + std::string(OSTRAKAN_BINARY) + " " + args + " 2>&1").c_str(), "r");
+  char buf[4096];
+  while (size_t n = fread(buf, 1, sizeof buf, pipe)) run.output.append(buf, n);
+  const int status = pclose(pipe);
+  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return run;
 }
 
 class SiteTest : public ::testing::Test {
@@ -74,12 +88,12 @@ class SiteTest : public ::testing::Test {
   HttpClient client() const { return HttpClient(server_->port()); }
   static std::u16string Text(const HttpReply& r) { return text::Decode(r.body, 936); }
 
-  // A verify picture's session ("Cookie: ...") and the code it shows.
+  // A verify picture drawn through `via`: its session ("Cookie: ...") and the code it shows.
   struct Picture {
     std::string cookie, code;
   };
-  Picture Solve(const HttpClient& from) const {
-    HttpReply r = from.Get("/admin/inc/code.asp");
+  Picture Solve(const HttpClient& via) const {
+    HttpReply r = via.Get("/admin/inc/code.asp");
     return {"Cookie: OSTRAKANSESSION=" + r.SessionCookie(),
             ReadVerifyCode(r.body, ReadFile(root() / "admin/inc/body.Fix"))};
   }
@@ -87,11 +101,14 @@ class SiteTest : public ::testing::Test {
                                 const std::string& code) {
     return "username=" + name + "&password=" + password + "&verifyid=" + code;
   }
+  // Posts the administrator's sign-in form through `via`, with the picture's session and code.
+  static HttpReply PostSignIn(const HttpClient& via, const Picture& p,
+                              const std::string& password = "secret123") {
+    return via.Post("/admin/login.asp", SignInForm("admin", password, p.code), {p.cookie});
+  }
   // Signs in and returns the "Cookie: ..." header of the administrator's session.
-  std::string SignIn(const std::string& name = "admin", const std::string& password = "secret123") {
-    Picture p = Solve(client());
-    HttpReply login =
-        client().Post("/admin/login.asp", SignInForm(name, password, p.code), {p.cookie});
+  std::string SignIn() {
+    HttpReply login = PostSignIn(client(), Solve(client()));
     EXPECT_TRUE(Holds(Text(login), u"location.replace('main.asp')"));
     return "Cookie: OSTRAKANSESSION=" + login.SessionCookie();
   }

@@ -11,11 +11,11 @@ namespace ostrakan::testing {
 namespace {
 
 constexpr char16_t kGuard[] = u"您目前还没有登录或登录超时！";
+constexpr char16_t kWrongPassword[] = u"管理密码错误！";
 
 TEST_F(SiteTest, SignInMovesToANewSessionAndOpensTheGuardedPages) {
   Picture p = Solve(client());
-  HttpReply in =
-      client().Post("/admin/login.asp", SignInForm("admin", "secret123", p.code), {p.cookie});
+  HttpReply in = PostSignIn(client(), p);
   ASSERT_TRUE(Holds(Text(in), u"location.replace('main.asp')"));
   const std::string cookie = "Cookie: OSTRAKANSESSION=" + in.SessionCookie();
   EXPECT_NE(cookie, p.cookie);
@@ -41,11 +41,8 @@ TEST_F(SiteTest, SignInMovesToANewSessionAndOpensTheGuardedPages) {
 TEST_F(SiteTest, AVerifyCodeServesOneAttemptEvenTwoSentAtOnce) {
   Picture p = Solve(client());
   ASSERT_EQ(p.code.size(), 4u);
-  auto post = [&](const std::string& password) {
-    return Text(
-        client().Post("/admin/login.asp", SignInForm("admin", password, p.code), {p.cookie}));
-  };
-  EXPECT_TRUE(Holds(post("guess"), u"管理密码错误！"));
+  auto post = [&](const std::string& password) { return Text(PostSignIn(client(), p, password)); };
+  EXPECT_TRUE(Holds(post("guess"), kWrongPassword));
   EXPECT_TRUE(Holds(post("secret123"), u"验证码错误！" + FromUtf8(p.code)));
   for (int round = 0; round < 5; ++round) {
     p = Solve(client());
@@ -61,17 +58,14 @@ TEST_F(SiteTest, AVerifyCodeServesOneAttemptEvenTwoSentAtOnce) {
 TEST_F(SiteTest, TheSixthFailureFromOneAddressWaitsWhileOthersSignIn) {
   HttpClient attacker = client();
   attacker.From("127.0.0.2");
-  auto fail = [&](const Picture& p) {
-    return Text(
-        attacker.Post("/admin/login.asp", SignInForm("admin", "guess", p.code), {p.cookie}));
-  };
+  auto fail = [&](const Picture& p) { return Text(PostSignIn(attacker, p, "guess")); };
   for (int i = 0; i < engine::SignInThrottle::kFreeFailures; ++i)
-    ASSERT_TRUE(Holds(fail(Solve(attacker)), u"管理密码错误！"));
+    ASSERT_TRUE(Holds(fail(Solve(attacker)), kWrongPassword));
   std::future<std::u16string> sixth = std::async(std::launch::async, fail, Solve(attacker));
   // Another address signs in as usual, and is through before the paused attempt is answered.
   EXPECT_EQ(client().Get("/admin/desktop.asp", {SignIn()}).status, 200);
   EXPECT_EQ(sixth.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
-  EXPECT_TRUE(Holds(sixth.get(), u"管理密码错误！"));
+  EXPECT_TRUE(Holds(sixth.get(), kWrongPassword));
 }
 
 // Characters that GBK lacks go out as GB18030 under the gb2312 label and come back unchanged:
@@ -85,18 +79,19 @@ TEST_F(SiteTest, CharactersOutsideGbkSurviveSavingARecord) {
       EXPECT_EQ(page.compare(at, kForm.size(), kForm), 0) << entry.path().filename();
   }
   const std::string cookie = SignIn();
-  const std::u16string title = u"片名😀𠀀龦가";
+  const std::u16string title = u"片名😀𠀀龦가", content = u"内容🎬", source = u"来源𠀀";
   Sql(database(), "insert into db (title, content, url, source, source_url) values ('" +
-                      ToUtf8(title) + "', '内容🎬', 'v.test/1', '来源𠀀', 's.test')");
+                      ToUtf8(title + u"', '" + content + u"', 'v.test/1', '" + source) +
+                      "', 's.test')");
   const std::string id = Value("select id from db");
   HttpReply edit = client().Get("/admin/db_edit.asp?id=" + id, {cookie});
   EXPECT_TRUE(Holds(text::DecodeCharset(edit.body, u"gb2312"), title));
   const std::string form = "id=" + id + "&title=" + GbkEscape(title) +
-                           "&content=" + GbkEscape(u"内容🎬") +
-                           "&url=v.test/1&source=" + GbkEscape(u"来源𠀀") + "&source_url=s.test";
+                           "&content=" + GbkEscape(content) +
+                           "&url=v.test/1&source=" + GbkEscape(source) + "&source_url=s.test";
   EXPECT_TRUE(Holds(Text(client().Post("/admin/db_edit_ok.asp", form, {cookie})), u"修改成功"));
   EXPECT_EQ(Value("select title || '|' || content || '|' || source from db"),
-            ToUtf8(title) + "|内容🎬|来源𠀀");
+            ToUtf8(title + u"|" + content + u"|" + source));
 }
 
 TEST_F(SiteTest, AVanishedDatabaseIsReportedAndNothingIsCreated) {
@@ -116,9 +111,10 @@ TEST_F(SiteTest, AVanishedDatabaseIsReportedAndNothingIsCreated) {
   EXPECT_EQ(client().Get("/admin/desktop.asp", {cookie}).status, 200);
 }
 
-// The public search: matches in the description too, the word counted once per address, blank
-// and long words, nothing found; cacheable for a minute, as the front page is.
-TEST_F(SiteTest, PublicSearchFindsDescriptionsCountsTheWordOnceAndCutsLongWords) {
+// The public search: matches in the description too, blank and long words, nothing found;
+// cacheable for a minute, as the front page is. (Later pages, goto.asp and counting a word once
+// per address: the browser's test and the search folder's.)
+TEST_F(SiteTest, PublicSearchFindsDescriptionsAndCutsLongWords) {
   // 25 records that hold 功夫 (in the title, or only in the description, as every fifth does)
   // between records that do not.
   Sql(database(),
@@ -131,43 +127,23 @@ TEST_F(SiteTest, PublicSearchFindsDescriptionsCountsTheWordOnceAndCutsLongWords)
   EXPECT_EQ(front.Header("cache-control"), "public, max-age=60");
   EXPECT_TRUE(Holds(Text(front), u"search.asp?keyword=%D0%DC%C3%A8'>熊猫</a>"));
 
-  const std::string word = GbkEscape(u"功夫");
-  HttpReply first = client().Get("/search.asp?keyword=" + word);
+  const std::string search = "/search.asp?keyword=", word = GbkEscape(u"功夫");
+  HttpReply first = client().Get(search + word);
   EXPECT_EQ(first.Header("cache-control"), "public, max-age=60");
   EXPECT_TRUE(Holds(Text(first), u"&lt;i&gt;功夫&lt;/i&gt;片48"));
   EXPECT_TRUE(Holds(Text(first), u"共25条记录 页次：1/2页"));
-  EXPECT_TRUE(
-      Holds(Text(client().Get("/search.asp?keyword=" + word + "&page=2")), u"goto.asp?id=2'"));
-  // Two views from one address within ten minutes count once.
-  EXPECT_EQ(Value("select hot from keyword where keyword = '功夫'"), "1");
   // A blank word shows the form and counts nothing; a long one is cut.
-  const std::u16string blank = Text(client().Get("/search.asp?keyword=%20%20"));
+  const std::u16string blank = Text(client().Get(search + "%20%20"));
   EXPECT_TRUE(Holds(blank, u"name=\"keyword\""));
   EXPECT_FALSE(Holds(blank, u"goto.asp?id="));
   EXPECT_EQ(Value("select count(*) from keyword"), "2");
-  EXPECT_EQ(client().Get("/search.asp?keyword=" + GbkEscape(std::u16string(60, u'长'))).status,
-            200);
+  EXPECT_EQ(client().Get(search + GbkEscape(std::u16string(60, u'长'))).status, 200);
   EXPECT_EQ(Value("select length(keyword) from keyword where keyword like '长%'"), "50");
-  EXPECT_TRUE(
-      Holds(Text(client().Get("/search.asp?keyword=" + GbkEscape(u"无此词"))), u"没有找到"));
+  EXPECT_TRUE(Holds(Text(client().Get(search + GbkEscape(u"无此词"))), u"没有找到"));
 }
 
-// What others send cannot reach the database's structure or the administrator's data: query
-// strings, requests made from another site, double submits.
-TEST_F(SiteTest, TextInAQueryStringNeverChangesAStatement) {
-  std::string cookie = SignIn();
-  Sql(database(), "insert into keyword (keyword, hot) values ('visitor word', 1)");
-  const std::string digest = Value("select password from admin");
-  const std::string unionSelect =
-      "%25%27%20union%20select%20id%2Cusername%2Cpassword%2C1%2C1%2C1%2C1%20from%20admin%20--";
-  for (const char* page : {"keyword_manage.asp?keyword=", "db_search.asp?action=title&keyword="}) {
-    HttpReply leak = client().Get("/admin/" + (page + unionSelect), {cookie});
-    EXPECT_EQ(leak.status, 200);
-    EXPECT_FALSE(Holds(leak.body, digest)) << page;
-    EXPECT_FALSE(Holds(leak.body, "visitor word")) << page;
-  }
-}
-
+// Actions sent from another site are refused and change nothing; pages that only show answer
+// whatever the referer, and the site's own pages may act.
 TEST_F(SiteTest, ActionsSentFromAnotherSiteAreRefusedAndChangeNothing) {
   std::string cookie = SignIn();
   Sql(database(), "insert into db (title, url) values ('t', 'v.test/1')");
@@ -185,7 +161,6 @@ TEST_F(SiteTest, ActionsSentFromAnotherSiteAreRefusedAndChangeNothing) {
                 .status,
             403);
   EXPECT_EQ(Value("select group_concat(title) from db"), "t");
-  // Pages that only show answer whatever the referer; the site's own pages may act.
   EXPECT_EQ(client().Get("/admin/db_list.asp", {cookie, "Referer: http://evil.example/"}).status,
             200);
   const std::string self =
@@ -196,19 +171,15 @@ TEST_F(SiteTest, ActionsSentFromAnotherSiteAreRefusedAndChangeNothing) {
 
 TEST_F(SiteTest, SimultaneousIdenticalPostsStoreTheAddressOnce) {
   std::string cookie = SignIn();
-  constexpr int kPairs = 12;
-  for (int pair = 0; pair < kPairs; ++pair) {
+  for (int pair = 0; pair < 12; ++pair) {
     const std::string form =
         "title=t&url=twice.test/" + std::to_string(pair) + "&source=s&source_url=s.test";
     std::latch start(2);
-    std::vector<std::thread> posts;
-    for (int i = 0; i < 2; ++i) {
-      posts.emplace_back([&] {
-        start.arrive_and_wait();
-        client().Post("/admin/db_add_ok.asp", form, {cookie});
-      });
-    }
-    for (std::thread& t : posts) t.join();
+    auto post = [&] {
+      start.arrive_and_wait();
+      client().Post("/admin/db_add_ok.asp", form, {cookie});
+    };
+    std::jthread first(post), second(post);
   }
   EXPECT_EQ(Value("select count(distinct url) || '/' || count(*) from db"), "12/12");
 }

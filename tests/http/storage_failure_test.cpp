@@ -18,7 +18,6 @@ namespace fs = std::filesystem;
 constexpr char16_t kFull[] = u"服务器的磁盘已满，数据无法保存，请腾出空间后再试。";
 constexpr char16_t kReadOnly[] =
     u"数据库文件或其所在文件夹不可写，数据无法保存，请检查它们的权限。";
-constexpr char kForm[] = "title=t&url=disk.test/1&source=s&source_url=s.test";
 
 class StorageFailure : public SiteTest {
  protected:
@@ -39,17 +38,11 @@ class StorageFailure : public SiteTest {
   }
   fs::path data() const { return root() / "data"; }
 
-  // Takes every free byte of the data folder's file system.
-  void FillTheDisk() const {
-    std::ofstream filler(data() / "filler", std::ios::binary);
-    const std::string block(4096, 'f');
-    while (filler.write(block.data(), block.size())) {
-    }
-  }
   // Posts a new record; returns the page and what the server wrote on standard error meanwhile.
   std::pair<std::u16string, std::string> PostRecord() {
     ::testing::internal::CaptureStderr();
-    std::u16string page = Text(client().Post("/admin/db_add_ok.asp", kForm, {cookie_}));
+    std::u16string page = Text(client().Post(
+        "/admin/db_add_ok.asp", "title=t&url=disk.test/1&source=s&source_url=s.test", {cookie_}));
     return {page, ::testing::internal::GetCapturedStderr()};
   }
 
@@ -70,7 +63,11 @@ TEST_F(StorageFailure, AFullDiskIsNamedOnThePageAndTheErrorGoesToStandardError) 
     // Connections the server keeps for reuse hold the log open as `other` does; without them,
     // the next page has to create it.
     ado::CloseIdleDatabases();
-    FillTheDisk();
+    std::ofstream filler(data() / "filler", std::ios::binary);  // takes every free byte
+    const std::string block(4096, 'f');
+    while (filler.write(block.data(), block.size())) {
+    }
+    filler.close();
     auto [page, stderrText] = PostRecord();
     EXPECT_TRUE(Holds(page, kFull));
     EXPECT_FALSE(Holds(page, u"添加成功"));

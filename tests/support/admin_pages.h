@@ -43,19 +43,12 @@ class AdminPages : public ::testing::Test {
     TestRequest r(site, pagePath, session);
     for (const auto& [key, value] : query) r.request().queryString.Add(key, value);
     for (const auto& [key, value] : form) r.request().form.Add(key, value);
+    auto page = CreateComponent(progId);
+    for (const auto& [key, value] : properties) page->SetProperty(key, Variant(value));
+    std::vector<std::u16string> names;
+    for (int i = 1; i <= blocks; ++i) names.push_back(u"InitFunction" + CStr(Variant(i)));
     PageRun run;
-    try {
-      auto page = CreateComponent(progId);
-      for (const auto& [key, value] : properties) page->SetProperty(key, Variant(value));
-      for (int i = 1; i <= blocks; ++i) {
-        Component::Args args;
-        if (i == 1 && page->Arity(u"InitFunction1") >= kSettingCount) args = Settings();
-        if (i == 1) args.insert(args.end(), more.begin(), more.end());
-        page->Invoke(u"InitFunction" + CStr(Variant(i)), args);
-      }
-      run.completed = true;
-    } catch (const ResponseEnded&) {
-    }
+    run.completed = RunBlocks(*page, {names.begin(), names.end()}, more);
     run.text = r.text();
     run.bytes = r.response().body();
     run.status = r.response().StatusCode();

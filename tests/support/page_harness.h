@@ -5,9 +5,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <optional>
 #include <random>
 #include <sstream>
 #include <string>
@@ -107,13 +104,15 @@ inline Component::Args Settings() {
   return args;
 }
 
-// Calls the named blocks in order, as a page file does (InitFunction1 with the settings); true
-// when the page ran to its end, false when a block ended the response.
-inline bool RunBlocks(Component& page, const std::vector<std::u16string_view>& blocks) {
+// Calls the named blocks in order, as a page file does (InitFunction1 with the settings, then
+// `more`); true when the page ran to its end, false when a block ended the response.
+inline bool RunBlocks(Component& page, const std::vector<std::u16string_view>& blocks,
+                      const std::vector<std::u16string>& more = {}) {
   try {
     for (auto name : blocks) {
       Component::Args args;
       if (name == u"InitFunction1" && page.Arity(name) >= kSettingCount) args = Settings();
+      if (name == u"InitFunction1") args.insert(args.end(), more.begin(), more.end());
       page.Invoke(name, args);
     }
   } catch (const ResponseEnded&) {

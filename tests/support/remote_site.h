@@ -3,16 +3,16 @@
 // reply, and remembers the targets it was asked for (bytes as sent, percent escapes kept).
 #pragma once
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <atomic>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/read_until.hpp>
+#include <boost/asio/write.hpp>
 #include <chrono>
 #include <map>
 #include <mutex>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -39,25 +39,20 @@ struct RemoteReply {
 class RemoteSite {
  public:
   RemoteSite() {
-    sockaddr_in a{};
-    a.sin_family = AF_INET;
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t len = sizeof a;
-    if (bind(listener_, reinterpret_cast<sockaddr*>(&a), len) != 0 || listen(listener_, 64) != 0 ||
-        getsockname(listener_, reinterpret_cast<sockaddr*>(&a), &len) != 0)
-      throw std::runtime_error("remote site cannot listen");
-    port_ = ntohs(a.sin_port);
     acceptor_ = std::thread([this] {
-      for (int fd; (fd = accept(listener_, nullptr, nullptr)) >= 0 || !stopping_;) {
+      while (true) {
+        boost::asio::ip::tcp::socket socket(io_);
+        boost::system::error_code error;
+        listener_.accept(socket, error);
+        if (stopping_) return;
         std::lock_guard lock(mutex_);
-        if (fd >= 0) workers_.emplace_back([this, fd] { Serve(fd); });
+        if (!error) workers_.emplace_back([this, s = std::move(socket)]() mutable { Serve(s); });
       }
     });
   }
   ~RemoteSite() {
     stopping_ = true;
-    shutdown(listener_, SHUT_RDWR);
-    close(listener_);
+    ::shutdown(listener_.native_handle(), SHUT_RDWR);  // wakes the accept
     acceptor_.join();
     for (auto& t : workers_) t.join();
   }
@@ -84,12 +79,10 @@ class RemoteSite {
   }
 
  private:
-  void Serve(int fd) {
+  void Serve(boost::asio::ip::tcp::socket& socket) {
     std::string request;
-    char buf[4096];
-    for (ssize_t n;
-         request.find("\r\n\r\n") == std::string::npos && (n = recv(fd, buf, sizeof buf, 0)) > 0;)
-      request.append(buf, static_cast<size_t>(n));
+    boost::system::error_code error;
+    boost::asio::read_until(socket, boost::asio::dynamic_buffer(request), "\r\n\r\n", error);
     const size_t sp = request.find(' ');
     const std::string target =
         sp == std::string::npos ? "" : request.substr(sp + 1, request.find(' ', sp + 1) - sp - 1);
@@ -108,13 +101,8 @@ class RemoteSite {
       head += "Content-Length: " + std::to_string(reply.body.size()) + "\r\n";
     for (const auto& h : reply.headers) head += h + "\r\n";
     const std::string bytes = head + "\r\n" + (reply.stall ? reply.body.substr(0, 10) : reply.body);
-    for (size_t sent = 0; sent < bytes.size();) {
-      const ssize_t n = send(fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-      if (n <= 0) break;
-      sent += static_cast<size_t>(n);
-    }
+    boost::asio::write(socket, boost::asio::buffer(bytes), error);
     if (reply.stall) Wait(1 << 30);
-    close(fd);
   }
 
   // Sleeps `ms`, or less when the site is being closed.
@@ -123,8 +111,9 @@ class RemoteSite {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
 
-  int listener_ = socket(AF_INET, SOCK_STREAM, 0);
-  int port_ = 0;
+  boost::asio::io_context io_;
+  boost::asio::ip::tcp::acceptor listener_{io_, {boost::asio::ip::address_v4::loopback(), 0}};
+  const int port_ = listener_.local_endpoint().port();
   std::atomic<bool> stopping_{false};
   std::thread acceptor_;
   mutable std::mutex mutex_;

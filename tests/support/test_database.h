@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -24,7 +23,6 @@
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "platform/ado/pg_backend.h"
 
@@ -44,35 +42,41 @@ inline bool OnPostgres() {
   return choice && std::string(choice) == "postgresql";
 }
 
+// Starts or stops a throwaway PostgreSQL cluster in `dir` (pg_cluster.sh's commands); 0 when it
+// did.
+inline int PgCluster(const std::string& command, const std::string& dir) {
+  const std::string script = (SourceDir() / "tests/support/pg_cluster.sh").string();
+  return std::system(("bash " + script + " " + command + " " + dir).c_str());
+}
+
 // The socket folder of the cluster the tests use (started on first use when none is given).
 inline const std::string& ClusterSocketDir() {
   struct OwnCluster {
     std::string dir;
+    bool started = false;
     OwnCluster() {
       if (const char* given = std::getenv("OSTRAKAN_TEST_PG"); given && *given) {
         dir = given;
         return;
       }
       dir = "/tmp/ostrakan-pg-" + std::to_string(getpid());
-      const std::string script = (SourceDir() / "tests/support/pg_cluster.sh").string();
-      if (std::system(("bash " + script + " start " + dir).c_str()) != 0)
+      if (PgCluster("start", dir) != 0)
         throw std::runtime_error("cannot start a PostgreSQL cluster in " + dir);
       started = true;
     }
     ~OwnCluster() {
       if (!started) return;
       ado::DropIdleServerSessions();
-      const std::string script = (SourceDir() / "tests/support/pg_cluster.sh").string();
-      [[maybe_unused]] int rc = std::system(("bash " + script + " stop " + dir).c_str());
+      PgCluster("stop", dir);
     }
-    bool started = false;
   };
   static OwnCluster cluster;
   return cluster.dir;
 }
 
-inline std::string ServerUri(const std::string& database) {
-  return "postgresql:///" + database + "?host=" + ClusterSocketDir() + "&user=ostrakan";
+inline std::string ServerUri(const std::string& database,
+                             const std::string& socketDir = ClusterSocketDir()) {
+  return "postgresql:///" + database + "?host=" + socketDir + "&user=ostrakan";
 }
 
 // Runs SQL on PostgreSQL (several statements may follow each other); the first column of the
