@@ -22,16 +22,14 @@ class Recorder : public SitePage {
     Block(u"Show", [this] { CurrentResponse().Write(u"[" + HtmlText(TextOf(id)) + u"]"); });
     Block(u"Stop", [] { CurrentResponse().Write(u"stopped"), EndResponse(); });
     Method(u"Crash", [](Args&) -> Variant { throw std::runtime_error("boom"); });
-    Method(
-        u"Wide",
-        [](Args& args) {
-          CurrentResponse().Write(
-              HtmlText(FromUtf8(std::to_string(args.size()))));  // up to its arity
-          return Variant();
-        },
-        3);
+    Method(u"Wide", WriteCount, 3);
   }
   ~Recorder() override { --alive; }
+  // Writes how many arguments it was given (up to its arity).
+  static Variant WriteCount(Args& args) {
+    CurrentResponse().Write(HtmlText(FromUtf8(std::to_string(args.size()))));
+    return Variant();
+  }
 };
 
 class PageRunnerTest : public ::testing::Test {
