@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "admin/html_scan.h"
+#include "frame/filtration.h"
 #include "gathering/id_rule.h"
 #include "gathering/list_rule.h"
 #include "http/site_fixture.h"
@@ -35,10 +36,8 @@ std::u16string HostileWithoutApostrophe(std::u16string_view field) {
   return text;
 }
 
-std::string Quoted(std::u16string_view text) {
-  std::string out = "'";
-  for (char c : ToUtf8(text)) out += c == '\'' ? std::string("''") : std::string(1, c);
-  return out + "'";
+std::string Quoted(const std::u16string& text) {
+  return "'" + ToUtf8(ReplaceAll(text, u"'", u"''")) + "'";
 }
 
 // Every problem of one answer: markup or an event attribute that came from the stored text,
