@@ -124,8 +124,9 @@ export async function addRule({ site, page, dialogs }, kind, fields) {
   await page.goto(`${site.base}/admin/gather_${kind}_web_add.asp`);
   await fill(page, fields);
   await page.selectOption('select[name=charset]', 'utf-8');
+  const before = dialogs.length;
   await Promise.all([page.waitForURL(new RegExp(`gather_${kind}_web_manage\\.asp`)), page.click('input[type=submit]')]);
-  if (!dialogs.includes('添加成功！')) throw new Error(`the rule was not added: ${dialogs}`);
+  if (dialogs.at(-1) !== '添加成功！' || dialogs.length === before) throw new Error(`the rule was not added: ${dialogs}`);
 }
 
 // Clicks `selector` and waits for the page it loads.
