@@ -18,9 +18,9 @@ std::vector<std::u16string> Fields(const std::u16string& text) {
   return fields;
 }
 
-class IdRunPages : public AdminPages {
+class GatheringRunPages : public AdminPages {
  protected:
-  IdRunPages() {
+  GatheringRunPages() {
     remote.Set("/html/1.html",
                {200, "<html><H1>Hello World</H1><div class=\"d\">Other</div></html>"});
     remote.Set("/html/2.html", {200, "<html><p class=\"none\">no data</p></html>"});
@@ -28,6 +28,7 @@ class IdRunPages : public AdminPages {
     Sql(site.database(),
         "insert into gather_id_web (id, web, range) values (7, 'a', ''), (8, 'b', 'x')");
   }
+  ~GatheringRunPages() override { http::SetDefaultFetcher(nullptr); }
 
   // The nine fields of rule 7, for the remote site's pages /html/<id>.html.
   std::vector<std::u16string> RuleFields(const std::u16string& titleStart = u"<h1>") {
@@ -42,8 +43,8 @@ class IdRunPages : public AdminPages {
   }
   // The verify page (Class43) for rule 7.
   PageRun Verify(const std::u16string& from, const std::u16string& to,
-                 const std::u16string& titleStart = u"<h1>") {
-    const Keys query = {{u"id", u"7"}, {u"Action", u"ok"}, {u"ID_Start", from}, {u"ID_End", to}};
+                 const std::u16string& titleStart = u"<h1>", const std::u16string& id = u"7") {
+    const Keys query = {{u"id", id}, {u"Action", u"ok"}, {u"ID_Start", from}, {u"ID_End", to}};
     return Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields(titleStart));
   }
   // One step of a run (Class53).
@@ -63,7 +64,7 @@ class IdRunPages : public AdminPages {
 
 // What each ID gives is the rule trial test's below; here, when the page fetches and what it
 // escapes.
-TEST_F(IdRunPages, VerifyFetchesOnlyWhenAskedAndEscapesWhatItShows) {
+TEST_F(GatheringRunPages, VerifyFetchesOnlyWhenAskedAndEscapesWhatItShows) {
   // Without Action=ok only the form is shown; a start above the end fetches nothing.
   EXPECT_EQ(Run(u"Ostrakan.Class43", 2, {{u"id", u"7"}}, {}, {}, RuleFields()).text, u"影视站");
   EXPECT_EQ(Verify(u"5", u"4").text, u"影视站7");
@@ -72,14 +73,12 @@ TEST_F(IdRunPages, VerifyFetchesOnlyWhenAskedAndEscapesWhatItShows) {
 
   // What the pages and the request bring is escaped.
   remote.Set("/html/1.html", {200, "<h1>a&amp;b</h1>"});
-  const Keys query = {
-      {u"id", u"7\"><script>"}, {u"Action", u"ok"}, {u"ID_Start", u"1"}, {u"ID_End", u"1"}};
-  EXPECT_EQ(Run(u"Ostrakan.Class43", 3, query, {}, {}, RuleFields()).text,
+  EXPECT_EQ(Verify(u"1", u"1", u"<h1>", u"7\"><script>").text,
             u"a&amp;amp;b<br>a&amp;amp;b<br>" + Address(u"1") +
                 u"<br><br>影视站7&quot;&gt;&lt;script&gt;");
 }
 
-TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
+TEST_F(GatheringRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
   EXPECT_EQ(Verify(u"1", u"2", u"<h1>(").text, u"影视站7");
   EXPECT_TRUE(Holds(site.log(),
                     "\\admin\\gather_id_web_verify, InitFunction1: Syntax error in "
@@ -99,7 +98,7 @@ TEST_F(IdRunPages, ABadMarkerOrRangeIsLoggedAndTheFormStillShows) {
 }
 
 // The pages' flow from step to step is tested over HTTP; here, what a step hands on.
-TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
+TEST_F(GatheringRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
   EXPECT_TRUE(
       Holds(Step(u"7", u"1", u"3").text, u"gather_id_db_ok.asp?ID=7&ID_Start=2&DB_Num=1&ID_End=3"));
   EXPECT_EQ(
@@ -115,7 +114,7 @@ TEST_F(IdRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
   EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Object required"));
 }
 
-TEST_F(IdRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
+TEST_F(GatheringRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
   Step(u"7 or 1=1", u"4", u"4");
   EXPECT_EQ(Ranges(), "|x");
   EXPECT_TRUE(Holds(site.log(), "InitFunction1: Syntax error in UPDATE statement."));
@@ -123,13 +122,7 @@ TEST_F(IdRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
                     u"ID=7%27%29%3Balert%281%29%3B%28%27&ID_Start=2"));
 }
 
-class RuleTrialPages : public AdminPages {
- protected:
-  ~RuleTrialPages() override { http::SetDefaultFetcher(nullptr); }
-  RemoteSite remote;
-};
-
-TEST_F(RuleTrialPages, TheListTestSaysWhatEachPageMatchedAndWhyAFetchFailed) {
+TEST_F(GatheringRunPages, TheListTestSaysWhatEachPageMatchedAndWhyAFetchFailed) {
   remote.Set("/r/1.html", {200, FixtureResultPage(1, 3)});
   remote.Set("/r/2.html", {200, "<div class=\"none\">nothing</div>"});
   remote.Set("/r/3.html", {404, "gone"});
@@ -161,7 +154,7 @@ TEST_F(RuleTrialPages, TheListTestSaysWhatEachPageMatchedAndWhyAFetchFailed) {
     EXPECT_TRUE(Holds(run.text, said));
 }
 
-TEST_F(RuleTrialPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
+TEST_F(GatheringRunPages, TheIdTestSaysWhatEachIdGaveAndARefusedRedirect) {
   RemoteSite inside;
   remote.Set("/id/1.html", {200, "<html><h1>Film 影片 1</h1></html>"});
   remote.Set("/id/2.html", {200, "<div class=\"none\">no such video</div>"});

@@ -71,11 +71,10 @@ TEST_F(IdRulePages, QuotedMarkersSurviveFormDatabaseRuleFileAndPage) {
   const auto arms = engine::ParseCaseArms(RuleFile());
   ASSERT_EQ(arms.size(), 1u);
   EXPECT_EQ(arms[0].label, u"\"1\"");
+  // The page receives the markers as posted and cuts with them (every field's round trip through
+  // the file is the rule file's test).
   std::map<std::u16string, std::u16string> values;
   for (const auto& a : arms[0].values) values[a.name] = a.value;
-  EXPECT_EQ(values.size(), 9u);
-  EXPECT_EQ(values[u"Web"] + values[u"Error_Html"], u"站点A<p class=\"err\">");
-  // The page receives the markers as posted and cuts with them.
   EXPECT_EQ(gathering::GetText(u"<H1 class=\"t\">Some Film</H1>", values[u"Title_Start"],
                                values[u"Title_End"]),
             u"some film");

@@ -138,7 +138,7 @@ TEST_F(SearchPage, ThePagerLinksKeepFieldAndWord) {
   EXPECT_TRUE(ReturnUrl().ends_with(u"&page=2"));
 }
 
-TEST_F(SearchPage, TheWordIsFilteredBeforeItIsSearchedAndShown) {
+TEST_F(SearchPage, TheWordIsFilteredBeforeItIsSearchedAndAnEmptyOneIsRefused) {
   EXPECT_EQ(Found(u"title", u"  pan'(da)  "), std::vector<int>{2});
   EXPECT_EQ(ReturnUrl(), u"db_search.asp?action=title&keyword=panda&page=1");
   // A quote cannot reach the SQL text, so this finds nothing instead of everything.
@@ -147,9 +147,8 @@ TEST_F(SearchPage, TheWordIsFilteredBeforeItIsSearchedAndShown) {
   // Two blanks in a row are searched as one.
   Sql(site.database(), "insert into db (title) values ('a b')");
   EXPECT_EQ(Found(u"title", u"a  b"), std::vector<int>{5});
-}
 
-TEST_F(SearchPage, AnEmptyWordIsRefusedAndNoWordAtAllIsNotASearch) {
+  // A word that filtering empties is refused; no word at all is not a search.
   session->Set(u"url", Variant(u"db_list.asp?page=1"));
   for (const char16_t* word : {u"", u"'()", u"   ", u"<%>"}) {
     PageRun run = SearchRun({{u"action", u"title"}, {u"keyword", word}});
