@@ -23,6 +23,13 @@ std::vector<std::u16string> Fields(const std::u16string& text) {
   return fields;
 }
 
+// The ID rules as "id:web:range|...".
+std::string IdRules(const TestSite& site) {
+  return SqlValue(site.database(),
+                  "select group_concat(id || ':' || web || ':' || coalesce(range, ''), '|') from "
+                  "(select * from gather_id_web order by id) as t");
+}
+
 class GatheringRunPages : public AdminPages {
  protected:
   GatheringRunPages() {
@@ -58,10 +65,6 @@ class GatheringRunPages : public AdminPages {
     Keys query = {{u"ID", id}, {u"ID_Start", from}, {u"ID_End", to}};
     if (!dbNum.empty()) query.emplace_back(u"DB_Num", dbNum);
     return Run(u"Ostrakan.Class53", 1, query, {}, {}, RuleFields(titleStart));
-  }
-  std::string Ranges() {
-    return Value(
-        "select group_concat(range, '|') from (select range from gather_id_web order by id) as t");
   }
 
   RemoteSite remote;
@@ -113,7 +116,7 @@ TEST_F(GatheringRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
   // Start 1, end 3: the request for 3 writes 3 - 2 = 1 as the start of the range. The last ID
   // is fetched, but its store fails for want of the connection (logged).
   EXPECT_EQ(Step(u"7", u"3", u"3", u"2").text.find(u"Next_Page"), std::u16string::npos);
-  EXPECT_EQ(Ranges(), "1 - 3|x");
+  EXPECT_EQ(IdRules(site), "7:a:1 - 3|8:b:x");
   EXPECT_EQ(remote.Requests().back(), "/html/3.html");
   EXPECT_EQ(Value("select count(*) from db"), "1");
   EXPECT_TRUE(Holds(site.log(), "\\admin\\gather_id_db_ok, InitFunction1: Object required"));
@@ -121,7 +124,7 @@ TEST_F(GatheringRunPages, AStepStoresItsIdAndTheLastOnlyWritesTheRange) {
 
 TEST_F(GatheringRunPages, RequestTextNeverReachesTheStatementsOrTheScript) {
   Step(u"7 or 1=1", u"4", u"4");
-  EXPECT_EQ(Ranges(), "|x");
+  EXPECT_EQ(IdRules(site), "7:a:|8:b:x");
   EXPECT_TRUE(Holds(site.log(), "InitFunction1: Syntax error in UPDATE statement."));
   EXPECT_TRUE(Holds(Step(u"7');alert(1);('", u"1", u"3").text,
                     u"ID=7%27%29%3Balert%281%29%3B%28%27&ID_Start=2"));
@@ -228,11 +231,6 @@ class IdRulePages : public AdminPages {
   std::u16string RuleFile() const {
     return text::Decode(ReadFile(site.root() / "admin/gather_id_web_list.asp"), 936);
   }
-  std::string Rules() const {
-    return Value(
-        "select group_concat(id || ':' || web || ':' || coalesce(range, ''), '|') from "
-        "(select * from gather_id_web order by id) as t");
-  }
 
   const std::filesystem::path templatePath =
       site.root() / "admin/template/gather_id_web_template.asp";
@@ -290,7 +288,7 @@ TEST_F(IdRulePages, TheRuleFileFollowsAddAndEditButNotDelete) {
   EXPECT_EQ(Delete(u"remove", u"2").text, u"");  // any other action than "del" does nothing
   Sql(site.database(), "update gather_id_web set range='1 - 9' where id=2");
   EXPECT_EQ(Store(u"2", u"B2").text, Saved(Alert(u"修改成功！")));
-  EXPECT_EQ(Rules(), "2:B2:1 - 9");  // the range is kept
+  EXPECT_EQ(IdRules(site), "2:B2:1 - 9");  // the range is kept
   ASSERT_TRUE(RebuildRuleFile().completed);
   EXPECT_EQ(RuleFile().find(u"Case \"1\""), std::u16string::npos);
   EXPECT_TRUE(Holds(RuleFile(), u"Web=\"B2\" \r\n"));

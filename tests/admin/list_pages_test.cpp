@@ -10,6 +10,12 @@ namespace {
 using namespace testing;
 using records::PagerLine;
 
+// Runs `insert` ("insert into ... select ...", over i) for i = 1 .. n.
+void AddRows(const TestSite& site, int n, const std::string& insert) {
+  Sql(site.database(), "with recursive n(i) as (select 1 union all select i + 1 from n where i < " +
+                           std::to_string(n) + ") " + insert + " from n");
+}
+
 // Which page is shown is the record list's test below; here, which neighbours are links.
 TEST(Pager, LinksOnlyWhereThereIsAPageToGoTo) {
   const records::PagerStyle records{u"条记录", false}, keywords{u"个关键词", true};
@@ -28,18 +34,11 @@ TEST(Pager, LinksOnlyWhereThereIsAPageToGoTo) {
 
 class RecordList : public AdminPages {
  protected:
-  // Records 1 .. n.
-  void AddRecords(int n) {
-    Sql(site.database(),
-        "with recursive n(i) as (select 1 union all select i + 1 from n where i < " +
-            std::to_string(n) +
-            ") insert into db (id, title, url) select i, 't' || i, 'v' || i from n");
-  }
   PageRun List(const Keys& query = {}) { return Run(u"Ostrakan.Class30", 4, query); }
 };
 
 TEST_F(RecordList, PagesShowTheirRowsAndClampToTheLast) {
-  AddRecords(45);
+  AddRows(site, 45, "insert into db (id, title, url) select i, 't' || i, 'v' || i");
   PageRun first = List();
   EXPECT_EQ(Ids(first.text), Descending(45, 26));  // newest first
   EXPECT_TRUE(Holds(first.text, u"页次：1/3页"));
@@ -122,9 +121,7 @@ TEST_F(SearchPage, FindsTheWordInTheChosenFieldOnly) {
 }
 
 TEST_F(SearchPage, ThePagerLinksKeepFieldAndWord) {
-  Sql(site.database(),
-      "with recursive n(i) as (select 1 union all select i + 1 from n where i < 21) "
-      "insert into db (title) select 'Panda&' || i from n");
+  AddRows(site, 21, "insert into db (title) select 'Panda&' || i");
   const std::u16string first = SearchRun({{u"action", u"title"}, {u"keyword", u"panda&"}}).text;
   EXPECT_EQ(Ids(first), Descending(25, 6));
   // The word's "&" is percent-encoded, so the link carries the whole word.
@@ -167,10 +164,7 @@ class KeywordPages : public AdminPages {
  protected:
   // Adds `count` keywords "<stem>1", "<stem>2" ... (ids follow on).
   void AddWords(int count, const std::string& stem = "word") {
-    Sql(site.database(),
-        "with recursive n(i) as (select 1 union all select i + 1 from n where i < " +
-            std::to_string(count) + ") insert into keyword (keyword, hot) select '" + stem +
-            "' || i, i from n");
+    AddRows(site, count, "insert into keyword (keyword, hot) select '" + stem + "' || i, i");
   }
   PageRun ListRun(const Keys& query) { return Run(u"Ostrakan.Class10", 5, query); }
   std::u16string List(const Keys& query) { return ListRun(query).text; }
