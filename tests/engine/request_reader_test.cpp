@@ -139,7 +139,7 @@ std::u16string Pairs(const KeyedValues& values) {
   return shown;
 }
 
-TEST(UrlEncoded, DecodesTheBytesInTheCodePageWithoutEatingNeighbours) {
+TEST(UrlEncoded, FormsAndCookiesDecodeInTheCodePageWithoutEatingNeighbours) {
   KeyedValues gbk, utf8, cookies;
   // "你好" in GBK is C4 E3 BA C3; in UTF-8 it is E4 BD A0 E5 A5 BD. A lead byte cut off at the
   // end is one replacement character.
