@@ -78,26 +78,17 @@ TEST(PageFile, SyntaxErrorsNameTheirLine) {
         u"<%= %>", u"<% a.b = 1 %>", u"<% x = 99999999999 %>", u"<% x = 1 + 1 %>"})
     EXPECT_EQ(ErrorOf(c + bad).first, 2) << ToUtf8(bad);
   EXPECT_EQ(ErrorOf(c + u"\n<%@ Component=\"D\" %>").first, 3);  // a second component
-  EXPECT_EQ(ErrorOf(u"<%@ Language=\"VBScript\" %>").second,
-            "unknown directive 'Language' (expected Component or Rule)");
-  EXPECT_EQ(ErrorOf(u"<%@ %>").second, "empty directive");
-  EXPECT_EQ(ErrorOf(u"<%@ Component=C %>").first, 1);
-}
-
-TEST(PageFile, ComponentStatementsNeedAComponentDirective) {
-  EXPECT_EQ(ErrorOf(u"a\n<% InitFunction1 %>"),
-            std::make_pair(2, std::string("'InitFunction1' needs a Component directive")));
-  EXPECT_EQ(ErrorOf(u"<%= Title %>").second, "'Title' needs a Component directive");
-  EXPECT_EQ(ErrorOf(u"<% x = 1 %>").first, 1);
+  // Directives unknown, empty or unquoted; component statements without a Component directive.
+  for (const char16_t* bad : {u"<%@ Language=\"VBScript\" %>", u"<%@ %>", u"<%@ Component=C %>",
+                              u"<%= Title %>", u"<% x = 1 %>"})
+    EXPECT_EQ(ErrorOf(bad).first, 1) << ToUtf8(bad);
+  EXPECT_EQ(ErrorOf(u"a\n<% InitFunction1 %>").first, 2);
   EXPECT_EQ(ErrorOf(u"\n<%@ Rule=\"r.asp\" %>").second,
             "a Rule directive needs a Component directive");
-}
-
-TEST(PageFile, ARuleNamesAFileInThePagesFolder) {
-  for (const char16_t* bad : {u"../x.asp", u"sub/x.asp", u"a\\b", u"..", u""}) {
-    std::u16string page = u"<%@ Component=\"C\" Rule=\"" + std::u16string(bad) + u"\" %>";
-    EXPECT_EQ(ErrorOf(page).second, "Rule names a file in the page's folder") << ToUtf8(bad);
-  }
+  // A Rule names a file in the page's folder.
+  for (const char16_t* bad : {u"../x.asp", u"sub/x.asp", u"a\\b", u"..", u""})
+    EXPECT_EQ(ErrorOf(u"<%@ Component=\"C\" Rule=\"" + std::u16string(bad) + u"\" %>").first, 1)
+        << ToUtf8(bad);
 }
 
 // A page component that records what the page file did to it.
