@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "admin/html_scan.h"
+#include "frame/filtration.h"
 #include "gathering/id_rule.h"
 #include "gathering/list_rule.h"
 #include "http/site_fixture.h"
@@ -35,10 +36,8 @@ std::u16string HostileWithoutApostrophe(std::u16string_view field) {
   return text;
 }
 
-std::string Quoted(std::u16string_view text) {
-  std::string out = "'";
-  for (char c : ToUtf8(text)) out += c == '\'' ? std::string("''") : std::string(1, c);
-  return out + "'";
+std::string Quoted(const std::u16string& text) {
+  return "'" + ToUtf8(ReplaceAll(text, u"'", u"''")) + "'";
 }
 
 // Every problem of one answer: markup or an event attribute that came from the stored text,
@@ -65,16 +64,20 @@ std::vector<std::string> Problems(std::u16string_view html) {
   return found;
 }
 
-// An insert of Hostile("<prefix>.<column>") into each column; the rules' addresses, which the
-// run pages fetch, stay on loopback.
+// What the tests store in `column` of a table whose texts are named `prefix`: the rules'
+// addresses, which the run pages fetch, stay on loopback.
+std::u16string Stored(const std::u16string& prefix, const std::u16string& column) {
+  return (column == u"gather_url" ? u"http://127.0.0.1:1/[page]/[id]/" : u"") +
+         Hostile(prefix + u"." + column);
+}
+
+// An insert of Stored(prefix, column) into each column.
 std::string InsertHostile(const std::string& table, const std::u16string& prefix,
                           const std::vector<std::u16string>& columns) {
   std::string names, values;
   for (const std::u16string& column : columns) {
     names += (names.empty() ? "\"" : ",\"") + ToUtf8(column) + "\"";
-    values += (values.empty() ? "" : ",") +
-              Quoted((column == u"gather_url" ? u"http://127.0.0.1:1/[page]/[id]/" : u"") +
-                     Hostile(prefix + u"." + column));
+    values += (values.empty() ? "" : ",") + Quoted(Stored(prefix, column));
   }
   return "insert into " + table + " (" + names + ") values (" + values + ");";
 }
@@ -196,19 +199,16 @@ TEST_F(HostileText, EditFormsShowExactlyWhatIsStored) {
     for (const auto& [tag, text] : scan.textareas) out.emplace_back(tag.Attribute(u"name"), text);
     return out;
   };
-  const auto record = fields(Text(Get("/admin/db_edit.asp?id=1")));
-  ASSERT_EQ(record.size(), 5u);
-  for (const auto& [name, value] : record) EXPECT_EQ(value, Hostile(u"db." + name)) << ToUtf8(name);
-
-  const auto listRule = fields(Text(Get("/admin/gather_list_web_edit.asp?id=1")));
-  ASSERT_EQ(listRule.size(), gathering::ListRuleFields().size() - 1);  // the charset is a select
-  for (const auto& [name, value] : listRule)
-    EXPECT_TRUE(value.ends_with(Hostile(u"list." + name))) << ToUtf8(name);
-
-  const auto idRule = fields(Text(Get("/admin/gather_id_web_edit.asp?id=1")));
-  ASSERT_EQ(idRule.size(), gathering::kIdRuleColumns.size() - 1);
-  for (const auto& [name, value] : idRule)
-    EXPECT_TRUE(value.ends_with(Hostile(u"id." + name))) << ToUtf8(name);
+  // (A rule's charset is a select.)
+  for (const auto& [page, prefix, count] :
+       {std::tuple<std::string, std::u16string, size_t>{"db_edit.asp?id=1", u"db", 5},
+        {"gather_list_web_edit.asp?id=1", u"list", gathering::ListRuleFields().size() - 1},
+        {"gather_id_web_edit.asp?id=1", u"id", gathering::kIdRuleColumns.size() - 1}}) {
+    SCOPED_TRACE(page);
+    const auto shown = fields(Text(Get("/admin/" + page)));
+    ASSERT_EQ(shown.size(), count);
+    for (const auto& [name, value] : shown) EXPECT_EQ(value, Stored(prefix, name)) << ToUtf8(name);
+  }
 }
 
 }  // namespace

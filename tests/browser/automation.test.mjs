@@ -6,7 +6,7 @@ import assert from 'node:assert/strict';
 import { execFile } from 'node:child_process';
 import { readFileSync } from 'node:fs';
 import { promisify } from 'node:util';
-import { useSite, screenshot, fill, clickToLoad } from './harness.mjs';
+import { useSite, screenshot, fill, clickToLoad, addRule } from './harness.mjs';
 
 // Result page n of the fixture site: three entries, UTF-8; page 2 fails until `healed`.
 let healed = false;
@@ -22,20 +22,19 @@ const fixture = useSite({ answer });
 // Runs the ostrakan command (without blocking: the fixture site answers from this process).
 const ostrakan = async (...args) => (await promisify(execFile)(process.env.OSTRAKAN_BINARY, args)).stdout;
 
-// A list rule for the fixture site, added straight to the database; its id.
-function addRule(name) {
-  const { site, remote } = fixture;
-  site.sql(`insert into gather_list_web (web, url, gather_url, next_page, charset, error_html, cyc_border,
-    cyc_border_sn, image_start, image_end, url_start, url_end, url_filtration, v_url, title_start, title_end,
-    title_filtration, content_start, content_end, content_filtration) values ('${name}', 'http://remote.test/',
-    '${remote.base}/s/[page].html?q=[keyword]', '1', 'utf-8', '<div class="none">', '<li class="v">', '1', '', '',
-    '<a href="', '" title', '', 'http://remote.test/', 'title="x">', '</a>', '', '<p>', '</p>', '');`);
-  return site.sql('select max(id) from gather_list_web;');
+// A list rule for the fixture site, added through its form; its id.
+async function addListRule(web) {
+  await addRule(fixture, 'list', {
+    web, url: 'http://remote.test/', gather_url: `${fixture.remote.base}/s/[page].html?q=[keyword]`, next_page: '1',
+    error_html: '<div class="none">', cyc_border: '<li class="v">', cyc_border_sn: '1', url_start: '<a href="', url_end: '" title',
+    v_url: 'http://remote.test/', title_start: 'title="x">', title_end: '</a>', content_start: '<p>', content_end: '</p>',
+  });
+  return fixture.site.sql('select max(id) from gather_list_web;');
 }
 
 test('the schedule page adds, refuses, edits and removes a schedule', async () => {
   const { site, page } = fixture;
-  const rule = addRule('定时站');
+  const rule = await addListRule('定时站');
   await page.goto(`${site.base}/admin/gather_schedule.asp`);
   assert.match(await page.content(), /还没有定时采集/);
   await fill(page, { rule_id: rule, keywords: '功夫\n喜剧', pages: '5-1', every: '6h' });
@@ -59,7 +58,7 @@ test('the schedule page adds, refuses, edits and removes a schedule', async () =
 
 test('the runs page shows queued and failed runs, stops one and queues failed pages again', async () => {
   const { site, page } = fixture;
-  const rule = addRule('记录站');
+  const rule = await addListRule('记录站');
   const queue = async (word) => JSON.parse(await ostrakan('gather', '--site', site.site, 'list', rule, '--keyword', word,
     '--pages', '1-3', '--delay-ms', '0', '--retries', '0', '--queue', '--json')).run;
   const failing = await queue('功夫');
@@ -85,20 +84,20 @@ test('the runs page shows queued and failed runs, stops one and queues failed pa
 
 test('rules are exported, previewed and imported, and tried with a typed keyword', async () => {
   const { site, remote, context, page, alertOf } = fixture;
-  const rule = addRule('导出站 "甲"');
+  const rule = await addListRule('导出站 <甲>');
   await page.goto(`${site.base}/admin/gather_list_web_manage.asp`);
   await page.check(`input[name=id][value="${rule}"]`);
   const [download] = await Promise.all([page.waitForEvent('download'), page.click('input[value=导出选中的规则]')]);
   const file = await download.path();
-  assert.equal(JSON.parse(readFileSync(file, 'utf8')).rules[0].web, '导出站 "甲"');
+  assert.equal(JSON.parse(readFileSync(file, 'utf8')).rules[0].web, '导出站 <甲>');
 
   await page.setInputFiles('input[name=file]', file);
   await Promise.all([page.waitForURL(/gather_rules_import\.asp/), page.click('input[value=预览导入]')]);
-  assert.match(await page.textContent('table.list'), /列表采集导出站 "甲"/);
+  assert.match(await page.textContent('table.list'), /列表采集导出站 <甲>/);
   await screenshot(page, 'rules-import-preview');
   assert.equal(await alertOf('input[value=确认导入]'), '导入成功！共添加 1 条规则。');
   await page.waitForURL(/gather_list_web_manage\.asp/);
-  assert.equal(site.sql(`select count(*) from gather_list_web where web = '导出站 "甲"';`), '2');
+  assert.equal(site.sql(`select count(*) from gather_list_web where web = '导出站 <甲>';`), '2');
 
   // The test pop-up of the new rule: a typed keyword and pages, each page summed up.
   const [popup] = await Promise.all([context.waitForEvent('page'), page.click('span:text-is("测试") >> nth=0')]);

@@ -2,10 +2,11 @@
 // Chromium signed in to it with every dialog recorded, a fixture remote site, and the database.
 import { spawn, execFileSync } from 'node:child_process';
 import { mkdtempSync, readFileSync, rmSync, mkdirSync } from 'node:fs';
-import { createServer as createTcpServer } from 'node:net';
+import { once } from 'node:events';
 import { createServer } from 'node:http';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
+import { createInterface } from 'node:readline';
 import { before, after } from 'node:test';
 import { chromium } from 'playwright-core';
 
@@ -16,17 +17,6 @@ export const screenshotDir = process.env.OSTRAKAN_SCREENSHOTS ?? join(tmpdir(), 
 mkdirSync(screenshotDir, { recursive: true });
 export const screenshot = (page, name) => page.screenshot({ path: join(screenshotDir, `${name}.png`), fullPage: true });
 
-function freePort() {
-  return new Promise((resolve, reject) => {
-    const server = createTcpServer();
-    server.once('error', reject);
-    server.listen(0, '127.0.0.1', () => {
-      const { port } = server.address();
-      server.close(() => resolve(port));
-    });
-  });
-}
-
 // A new site made by `ostrakan init` (administrator admin, password secret123), served until
 // stop(). `prepare(siteDir)`, when given, runs between making the site and serving it. The
 // benchmarks in bench/ use it too, `program` to serve with another build.
@@ -35,16 +25,13 @@ export async function startSite({ prepare, program = binary } = {}) {
   const site = join(dir, 'site');
   execFileSync(program, ['init', site, '--password', 'secret123']);
   if (prepare) await prepare(site);
-  const port = await freePort();
-  const child = spawn(program, ['serve', '--site', site, '--listen', `127.0.0.1:${port}`], {
-    stdio: ['ignore', 'ignore', 'inherit'],
+  // Served on a port the system picks; the server's first line names it once it listens.
+  const child = spawn(program, ['serve', '--site', site, '--listen', '127.0.0.1:0'], {
+    stdio: ['ignore', 'pipe', 'inherit'],
   });
-  const base = `http://127.0.0.1:${port}`;
-  for (let i = 0; ; i++) {
-    if (child.exitCode !== null || i === 200) throw new Error(`server did not start (${child.exitCode})`);
-    if (await fetch(`${base}/admin/index.asp`).then(() => true, () => false)) break;
-    await new Promise((r) => setTimeout(r, 50));
-  }
+  const [line] = await Promise.race([once(createInterface({ input: child.stdout }), 'line'),
+    once(child, 'exit').then(([code]) => { throw new Error(`server did not start (${code})`); })]);
+  const base = /sign in at (http:\/\/127\.0\.0\.1:\d+)/.exec(line)[1];
   return {
     base,
     site,
@@ -137,8 +124,9 @@ export async function addRule({ site, page, dialogs }, kind, fields) {
   await page.goto(`${site.base}/admin/gather_${kind}_web_add.asp`);
   await fill(page, fields);
   await page.selectOption('select[name=charset]', 'utf-8');
+  const before = dialogs.length;
   await Promise.all([page.waitForURL(new RegExp(`gather_${kind}_web_manage\\.asp`)), page.click('input[type=submit]')]);
-  if (!dialogs.includes('添加成功！')) throw new Error(`the rule was not added: ${dialogs}`);
+  if (dialogs.at(-1) !== '添加成功！' || dialogs.length === before) throw new Error(`the rule was not added: ${dialogs}`);
 }
 
 // Clicks `selector` and waits for the page it loads.

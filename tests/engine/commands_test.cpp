@@ -166,30 +166,24 @@ TEST_F(Commands, CommandsWaitForAWriterInsteadOfFailing) {
   EXPECT_EQ(Value("select password from admin"), Digest("fresh123"));
 }
 
-// The one reading of every command's arguments.
-const CommandGrammar kGrammar{{"--json"}, {"--site", "--keyword"}, true};
-
-TEST(CommandLine, ReadsFlagsRepeatedOptionsAndWordsInAnyOrder) {
+// The one reading of every command's arguments: flags, repeated options and words in any
+// order, or a refusal in one sentence.
+TEST(CommandLine, ReadsFlagsRepeatedOptionsAndWordsInAnyOrderOrRefusesWithOneSentence) {
   std::string problem;
   const auto line = CommandLine::Read({"list", "--keyword", "电影", "--site", "a", "3", "--json",
                                        "--keyword", "--json", "--site", "b"},
-                                      kGrammar, problem);
+                                      {{"--json"}, {"--site", "--keyword"}, true}, problem);
   ASSERT_TRUE(line) << problem;
   EXPECT_TRUE(line->Has("--json"));
   EXPECT_EQ(*line->Value("--site"), "b");  // the last one given
   EXPECT_EQ(line->Values("--keyword"), (std::vector<std::string>{"电影", "--json"}));
   EXPECT_EQ(line->words(), (std::vector<std::string>{"list", "3"}));
   EXPECT_EQ(line->Value("--other"), nullptr);
-}
 
-TEST(CommandLine, RefusesWithOneSentence) {
-  const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
-      {{"--site"}, "--site needs a value"},
-      {{"--site", "a", "--sit", "b"}, "unknown option \"--sit\""},
-      {{"-json"}, "unknown argument \"-json\""},
-  };
-  for (const auto& [args, sentence] : cases) {
-    std::string problem;
+  for (const auto& [args, sentence] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+           {{"--site"}, "--site needs a value"},
+           {{"--site", "a", "--sit", "b"}, "unknown option \"--sit\""},
+           {{"-json"}, "unknown argument \"-json\""}}) {
     EXPECT_FALSE(CommandLine::Read(args, {{"--json"}, {"--site"}}, problem));
     EXPECT_EQ(problem, sentence);
   }

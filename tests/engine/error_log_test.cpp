@@ -74,10 +74,8 @@ TEST_F(ClockSeam, TheLogAndStoredRecordsCarryTheClocksTime) {
   Run(u"Ostrakan.Class39", 3, {},
       {{u"title", u"entered"}, {u"url", u"v.com/1"}, {u"source", u"s"}, {u"source_url", u"s.com"}});
   clock.Advance(61);
-  auto conn = std::make_shared<ado::Connection>();
-  conn->Open(u"DBQ=" + FromUtf8(site.database().string()));
-  gathering::StoreRecord(*conn, {u"gathered", u"", u"http://v.com/2", u""},
-                         {u"s", u"http://s.com"});
+  gathering::StoreRecord(*testing::Connect(site.database()),
+                         {u"gathered", u"", u"http://v.com/2", u""}, {u"s", u"http://s.com"});
   EXPECT_EQ(
       Value("select group_concat(title || ' ' || time, '|') from (select * from db order by id)"),
       "entered 2021-03-04 05:06:07|gathered 2021-03-04 05:07:08");

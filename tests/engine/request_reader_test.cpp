@@ -1,6 +1,9 @@
-// The request reader on bytes alone: requests in any number of pieces, connection rules, targets,
-// refusals of what two readers could read differently; and the decoding of escapes and cookies.
+// What a client sends, on bytes alone: the request reader (requests in any number of pieces,
+// connection rules, targets, refusals of what two readers could read differently), the decoding
+// of escapes and cookies, and the strict multipart/form-data reader (what browsers send is read
+// exactly, anything else is refused with a sentence).
 #include "engine/request_reader.h"
+#include "engine/multipart_form.h"
 #include "engine/url_decoding.h"
 
 #include <gtest/gtest.h>
@@ -10,15 +13,14 @@ namespace {
 
 constexpr size_t kBodyLimit = 1000;
 
-// Reads one request from `bytes` given at once; the bytes after it stay in `rest`.
-RequestHead Read(std::string bytes, std::string* rest = nullptr) {
+// Reads one request from `bytes` given at once, shown as "<path>?<query> <keep|close> Host:
+// <host> <body>", with " *" for an asterisk target.
+std::string Read(std::string bytes) {
   RequestReader reader(kBodyLimit);
-  RequestReader::State state = reader.Read(bytes);
-  if (state == RequestReader::State::Refused)
-    ADD_FAILURE() << bytes << ": " << reader.refusal().why;
-  EXPECT_EQ(state, RequestReader::State::Done) << bytes;
-  if (rest) *rest = bytes;
-  return state == RequestReader::State::Done ? reader.TakeRequest() : RequestHead{};
+  if (reader.Read(bytes) != RequestReader::State::Done) return "not read: " + reader.refusal().why;
+  const RequestHead h = reader.TakeRequest();
+  return h.request.path + "?" + h.request.queryString + (h.keepAlive ? " keep" : " close") +
+         " Host: " + h.request.Header("Host") + " " + h.request.body + (h.asterisk ? " *" : "");
 }
 
 // The status a request is refused with, or 0 when it is read (or still incomplete).
@@ -49,20 +51,18 @@ TEST(RequestReader, ReadsTheSameWhereverTheBytesAreSplit) {
 }
 
 TEST(RequestReader, ReadsConnectionRulesAndTargets) {
-  std::string rest;
-  RequestHead h = Read("GET /a%20b/c.asp?x=1?y HTTP/1.1\r\nHost: a\r\n\r\nGET", &rest);
-  EXPECT_EQ(h.request.path, "/a b/c.asp");
-  EXPECT_EQ(h.request.queryString, "x=1?y");
-  EXPECT_TRUE(h.keepAlive);
-  EXPECT_EQ(rest, "GET");
-
-  EXPECT_FALSE(Read("GET / HTTP/1.1\r\nHost: a\r\nConnection: TE, Close\r\n\r\n").keepAlive);
-  EXPECT_FALSE(Read("GET / HTTP/1.0\r\n\r\n").keepAlive);
-  EXPECT_TRUE(Read("GET / HTTP/1.0\r\nConnection: Keep-Alive\r\n\r\n").keepAlive);
-  // The same length twice says one thing.
-  EXPECT_EQ(Read("POST / HTTP/1.1\r\nHost: a\r\nContent-Length: 3\r\nContent-Length: 3\r\n\r\nf=x")
-                .request.body,
-            "f=x");
+  const std::pair<std::string, std::string> cases[] = {
+      {"GET /a%20b/c.asp?x=1?y HTTP/1.1\r\nHost: a\r\n\r\n", "/a b/c.asp?x=1?y keep Host: a "},
+      {"GET / HTTP/1.1\r\nHost: a\r\nConnection: TE, Close\r\n\r\n", "/? close Host: a "},
+      {"GET / HTTP/1.0\r\n\r\n", "/? close Host:  "},
+      {"GET / HTTP/1.0\r\nConnection: Keep-Alive\r\n\r\n", "/? keep Host:  "},
+      // The same length twice says one thing.
+      {"POST / HTTP/1.1\r\nHost: a\r\nContent-Length: 3\r\nContent-Length: 3\r\n\r\nf=x",
+       "/? keep Host: a f=x"},
+      // The authority of an absolute-form target replaces the Host header.
+      {"GET https://Other:81?q HTTP/1.1\r\nHost: a\r\n\r\n", "/?q keep Host: Other:81 "},
+      {"OPTIONS * HTTP/1.1\r\nHost: a\r\n\r\n", "*? keep Host: a  *"}};
+  for (const auto& [bytes, read] : cases) EXPECT_EQ(Read(bytes), read) << bytes;
 
   RequestReader reader(kBodyLimit);
   std::string in =
@@ -72,14 +72,6 @@ TEST(RequestReader, ReadsConnectionRulesAndTargets) {
   in = "f=x";
   ASSERT_EQ(reader.Read(in), RequestReader::State::Done);
   EXPECT_EQ(reader.TakeRequest().request.body, "f=x");
-
-  // The authority of an absolute-form target replaces the Host header.
-  h = Read("GET https://Other:81?q HTTP/1.1\r\nHost: a\r\nX: 1\r\n\r\n");
-  EXPECT_EQ(h.request.path, "/");
-  EXPECT_EQ(h.request.queryString, "q");
-  EXPECT_EQ(h.request.Header("Host"), "Other:81");
-  EXPECT_EQ(h.request.headers.size(), 2u);
-  EXPECT_TRUE(Read("OPTIONS * HTTP/1.1\r\nHost: a\r\n\r\n").asterisk);
 }
 
 TEST(RequestReader, RefusesWhatTwoReadersCouldReadDifferently) {
@@ -140,30 +132,88 @@ TEST(PercentDecode, ResolvesEscapesAndKeepsMalformedOnesLiterally) {
   EXPECT_EQ(PercentDecode("%00x", false), std::string("\0x", 2));
 }
 
-TEST(UrlEncoded, DecodesTheBytesInTheCodePageWithoutEatingNeighbours) {
-  KeyedValues v;
-  // "你好" in GBK is C4 E3 BA C3; in UTF-8 it is E4 BD A0 E5 A5 BD.
-  AddUrlEncoded("q=%C4%E3%BA%C3&%D6%D0=1&a=x%FFy&b=%C4&c==d", 936, v);
-  EXPECT_EQ(v.Get(u"q").str(), u"你好");
-  EXPECT_EQ(v.Get(u"中").str(), u"1");
-  EXPECT_EQ(v.Get(u"a").str(), u"x\uFFFDy");
-  EXPECT_EQ(v.Get(u"b").str(), u"\uFFFD");  // a lead byte cut off at the end
-  EXPECT_EQ(v.Get(u"c").str(), u"=d");
-  KeyedValues utf8;
-  AddUrlEncoded("q=%E4%BD%A0%E5%A5%BD&flag", 65001, utf8);
-  EXPECT_EQ(utf8.Get(u"q").str(), u"你好");
-  EXPECT_TRUE(utf8.Has(u"flag"));
-  EXPECT_EQ(utf8.All(u"Q"), std::vector<std::u16string>{u"你好"});
+// The pairs read, as "name=value|...".
+std::u16string Pairs(const KeyedValues& values) {
+  std::u16string shown;
+  for (const auto& [name, value] : values.items()) shown += name + u"=" + value + u"|";
+  return shown;
 }
 
-TEST(Cookies, SplitOnSemicolonsAndDecodeValues) {
-  KeyedValues c;
-  AddCookies("a=1;  b=x%20y ; c=%C4%E3; broken; =skipped", 936, c);
-  EXPECT_EQ(c.Get(u"a").str(), u"1");
-  EXPECT_EQ(c.Get(u"B").str(), u"x y");
-  EXPECT_EQ(c.Get(u"c").str(), u"你");
-  EXPECT_TRUE(c.Has(u"broken"));
-  EXPECT_FALSE(c.Has(u""));
+TEST(UrlEncoded, FormsAndCookiesDecodeInTheCodePageWithoutEatingNeighbours) {
+  KeyedValues gbk, utf8, cookies;
+  // "你好" in GBK is C4 E3 BA C3; in UTF-8 it is E4 BD A0 E5 A5 BD. A lead byte cut off at the
+  // end is one replacement character.
+  AddUrlEncoded("q=%C4%E3%BA%C3&%D6%D0=1&a=x%FFy&b=%C4&c==d", 936, gbk);
+  EXPECT_EQ(Pairs(gbk), u"q=你好|中=1|a=x\uFFFDy|b=\uFFFD|c==d|");
+  AddUrlEncoded("q=%E4%BD%A0%E5%A5%BD&flag", 65001, utf8);
+  EXPECT_EQ(Pairs(utf8), u"q=你好|flag=|");
+  // Cookies split on semicolons; a pair without a name is skipped.
+  AddCookies("a=1;  b=x%20y ; c=%C4%E3; broken; =skipped", 936, cookies);
+  EXPECT_EQ(Pairs(cookies), u"a=1|b=x y|c=你|broken=|");
+}
+
+TEST(MultipartForm, ReadsTheFieldsAndFilesABrowserSends) {
+  EXPECT_EQ(MultipartBoundary("multipart/form-data; boundary=----WebKitFormBoundaryA1b2"),
+            "----WebKitFormBoundaryA1b2");
+  EXPECT_EQ(MultipartBoundary("Multipart/Form-Data;boundary=\"a b:c\""), "a b:c");
+  // A file whose bytes hold CRLFs, a near-boundary and NUL; a text field in GBK; a file field
+  // left empty; an escaped quote in a file name.
+  const std::string file("{\r\n--Xy\r\n-XyZ\0}", 15);
+  const std::string body =
+      "--XyZ\r\nContent-Disposition: form-data; name=\"kind\"\r\n\r\n\xB5\xE7\xD3\xB0\r\n"
+      "--XyZ\r\ncontent-disposition: form-data; name=\"file\"; filename=\"a\\\"b.json\"\r\n"
+      "Content-Type: application/json\r\n\r\n" +
+      file +
+      "\r\n--XyZ\r\nContent-Disposition: form-data; name=\"other\"; filename=\"\"\r\n"
+      "Content-Type: application/octet-stream\r\n\r\n\r\n--XyZ--\r\n";
+  const auto parts = ReadMultipart(body, "XyZ");
+  std::string read;
+  for (const auto& part : parts)
+    read += part.name + "|" + part.fileName.value_or("(none)") + "|" + part.contentType + "|" +
+            part.data + "\n";
+  EXPECT_EQ(read, "kind|(none)||\xB5\xE7\xD3\xB0\nfile|a\"b.json|application/json|" + file +
+                      "\nother||application/octet-stream|\n");
+  EXPECT_TRUE(ReadMultipart("--XyZ--", "XyZ").empty());
+}
+
+TEST(MultipartForm, RefusesEverythingElseAndWhatIsTooLarge) {
+  for (const char* type :
+       {"multipart/form-data", "multipart/form-data; boundary=", "multipart/mixed; boundary=a",
+        "multipart/form-data; boundary=\"a", "multipart/form-data; boundary=a; boundary=b",
+        "multipart/form-data; boundary=a{b}"})
+    EXPECT_THROW(MultipartBoundary(type), MultipartError) << type;
+  EXPECT_THROW(MultipartBoundary("multipart/form-data; boundary=" + std::string(71, 'a')),
+               MultipartError);
+
+  const std::string head = "Content-Disposition: form-data; name=\"f\"\r\n\r\n";
+  for (const std::string& body : std::vector<std::string>{
+           "preamble\r\n--B\r\n" + head + "x\r\n--B--",          // text before the first boundary
+           "--B\n" + head + "x\r\n--B--",                        // a bare LF
+           "--B\r\n" + head + "x\r\n--B",                        // no closing boundary
+           "--B\r\n" + head + "x",                               // cut short
+           "--B\r\n" + head + "x\r\n--B--\r\nmore",              // data after the end
+           "--B\r\nContent-Type: text/plain\r\n\r\nx\r\n--B--",  // no disposition
+           "--B\r\nContent-Disposition: form-data\r\n\r\nx\r\n--B--",               // no name
+           "--B\r\nContent-Disposition: attachment; name=\"f\"\r\n\r\nx\r\n--B--",  // not a form
+           "--B\r\n" + head.substr(0, head.size() - 2) + " folded\r\n\r\nx\r\n--B--",
+           "--B\r\n\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\nx\r\n--B--",
+           "--B\r\nContent-Transfer-Encoding: base64\r\n" + head + "eA==\r\n--B--",
+           "--B\r\nX: " + std::string(5000, 'a') + "\r\n" + head + "x\r\n--B--"})
+    EXPECT_THROW(ReadMultipart(body, "B"), MultipartError) << body.substr(0, 80);
+
+  MultipartLimits small;
+  small.maxParts = 2;
+  small.maxFileBytes = 10;
+  const std::string field = "--B\r\n" + head + "x\r\n";
+  EXPECT_EQ(ReadMultipart(field + field + "--B--", "B", small).size(), 2u);
+  EXPECT_THROW(ReadMultipart(field + field + field + "--B--", "B", small), MultipartError);
+  const std::string file =
+      "--B\r\nContent-Disposition: form-data; name=\"f\"; filename=\"a\"\r\n\r\n";
+  EXPECT_EQ(ReadMultipart(file + std::string(10, 'a') + "\r\n--B--", "B", small).size(), 1u);
+  // Two files over the limit together.
+  EXPECT_THROW(
+      ReadMultipart(file + std::string(6, 'a') + "\r\n" + file + "aaaaa\r\n--B--", "B", small),
+      MultipartError);
 }
 
 }  // namespace
