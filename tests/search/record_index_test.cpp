@@ -187,27 +187,22 @@ TEST(RecordIndex, WordsOfOnlyWildcardsOrNothingHaveNoLookUp) {
 }
 
 TEST(SearchWords, SimultaneousSearchesOfNewWordsKeepOneRowEach) {
-  testing::TestSite site;
-  const std::u16string connstr = u"DBQ=" + FromUtf8(site.database().string()) + u";";
+  TestSite site;
   constexpr int kWords = 40, kSearchers = 3;
   std::barrier start(kSearchers);
   std::vector<std::jthread> searchers;
   for (int s = 0; s < kSearchers; ++s)
     searchers.emplace_back([&] {
-      auto conn = std::make_shared<ado::Connection>();
-      conn->Open(connstr);
+      auto conn = testing::Connect(site.database());
       for (int w = 0; w < kWords; ++w) {
         start.arrive_and_wait();  // all searchers look up the same new word at once
         CountSearch(*conn, u"词" + FromUtf8(std::to_string(w)));
       }
     });
   searchers.clear();
-  auto conn = std::make_shared<ado::Connection>();
-  conn->Open(connstr);
-  auto rs = conn->Execute(u"select count(*), min(hot), max(hot) from keyword");
-  EXPECT_EQ(CDbl(rs->FieldAt(0)), kWords);
-  EXPECT_EQ(CDbl(rs->FieldAt(1)), kSearchers);
-  EXPECT_EQ(CDbl(rs->FieldAt(2)), kSearchers);
+  EXPECT_EQ(testing::SqlValue(site.database(),
+                              "select count(*) || ',' || min(hot) || ',' || max(hot) from keyword"),
+            "40,3,3");
 }
 
 TEST(SearchWords, AnAddressCountsAWordOnceInTheWindow) {
