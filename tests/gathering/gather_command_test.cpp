@@ -57,7 +57,8 @@ TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
 
 TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
   for (auto bad :
-       std::vector<std::vector<std::string>>{{"list"},
+       std::vector<std::vector<std::string>>{{"list", listRule, "--queue", "--resume"},
+                                             {"list"},
                                              {"list", "0"},
                                              {"list", listRule, "--pages", "3-1"},
                                              {"list", listRule, "--delay-ms", "-5"},
@@ -67,13 +68,21 @@ TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
                                              {"id", idRule}})
     EXPECT_EQ(Run(bad), 2) << bad.back();
   EXPECT_TRUE(Holds(said, "--ids FIRST-LAST"));
-  EXPECT_EQ(Run({"list", "999"}), 1);
-  EXPECT_TRUE(Holds(said, "no list rule number 999"));
+  for (const auto& missing :
+       std::vector<std::vector<std::string>>{{"list", "999"}, {"list", "999", "--queue"}}) {
+    EXPECT_EQ(Run(missing), 1);
+    EXPECT_TRUE(Holds(said, "there is no list rule number 999 in this site\n"));
+  }
   EXPECT_EQ(Run({"id", "99", "--ids", "1-2"}), 1);
   EXPECT_TRUE(Holds(said, "no ID rule number 99"));
   EXPECT_EQ(Run({"id", idRule, "--resume"}), 1);  // nothing to resume and no range
   EXPECT_TRUE(Holds(said, "--ids FIRST-LAST is needed"));
   EXPECT_TRUE(remote.Requests().empty());
+  EXPECT_EQ(Value("select count(*) from gather_run"), "0");
+  std::string problem;
+  EXPECT_FALSE(engine::ParseWorkerArgs({"--once"}, problem));
+  EXPECT_EQ(problem, "worker needs --site DIR");
+  EXPECT_FALSE(engine::ParseWorkerArgs({"--site", "x", "--lease-seconds", "0"}, problem));
 }
 
 TEST_F(GatherCommand, AListRunKilledHalfWayIsResumedWithoutDuplicates) {

@@ -130,11 +130,8 @@ TEST_F(Walk, UnitsReadyAtOnceAreStoredAndReportedInOrderOnceCommitted) {
   WalkRun(
       conn, run, source,
       [](long unit) {
-        if (unit != 3) return Page(unit);
-        UnitResult r;
-        r.outcome = UnitOutcome::Failed;
-        r.why = "status 500";
-        return r;
+        return unit == 3 ? UnitResult{.outcome = UnitOutcome::Failed, .why = "status 500"}
+                         : Page(unit);
       },
       report);
   EXPECT_EQ(said, (std::vector<std::string>{"done 1 2", "done 2 4", "failed 3 status 500",

@@ -11,6 +11,7 @@
 #include "engine/rules_command.h"
 #include "gathering/rule_exchange.h"
 #include "platform/ado/recordset.h"
+#include "support/holds.h"
 #include "support/page_harness.h"
 #include "support/test_database.h"
 
@@ -107,12 +108,11 @@ TEST_F(RuleExchange, ExportedRulesComeBackFieldByFieldAndABadFileOrADryRunAddsNo
     EXPECT_TRUE(said.starts_with(answer)) << said;
   }
   EXPECT_EQ(Rules({"import", Write(good), "--dry-run"}), 0);
-  EXPECT_NE(said.find("would add 3 rules"), std::string::npos) << said;
+  EXPECT_TRUE(testing::Holds(said, "would add 3 rules"));
   EXPECT_TRUE(Rows(*target, u"gather_list_web").empty());
 
   ASSERT_EQ(Rules({"import", Write(good), "--json"}), 0) << said;
-  EXPECT_NE(said.find("{\"kind\":\"list\",\"web\":\"一 影视\\\"web\\\"\\r\\n"), std::string::npos)
-      << said;
+  EXPECT_TRUE(testing::Holds(said, "{\"kind\":\"list\",\"web\":\"一 影视\\\"web\\\"\\r\\n"));
   for (const auto* table : {u"gather_list_web", u"gather_id_web"}) {
     EXPECT_EQ(Rows(*target, table), Rows(*source, table));
     EXPECT_FALSE(Rows(*target, table).empty());

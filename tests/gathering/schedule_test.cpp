@@ -9,6 +9,7 @@
 #include "engine/schedule_command.h"
 #include "gathering/schedule.h"
 #include "support/gathering_site.h"
+#include "support/holds.h"
 
 namespace ostrakan {
 namespace {
@@ -41,11 +42,8 @@ TEST_F(Schedules, ADueScheduleIsQueuedOnceByTwoWorkers) {
   Work();
   EXPECT_EQ(Value("select count(*) from gather_run"), "2");
   EXPECT_EQ(Schedule({"list"}), 0);
-  EXPECT_NE(said.find("1: list rule " + listRule +
-                      ", pages 1-2 for \"电影\",\"news\", every "
-                      "21600s, due "),
-            std::string::npos)
-      << said;
+  EXPECT_TRUE(testing::Holds(
+      said, "1: list rule " + listRule + ", pages 1-2 for \"电影\",\"news\", every 21600s, due "));
 }
 
 TEST_F(Schedules, AnIdScheduleFollowsTheNumbersAfterTheLastRange) {

@@ -100,7 +100,7 @@ TEST_F(Generation, RecordsShowTheirPictureOrThePlaceholderAndTheirSourceWhenAske
        {u"<img src='http://img.test/cat.jpg' width='120' height='90' border='0' "
         u"onerror=\"src='../image/image.gif'\">",
         u"<a href='../goto.asp?id=2'  target='_blank'><img src='../image/image.gif' ",
-        u"3:04:05 来源：</font><a href='http://src.test' target='_blank'>", u">猫&lt;b&gt;</a>"})
+        u"3:04:05 来源：</font><a href='http://src.test' target='_blank'>"})
     EXPECT_TRUE(Holds(page, part));
   EXPECT_EQ(SubCategoryPage(id, false).find(u"来源"), std::u16string::npos);
   // Source_Show asks for the source when it is the number 1.

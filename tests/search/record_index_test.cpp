@@ -176,16 +176,6 @@ TEST(RecordIndex, FindsWhatTheLikeScanFindsThroughEditsAndRebuilds) {
   ExpectSameAsScan(records, words, true);
 }
 
-TEST(RecordIndex, WordsOfOnlyWildcardsOrNothingHaveNoLookUp) {
-  EXPECT_EQ(MatchExpression(u"%_%", Fields::TitleOrContent), std::nullopt);
-  EXPECT_EQ(MatchExpression(u"", Fields::Title), std::nullopt);
-  EXPECT_TRUE(LiteralPieces(u"%_%").empty());
-  // PostgreSQL's escape: a backslash's character is literal, one at the end takes the '%'.
-  EXPECT_EQ(LiteralPieces(u"a\\%b_\\"), (std::vector<std::u16string>{u"a%b", u"%"}));
-  // A quote stays inside its phrase; the column limits the whole expression.
-  EXPECT_EQ(*MatchExpression(u"a\"b%c", Fields::Title), u"{title} : (\"a\"\"b\" AND \"c\")");
-}
-
 TEST(SearchWords, SimultaneousSearchesOfNewWordsKeepOneRowEach) {
   TestSite site;
   constexpr int kWords = 40, kSearchers = 3;
