@@ -20,16 +20,14 @@ class GatherCommand : public testing::GatheringSite {
   // `ostrakan gather ARGS` on the site, without pauses (see testing::RunCommand).
   int Run(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", site.string(), "--delay-ms", "0"});
-    auto run = [this](engine::GatherOptions& o, std::ostream& out, std::ostream& err) {
+    auto run = [](engine::GatherOptions& o, std::ostream& out, std::ostream& err) {
       o.retryPauseMs = 10;
-      o.fetcher = fetcher;
       return engine::RunGather(o, out, err);
     };
     return testing::RunCommand(engine::ParseGatherArgs, run, args, said);
   }
 
   std::string said;
-  std::shared_ptr<http::Fetcher> fetcher;  // the libcurl fetcher when null
 };
 
 TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
@@ -145,28 +143,6 @@ TEST_F(GatherCommand, ARuleThatMatchesNothingIsFlaggedUntilItMatchesAgain) {
   testing::Sql(db, "update gather_id_web set title_start = '<h2>'");
   EXPECT_EQ(Run({"id", idRule, "--ids", "1-1"}), 3);
   EXPECT_EQ(Value("select kind from gather_rule_health"), "id");
-}
-
-// A remote site at a public address may not send the gatherer to a private one: the page is
-// failed with the reason and the private address is never asked. (Every fixture is on loopback,
-// so the fetcher is told to take one site's port for a public address.) A rule whose own
-// address is private, an intranet site, follows the same redirect.
-TEST_F(GatherCommand, ARedirectFromAPublicSiteToAPrivateAddressIsRefused) {
-  testing::RemoteSite outside;
-  outside.Set("/r/1.html", {302, "", {"Location: " + remote.Url("/r/1.html")}});
-  const std::string rule = testing::InsertFixtureRule(db, outside.Url("/r/[page].html"));
-  fetcher = outside.FetcherCallingThisSitePublic();
-  EXPECT_EQ(Run({"list", rule, "--pages", "1-1", "--retries", "0", "--json"}), 0);
-  EXPECT_TRUE(Holds(said, "page 1 failed: " + outside.Url("/r/1.html") +
-                              ": refused redirect from a public address to a private one\n"));
-  EXPECT_TRUE(Holds(said, "\"failed\":1,\"unmatched\":0}\n"));
-  EXPECT_EQ(Asked("/r/1.html"), 0);
-  EXPECT_EQ(Value("select count(*) from db"), "0");
-
-  fetcher = nullptr;  // 127.0.0.1 is private: the rule is an intranet site's
-  EXPECT_EQ(Run({"list", rule, "--pages", "1-1", "--json"}), 0);
-  EXPECT_EQ(Asked("/r/1.html"), 1);
-  EXPECT_EQ(Value("select count(*) from db"), "4");
 }
 
 }  // namespace
