@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <thread>
 
 #include "platform/ado/connection.h"
 #include "platform/ado/statement_text.h"
 #include "platform/clock.h"
+#include "support/database_holder.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::ado {
@@ -261,21 +261,11 @@ TEST_F(Database, ReadsAndWritesInterleaveAcrossSetsAndConnections) {
 
 TEST_F(Database, AWriterWaitsForAnotherConnectionsTransaction) {
   if (testing::OnPostgres()) GTEST_SKIP() << "an SQLite lock";
-  auto conn = Connect();
-  sqlite3* other = nullptr;
-  ASSERT_EQ(sqlite3_open(file.c_str(), &other), SQLITE_OK);
-  ASSERT_EQ(sqlite3_exec(other, "begin immediate; insert into keyword(keyword) values('first')",
-                         nullptr, nullptr, nullptr),
-            SQLITE_OK);
-  std::thread committer([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    sqlite3_exec(other, "commit", nullptr, nullptr, nullptr);
-  });
+  testing::DatabaseHolder other(file, std::chrono::milliseconds(100));
+  ASSERT_TRUE(other.held());
   // Without the busy time-out this fails at once with "database is locked".
-  EXPECT_NO_THROW(conn->Execute(u"insert into keyword(keyword) values('second')"));
-  committer.join();
-  sqlite3_close(other);
-  EXPECT_EQ(Column("keyword", "keyword"), "first,second");
+  EXPECT_NO_THROW(Connect()->Execute(u"insert into keyword(keyword) values('second')"));
+  EXPECT_EQ(Column("keyword", "keyword"), "second");
 }
 
 // On PostgreSQL the count that the triggers keep stands for count(*) in and out of transactions,
