@@ -1,7 +1,7 @@
 // Fetching and decoding against the fixture remote site on loopback.
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
+#include <netdb.h>
 
 #include <algorithm>
 
@@ -81,15 +81,12 @@ TEST_F(FetchTest, AFailedFetchSaysWhy) {
 // Which addresses a fetch that began at a public address may not go on to.
 TEST(PrivateAddresses, LoopbackLocalNetworksAndLinkLocalArePrivate) {
   auto isPrivate = [](const char* text) {
-    sockaddr_in6 a6{};
-    sockaddr_in a4{};
-    if (inet_pton(AF_INET, text, &a4.sin_addr) == 1) {
-      a4.sin_family = AF_INET;
-      return http::IsPrivateAddress(reinterpret_cast<sockaddr*>(&a4));
-    }
-    EXPECT_EQ(inet_pton(AF_INET6, text, &a6.sin6_addr), 1) << text;
-    a6.sin6_family = AF_INET6;
-    return http::IsPrivateAddress(reinterpret_cast<sockaddr*>(&a6));
+    addrinfo numeric{.ai_flags = AI_NUMERICHOST}, *found = nullptr;
+    EXPECT_EQ(getaddrinfo(text, nullptr, &numeric, &found), 0) << text;
+    if (!found) return false;
+    const bool answer = http::IsPrivateAddress(found->ai_addr);
+    freeaddrinfo(found);
+    return answer;
   };
   for (const char* p : {"127.0.0.1", "127.9.9.9", "10.1.2.3", "172.16.0.1", "172.31.255.255",
                         "192.168.1.1", "169.254.169.254", "0.0.0.0", "100.64.0.1", "::1",
