@@ -1,9 +1,6 @@
 // The headless runs (`ostrakan gather ... list|id`) against the fixture remote site.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "engine/commands.h"
 #include "engine/gather_command.h"
 #include "support/gathering_site.h"
 #include "support/holds.h"
@@ -85,6 +82,7 @@ TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
 
 TEST_F(GatherCommand, AListRunKilledHalfWayIsResumedWithoutDuplicates) {
   testing::Sql(db, "drop table gather_run");  // an older database: the run adds its journal
+  // Pages 1-2 must be committed while page 3 is slow to come; then the run is killed.
   remote.Set("/r/3.html", RemoteReply(200, FixtureResultPage(3, 4)).Delay(20000));
   KillWhenAsked({"gather", "--site", site, "list", listRule, "--pages", "1-5", "--delay-ms", "0"},
                 "/r/3.html", [&] { return Value("select count(*) from db") == "8"; });

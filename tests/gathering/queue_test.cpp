@@ -7,9 +7,7 @@
 #include <sstream>
 #include <thread>
 
-#include "engine/commands.h"
 #include "engine/gather_command.h"
-#include "engine/worker_command.h"
 #include "gathering/work_queue.h"
 #include "support/gathering_site.h"
 #include "support/holds.h"

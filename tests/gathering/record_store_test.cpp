@@ -1,11 +1,10 @@
 // Storing gathered records against a real site database: the record store, and a headless
-// run's walk over its units (stored in order, each reported only once it is committed, and a
-// unit slow to come finds every unit before it committed).
+// run's walk over its units (stored in order, each reported only once it is committed). That a
+// unit slow to come finds every unit before it committed is the killed run's test (gather_command).
 #include "gathering/record_store.h"
 
 #include <gtest/gtest.h>
 
-#include <future>
 #include <latch>
 #include <thread>
 
@@ -145,33 +144,6 @@ TEST_F(Walk, UnitsReadyAtOnceAreStoredAndReportedInOrderOnceCommitted) {
       Value("select pages || ',' || failed || ',' || case when finished is null then 0 else 1 end "
             "from gather_run"),
       "5,1,1");
-}
-
-TEST_F(Walk, AUnitSlowToComeFindsTheUnitsBeforeItCommitted) {
-  std::promise<void> released;
-  std::shared_future<void> release = released.get_future().share();
-  std::string seenWhileWaiting;
-  std::thread watcher;
-  WalkRun(conn, run, source,
-          [&](long unit) {
-            if (unit == 4) {
-              // Units 1-3 were handed over at once; the walk must commit them rather than hold
-              // them in its transaction while it waits for this one.
-              watcher = std::thread([&] {
-                for (int i = 0; i < 500 && Value("select count(*) from db") != "6"; ++i)
-                  std::this_thread::sleep_for(std::chrono::milliseconds(10));
-                seenWhileWaiting = Value(
-                    "select (select next from gather_run) || '/' || (select count(*) from db)");
-                released.set_value();
-              });
-              release.wait();
-            }
-            return Page(unit);
-          },
-          {});
-  watcher.join();
-  EXPECT_EQ(seenWhileWaiting, "4/6");
-  EXPECT_EQ(Value("select count(*) from db"), "10");
 }
 
 TEST_F(Walk, AnErrorThatUndoesTheTransactionStopsTheRunWithTheJournalTrue) {

@@ -32,7 +32,7 @@ std::u16string ConnectionStringFor(const std::filesystem::path& file) {
 
 class Database : public ::testing::Test {
  protected:
-  void Sql(const std::string& sql) { testing::Sql(file, sql); }
+  std::string Sql(const std::string& sql) { return testing::Sql(file, sql); }
   std::shared_ptr<Connection> Connect() { return testing::Connect(file); }
   std::shared_ptr<Recordset> Query(const std::shared_ptr<Connection>& conn, std::u16string_view sql,
                                    int lockType = 1, Params params = {}) {
@@ -42,8 +42,8 @@ class Database : public ::testing::Test {
   }
   // The values of an expression over all rows of a table, in the order of id.
   std::string Column(const std::string& table, const std::string& expression) {
-    return testing::SqlValue(file, "select group_concat(v) from (select " + expression +
-                                       " as v from " + table + " order by id) as t");
+    return Sql("select group_concat(v) from (select " + expression + " as v from " + table +
+               " order by id) as t");
   }
   // Rows 1 .. n of keyword, "k1" .. "kn".
   void AddKeywords(int n) {
@@ -96,7 +96,7 @@ TEST_F(Database, ExecuteRunsExactlyOneStatementAndAFailureLeavesNothingOpen) {
   EXPECT_THROW(conn->Execute(u"insert into db(id,title) values(2,'y')"), ScriptError);
   conn->Execute(u"insert into db(id,title) values(8,'z')");
   EXPECT_EQ(Column("db", "title"), "b,z");
-  EXPECT_EQ(testing::SqlValue(file, "select count(*) from admin"), "0");  // not dropped
+  EXPECT_EQ(Sql("select count(*) from admin"), "0");  // not dropped
 }
 
 TEST_F(Database, QueriesReturnTypedFields) {
@@ -174,7 +174,7 @@ TEST_F(Database, AddNewAndUpdateWriteTheirRowThroughTheSet) {
   rs->Update();
   EXPECT_EQ(CLng(rs->Field(u"id")), 4);  // the new row is current
   EXPECT_TRUE(rs->Field(u"image").IsNull());
-  EXPECT_EQ(testing::SqlValue(file, "select title || click || time || source from db where id=4"),
+  EXPECT_EQ(Sql("select title || click || time || source from db where id=4"),
             "新记录 ’“€02024-05-03 09:05:07-1");
   // Without a time, the column's default stamps the row with the local time now.
   rs->AddNew();
@@ -191,7 +191,7 @@ TEST_F(Database, AddNewAndUpdateWriteTheirRowThroughTheSet) {
   all->SetField(u"click", Variant(int32_t{10}));
   all->MoveNext();
   EXPECT_EQ(Column("db", "title || click"), "a10,B2,c3,新记录 ’“€0,e0");
-  EXPECT_EQ(testing::SqlValue(file, "select time from db where id=2"), "2020-02-29 23:59:59");
+  EXPECT_EQ(Sql("select time from db where id=2"), "2020-02-29 23:59:59");
 
   auto readOnly = Query(conn, u"select * from db", 1);
   EXPECT_EQ(Raised([&] { readOnly->SetField(u"title", Variant(u"x")); }).number, 3251);
@@ -219,11 +219,8 @@ TEST_F(Database, BoundTextIsDataWhateverItHolds) {
 
   conn->Execute(u"update keyword set hot = ? where keyword = ?", {Variant(7), injection});
   conn->Execute(u"update keyword set hot = ? where keyword = ?", {Variant(9), Variant(u"it's")});
-  EXPECT_EQ(
-      testing::SqlValue(
-          file,
-          "select group_concat(hot) from (select distinct hot from keyword order by hot) as t"),
-      "0,9");
+  EXPECT_EQ(Sql("select group_concat(hot) from (select distinct hot from keyword order by hot) t"),
+            "0,9");
   // Marks and values that differ in number are a mistake of the caller.
   EXPECT_THROW(conn->Execute(u"select * " + where), std::invalid_argument);
 
@@ -234,7 +231,7 @@ TEST_F(Database, BoundTextIsDataWhateverItHolds) {
            [&] { conn->Execute(u"delete from keyword where keyword=?", {Variant(nul)}); },
            [&] { Query(conn, u"select * from keyword where keyword like '" + nul + u"%'"); }})
     EXPECT_EQ(Raised(run).description, NulInText().description);
-  EXPECT_EQ(testing::SqlValue(file, "select count(*) from keyword"), "101");
+  EXPECT_EQ(Sql("select count(*) from keyword"), "101");
 }
 
 TEST_F(Database, ReadsAndWritesInterleaveAcrossSetsAndConnections) {
@@ -280,11 +277,11 @@ TEST_F(Database, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
   conn->Execute(u"delete from db where id > 990");
   conn->backend().BeginWrite();
   conn->Execute(u"insert into db (title) values ('a'), ('b')");
-  EXPECT_EQ(number(count), 992);  // the writer sees its own rows
-  EXPECT_EQ(testing::SqlValue(file, "select n from row_count"), "990");  // others do not
+  EXPECT_EQ(number(count), 992);                     // the writer sees its own rows
+  EXPECT_EQ(Sql("select n from row_count"), "990");  // others do not
   conn->backend().Rollback();
   EXPECT_EQ(number(count), 990);
-  EXPECT_EQ(testing::SqlValue(file, "select count(*) from db"), "990");
+  EXPECT_EQ(Sql("select count(*) from db"), "990");
   // LIKE ignores letter case, NOT LIKE too.
   EXPECT_EQ(number(u"select count(*) from db where title like 'RECORD 99%'"), 2);
   EXPECT_EQ(number(u"select count(*) from db where db.title not like 'RECORD 99%'"), 988);
