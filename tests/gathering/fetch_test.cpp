@@ -108,7 +108,6 @@ TEST_F(FetchTest, NonAsciiInTheAddressGoesOutAsGbkBytes) {
 // What it adds to the code pages' decoding (codepage_test): the BOM goes, an unknown name is "".
 TEST(BytesToBstr, DropsAUtf8BomAndGivesNothingForAnUnknownCharset) {
   EXPECT_EQ(text::BytesToBstr("\xEF\xBB\xBF\xE7\x94\xB5 a", u"utf-8"), u"电 a");
-  EXPECT_EQ(text::BytesToBstr("\xB9\x71\xBC\x76", u"big5"), u"電影");
   EXPECT_EQ(text::BytesToBstr("anything", u"klingon"), u"");
 }
 

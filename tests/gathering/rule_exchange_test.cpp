@@ -24,11 +24,9 @@ class RuleExchange : public ::testing::Test {
  protected:
   void SetUp() override {
     for (int i = 0; i < 2; ++i) {
-      engine::InitOptions init;
-      init.dir = i ? to : from;
-      init.database = databases[i].address();  // PostgreSQL when the tests run there
-      init.from = testing::SourceDir() / "site";
-      init.password = "secret123";
+      // On PostgreSQL when the tests run there.
+      const engine::InitOptions init{i ? to : from, testing::SourceDir() / "site", "admin",
+                                     "secret123", databases[i].address()};
       std::ostringstream out, err;
       ASSERT_EQ(engine::RunInit(init, out, err), 0) << err.str();
     }

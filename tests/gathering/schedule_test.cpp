@@ -50,9 +50,8 @@ TEST_F(Schedules, AnIdScheduleFollowsTheNumbersAfterTheLastRange) {
       Schedule({"add", "id", idRule, "--next", "2", "--cron", "15 * * * *", "--delay-ms", "0"}), 0)
       << said;
   Work();
-  EXPECT_EQ(Value("select first || '-' || last || state || ' ' || \"range\" from gather_run, "
-                  "gather_id_web"),
-            "4-5done 4 - 5");
+  EXPECT_EQ(Value("select first || '-' || last || state from gather_run"), "4-5done");
+  EXPECT_EQ(Value("select \"range\" from gather_id_web"), "4 - 5");
   // Made due again (as the next quarter past would): the numbers after 5.
   testing::Sql(db, "update gather_schedule set due_at = 0");
   Work();

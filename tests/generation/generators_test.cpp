@@ -96,10 +96,9 @@ TEST_F(Generation, RecordsShowTheirPictureOrThePlaceholderAndTheirSourceWhenAske
   AddRecord("猫<b>", 1);
   std::u16string page = SubCategoryPage(id, true);
   for (const char16_t* part :
-       {u"<img src='http://img.test/cat.jpg' width='120' height='90' border='0' "
-        u"onerror=\"src='../image/image.gif'\">",
-        u"<a href='../goto.asp?id=2'  target='_blank'><img src='../image/image.gif' ",
-        u"3:04:05 来源：</font><a href='http://src.test' target='_blank'>"})
+       {u"<img src='http://img.test/cat.jpg' ", u"onerror=\"src='../image/image.gif'\">",
+        u"goto.asp?id=2'  target='_blank'><img src='../image/image.gif' ",
+        u"来源：</font><a href='http://src.test' target='_blank'>"})
     EXPECT_TRUE(Holds(page, part));
   EXPECT_EQ(SubCategoryPage(id, false).find(u"来源"), std::u16string::npos);
   // Source_Show asks for the source when it is the number 1.

@@ -113,10 +113,9 @@ TEST_F(Database, QueriesReturnTypedFields) {
   EXPECT_TRUE(rs->Eof());
   EXPECT_EQ(Raised([&] { rs->Field(u"title"); }).number, 3021);
   EXPECT_EQ(conn->Execute(u"select count(*) as n from db")->Field(u"n").type(), VarType::Long);
-  auto computed = conn->Execute(u"select 3000000000 as big, 1.5 as real, 'x' as text");
+  auto computed = conn->Execute(u"select 3000000000 as big, 1.5 as real");
   EXPECT_EQ(CDbl(computed->Field(u"big")), 3000000000.0);  // beyond 32 bits: a Double
   EXPECT_EQ(computed->Field(u"real").type(), VarType::Double);
-  EXPECT_EQ(computed->Field(u"text").str(), u"x");
   if (!testing::OnPostgres()) {
     // SQLite keeps what a column was given: text in a date column stays text, bytes stay bytes.
     Sql("insert into db(id,title,time,content) values(2,'x','not a date',x'00ff')");
@@ -267,6 +266,7 @@ TEST_F(Database, AWriterWaitsForAnotherConnectionsTransaction) {
 
 // On PostgreSQL the count that the triggers keep stands for count(*) in and out of transactions,
 // and a list skipped through the key's index lands where OFFSET would, with a bound condition.
+// (LIKE without regard to case: the adapter's test below and the search pages on PostgreSQL.)
 TEST_F(Database, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
   if (!testing::OnPostgres()) GTEST_SKIP() << "a count kept by PostgreSQL's triggers";
   Sql("INSERT INTO db (title) SELECT 'record ' || i FROM generate_series(1, 1000) AS i");
@@ -282,9 +282,6 @@ TEST_F(Database, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
   conn->backend().Rollback();
   EXPECT_EQ(number(count), 990);
   EXPECT_EQ(Sql("select count(*) from db"), "990");
-  // LIKE ignores letter case, NOT LIKE too.
-  EXPECT_EQ(number(u"select count(*) from db where title like 'RECORD 99%'"), 2);
-  EXPECT_EQ(number(u"select count(*) from db where db.title not like 'RECORD 99%'"), 988);
 
   // Ids holding a 7: 270 of 1 .. 990.
   auto rs = Query(conn, u"select id, title from db where title like ? order by id desc", 1,
@@ -345,14 +342,6 @@ TEST(StatementAdapter, PostgresLikeIgnoresCaseOnlyInCode) {
       u"select \"x,a like b\" from t -- (a like b)\n where t = 'x,a like b' or unlike = 1 /* ,a "
       u"like b */";
   EXPECT_EQ(AdaptStatement(kept, Dialect::kPostgres), kept);
-}
-
-TEST(StatementText, FindsTheTableOfAQuery) {
-  EXPECT_EQ(TableOfQuery(u"SELECT id FROM [gather_id_web] WHERE id=1"), u"gather_id_web");
-  EXPECT_EQ(TableOfQuery(u"select (select max(id) from sort) as m, 'from x' from keyword"),
-            u"keyword");
-  EXPECT_EQ(TableOfQuery(u"select 1"), u"");
-  EXPECT_EQ(TrimStatementEnd(u"select 1 ;  \r\n"), u"select 1");
 }
 
 }  // namespace
