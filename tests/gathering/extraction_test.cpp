@@ -14,20 +14,25 @@ namespace ostrakan::gathering {
 namespace {
 
 // A rule for pages made of <li class=v> entries: picture, link, title, description.
-const ListRule kRule{.gather_url = u"http://fixture/s?q=[keyword]&p=[page]",
-                     .next_page = u"1",
-                     .charset = u"gb2312",
-                     .error_html = u"<p class=none>",
-                     .cyc_border = u"<li class=v>",
-                     .cyc_border_sn = u"1",
-                     .image_start = u"<img src=\"http://",
-                     .image_end = u"\" alt",
-                     .url_start = u"<a href=\"",
-                     .url_end = u"\">",
-                     .title_start = u"<b>",
-                     .title_end = u"</b>",
-                     .content_start = u"<i>",
-                     .content_end = u"</i>"};
+ListRule Rule() {
+  ListRule r;
+  r.gather_url = u"http://fixture/s?q=[keyword]&p=[page]";
+  r.next_page = u"1";
+  r.charset = u"gb2312";
+  r.error_html = u"<p class=none>";
+  r.cyc_border = u"<li class=v>";
+  r.cyc_border_sn = u"1";
+  r.image_start = u"<img src=\"http://";
+  r.image_end = u"\" alt";
+  r.url_start = u"<a href=\"";
+  r.url_end = u"\">";
+  r.title_start = u"<b>";
+  r.title_end = u"</b>";
+  r.content_start = u"<i>";
+  r.content_end = u"</i>";
+  return r;
+}
+const ListRule kRule = Rule();
 
 std::u16string Entry(int number, bool image = true, bool about = true) {
   const std::u16string n = FromUtf8(std::to_string(number));

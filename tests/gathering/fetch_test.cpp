@@ -20,11 +20,8 @@ using testing::RemoteSite;
 class FetchTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    http::FetchLimits small;
-    small.lowSpeedSeconds = 1;
-    small.maxBodyBytes = 64 * 1024;
-    small.maxRedirects = 3;
-    http::SetDefaultFetcher(http::MakeCurlFetcher(small));
+    http::SetDefaultFetcher(http::MakeCurlFetcher(
+        {.lowSpeedSeconds = 1, .maxBodyBytes = 64 * 1024, .maxRedirects = 3, .isPrivate = {}}));
   }
   void TearDown() override { http::SetDefaultFetcher(nullptr); }
 
@@ -67,10 +64,8 @@ TEST_F(FetchTest, OnlyAFinalOkGivesABodyAndEveryFailureOrLimitGivesNothing) {
 
 // A failed fetch says why, in words a log reader understands.
 TEST_F(FetchTest, AFailedFetchSaysWhy) {
-  http::FetchLimits quick;
-  quick.totalTimeoutMs = 300;
-  quick.maxBodyBytes = 1024;
-  auto fetcher = http::MakeCurlFetcher(quick);
+  auto fetcher =
+      http::MakeCurlFetcher({.totalTimeoutMs = 300, .maxBodyBytes = 1024, .isPrivate = {}});
   site_.Set("/slow", RemoteReply(200, "late").Delay(3000));
   site_.Set("/huge", {200, std::string(4096, 'x')});
   EXPECT_EQ(fetcher->Get(site_.Url("/slow")).error, "time-out");
@@ -81,7 +76,8 @@ TEST_F(FetchTest, AFailedFetchSaysWhy) {
 // Which addresses a fetch that began at a public address may not go on to.
 TEST(PrivateAddresses, LoopbackLocalNetworksAndLinkLocalArePrivate) {
   auto isPrivate = [](const char* text) {
-    addrinfo numeric{.ai_flags = AI_NUMERICHOST}, *found = nullptr;
+    addrinfo numeric{}, *found = nullptr;
+    numeric.ai_flags = AI_NUMERICHOST;
     EXPECT_EQ(getaddrinfo(text, nullptr, &numeric, &found), 0) << text;
     if (!found) return false;
     const bool answer = http::IsPrivateAddress(found->ai_addr);

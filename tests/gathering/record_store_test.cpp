@@ -119,8 +119,7 @@ TEST_F(Walk, UnitsReadyAtOnceAreStoredAndReportedInOrderOnceCommitted) {
   WalkRun(
       conn, run, source,
       [](long unit) {
-        return unit == 3 ? UnitResult{.outcome = UnitOutcome::Failed, .why = "status 500"}
-                         : Page(unit);
+        return unit == 3 ? UnitResult{UnitOutcome::Failed, {}, "status 500", {}} : Page(unit);
       },
       report);
   EXPECT_EQ(said, (std::vector<std::string>{"done 1 2", "done 2 4", "failed 3 status 500",

@@ -156,8 +156,7 @@ TEST(RecordIndex, FindsWhatTheLikeScanFindsThroughEditsAndRebuilds) {
   records.Churn();
   records.Add(300);
   ExpectSameAsScan(records, words, false);
-  while (TakeInPending(records.conn(), 1, 200) > 0) {
-  }
+  while (TakeInPending(records.conn(), 1, 200) > 0) continue;
   ExpectSameAsScan(records, words, true);
 
   // A rebuild reads db afresh and leaves the same answers.
