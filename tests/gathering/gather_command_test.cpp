@@ -50,7 +50,7 @@ TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
   EXPECT_EQ(Value("select count(*) from db where source = 'Fixture'"), "12");
 }
 
-TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
+TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnythingAsDoesTheWorker) {
   for (auto bad :
        std::vector<std::vector<std::string>>{{"list", listRule, "--queue", "--resume"},
                                              {"list"},

@@ -38,7 +38,8 @@ TEST_F(Records, InsertsNewLinksCutToSizeAndRefreshesKnownOnesKeepingTheirClicks)
   testing::Sql(site.database(), "update db set time = '2001-01-01 00:00:00'");
   EXPECT_EQ(StoreRecord(conn, {longTitle + u"more", longText, longLink, u""}, source),
             StoreOutcome::Updated);
-  EXPECT_EQ(Value("select length(title) || cast(time > '2001-01-01' as integer) from db"), "1001");
+  EXPECT_EQ(Value("select length(title) || ',' || cast(time > '2001-01-01' as integer) from db"),
+            "100,1");
   StoreRecord(conn, {u"Title", u"TEXT", longLink, u""}, source);
   StoreRecord(conn, {u"title", u"TEXT", longLink, u""}, source);
   EXPECT_EQ(Value("select title || content from db"), "titleTEXT");
