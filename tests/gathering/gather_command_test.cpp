@@ -1,11 +1,7 @@
 // The headless runs (`ostrakan gather ... list|id`) against the fixture remote site.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "engine/commands.h"
 #include "engine/gather_command.h"
-#include "support/database_holder.h"
 #include "support/gathering_site.h"
 #include "support/holds.h"
 
@@ -21,20 +17,21 @@ class GatherCommand : public testing::GatheringSite {
   // `ostrakan gather ARGS` on the site, without pauses (see testing::RunCommand).
   int Run(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", site.string(), "--delay-ms", "0"});
-    auto run = [this](engine::GatherOptions& o, std::ostream& out, std::ostream& err) {
+    auto run = [](engine::GatherOptions& o, std::ostream& out, std::ostream& err) {
       o.retryPauseMs = 10;
-      o.fetcher = fetcher;
       return engine::RunGather(o, out, err);
     };
     return testing::RunCommand(engine::ParseGatherArgs, run, args, said);
   }
 
   std::string said;
-  std::shared_ptr<http::Fetcher> fetcher;  // the libcurl fetcher when null
 };
 
 TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
   remote.Set("/r/2.html", {500, "down"});
+  std::string page = FixtureResultPage(1, 4);
+  page.insert(page.find("Video") + 2, 1, '\0');  // a NUL in a remote title stops nothing
+  remote.Set("/r/1.html", {200, page});
   ASSERT_EQ(Run({"list", listRule, "--pages", "1-3", "--json", "--keyword", "电影 hd"}), 0);
   EXPECT_TRUE(Holds(said,
                     "{\"pages\":3,\"entries\":8,\"inserted\":8,\"updated\":0,"
@@ -45,6 +42,7 @@ TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
   EXPECT_EQ(
       Value("select next || ',' || inserted || ',' || (finished is not null) from gather_run"),
       "4,8,1");
+  EXPECT_EQ(Value("select title from db order by id limit 1"), "video 影片 1-1");
 
   remote.Set("/r/2.html", {200, FixtureResultPage(2, 4)});
   ASSERT_EQ(Run({"list", listRule, "--pages", "2-3", "--json"}), 0);
@@ -52,20 +50,10 @@ TEST_F(GatherCommand, AListRunRetriesFailedPagesAndARepeatRefreshesKnownLinks) {
   EXPECT_EQ(Value("select count(*) from db where source = 'Fixture'"), "12");
 }
 
-// Runs started while another process holds the database wait for it (up to 5 seconds, as the
-// pages do) instead of exiting with "database is locked": a cron job beside a busy site.
-TEST_F(GatherCommand, RunsStartedWhileTheDatabaseIsHeldWaitForIt) {
-  for (const std::string pages : {"1-1", "2-3"}) {
-    testing::DatabaseHolder writer(db, std::chrono::milliseconds(800));
-    ASSERT_TRUE(writer.held() && testing::DatabaseHolder::LocksOutAReaderThatDoesNotWait(db));
-    EXPECT_EQ(Run({"list", listRule, "--pages", pages}), 0) << said;
-  }
-  EXPECT_EQ(Value("select count(*) from db where source = 'Fixture'"), "12");
-}
-
-TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
+TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnythingAsDoesTheWorker) {
   for (auto bad :
-       std::vector<std::vector<std::string>>{{"list"},
+       std::vector<std::vector<std::string>>{{"list", listRule, "--queue", "--resume"},
+                                             {"list"},
                                              {"list", "0"},
                                              {"list", listRule, "--pages", "3-1"},
                                              {"list", listRule, "--delay-ms", "-5"},
@@ -75,17 +63,26 @@ TEST_F(GatherCommand, RefusesWhatItCannotRunBeforeAskingAnything) {
                                              {"id", idRule}})
     EXPECT_EQ(Run(bad), 2) << bad.back();
   EXPECT_TRUE(Holds(said, "--ids FIRST-LAST"));
-  EXPECT_EQ(Run({"list", "999"}), 1);
-  EXPECT_TRUE(Holds(said, "no list rule number 999"));
+  for (const auto& missing :
+       std::vector<std::vector<std::string>>{{"list", "999"}, {"list", "999", "--queue"}}) {
+    EXPECT_EQ(Run(missing), 1);
+    EXPECT_TRUE(Holds(said, "there is no list rule number 999 in this site\n"));
+  }
   EXPECT_EQ(Run({"id", "99", "--ids", "1-2"}), 1);
   EXPECT_TRUE(Holds(said, "no ID rule number 99"));
   EXPECT_EQ(Run({"id", idRule, "--resume"}), 1);  // nothing to resume and no range
   EXPECT_TRUE(Holds(said, "--ids FIRST-LAST is needed"));
   EXPECT_TRUE(remote.Requests().empty());
+  EXPECT_EQ(Value("select count(*) from gather_run"), "0");
+  std::string problem;
+  EXPECT_FALSE(engine::ParseWorkerArgs({"--once"}, problem));
+  EXPECT_EQ(problem, "worker needs --site DIR");
+  EXPECT_FALSE(engine::ParseWorkerArgs({"--site", "x", "--lease-seconds", "0"}, problem));
 }
 
 TEST_F(GatherCommand, AListRunKilledHalfWayIsResumedWithoutDuplicates) {
   testing::Sql(db, "drop table gather_run");  // an older database: the run adds its journal
+  // Pages 1-2 must be committed while page 3 is slow to come; then the run is killed.
   remote.Set("/r/3.html", RemoteReply(200, FixtureResultPage(3, 4)).Delay(20000));
   KillWhenAsked({"gather", "--site", site, "list", listRule, "--pages", "1-5", "--delay-ms", "0"},
                 "/r/3.html", [&] { return Value("select count(*) from db") == "8"; });
@@ -100,7 +97,7 @@ TEST_F(GatherCommand, AListRunKilledHalfWayIsResumedWithoutDuplicates) {
   EXPECT_EQ(Value("select count(*) from gather_run where finished is null"), "0");
 }
 
-TEST_F(GatherCommand, AnIdRunStoresEachIdOnceResumesAndSurvivesABadMarker) {
+TEST_F(GatherCommand, AnIdRunStoresEachIdOnceWritesItsRangeAndSurvivesABadMarker) {
   remote.Set("/id/3.html", {200, "<div class=\"none\">no such video</div>"});
   remote.Set("/id/5.html", {404, "gone"});
   // ID 2's link is known already (as the store keeps it, without "http://").
@@ -117,21 +114,9 @@ TEST_F(GatherCommand, AnIdRunStoresEachIdOnceResumesAndSurvivesABadMarker) {
             "film 影片 4|film 影片 4|IdFixture|ids.test/");
   EXPECT_EQ(Value("select group_concat(title) from (select title from db order by id) as t"),
             "film 影片 2,film 影片 1,film 影片 4");
-  EXPECT_EQ(Value("select kind || next || (finished is not null) from gather_run"), "id61");
-
-  // A run stopped after ID 2 of 1-4, as a killed process leaves it in the journal: the rest
-  // is asked for, and the whole range is written.
-  testing::Sql(db,
-               "insert into gather_run (kind, rule_id, keyword, first, last, next, pages, "
-               "entries, inserted, updated, no_results, failed, started) values ('id', " +
-                   idRule + ", '', 1, 4, 3, 2, 2, 2, 0, 0, 0, datetime('now'))");
-  ASSERT_EQ(Run({"id", idRule, "--resume", "--json"}), 0);
-  EXPECT_TRUE(Holds(said, "resuming run 2 of rule " + idRule + " at ID 3 of 1-4"));
-  EXPECT_TRUE(Holds(
-      said,
-      "{\"ids\":4,\"inserted\":2,\"updated\":1,\"no_data\":1,\"failed\":0,\"unmatched\":0}\n"));
-  EXPECT_EQ(remote.Requests().size(), 8u);
-  EXPECT_EQ(Value("select \"range\" from gather_id_web"), "1 - 4");
+  EXPECT_EQ(Value("select kind || next || (finished is not null) || ' ' || \"range\" from "
+                  "gather_run, gather_id_web"),
+            "id61 1 - 5");
 
   testing::Sql(db, "update gather_id_web set title_start = '<h1('");
   ASSERT_EQ(Run({"id", idRule, "--ids", "1-2", "--json"}), 0);
@@ -156,38 +141,6 @@ TEST_F(GatherCommand, ARuleThatMatchesNothingIsFlaggedUntilItMatchesAgain) {
   testing::Sql(db, "update gather_id_web set title_start = '<h2>'");
   EXPECT_EQ(Run({"id", idRule, "--ids", "1-1"}), 3);
   EXPECT_EQ(Value("select kind from gather_rule_health"), "id");
-}
-
-TEST_F(GatherCommand, ANulInARemoteTitleDoesNotStopTheRun) {
-  std::string page = FixtureResultPage(1, 4);
-  page.insert(page.find("Video") + 2, 1, '\0');
-  remote.Set("/r/1.html", {200, page});
-  EXPECT_EQ(Run({"list", listRule, "--pages", "1-2", "--json"}), 0) << said;
-  EXPECT_TRUE(Holds(said, "\"inserted\":8,\"updated\":0,\"no_results\":0,\"failed\":0"));
-  EXPECT_EQ(Value("select title from db order by id limit 1"),
-            "video 影片 1-1");  // the NUL left out
-}
-
-// A remote site at a public address may not send the gatherer to a private one: the page is
-// failed with the reason and the private address is never asked. (Every fixture is on loopback,
-// so the fetcher is told to take one site's port for a public address.) A rule whose own
-// address is private, an intranet site, follows the same redirect.
-TEST_F(GatherCommand, ARedirectFromAPublicSiteToAPrivateAddressIsRefused) {
-  testing::RemoteSite outside;
-  outside.Set("/r/1.html", {302, "", {"Location: " + remote.Url("/r/1.html")}});
-  const std::string rule = testing::InsertFixtureRule(db, outside.Url("/r/[page].html"));
-  fetcher = outside.FetcherCallingThisSitePublic();
-  EXPECT_EQ(Run({"list", rule, "--pages", "1-1", "--retries", "0", "--json"}), 0);
-  EXPECT_TRUE(Holds(said, "page 1 failed: " + outside.Url("/r/1.html") +
-                              ": refused redirect from a public address to a private one\n"));
-  EXPECT_TRUE(Holds(said, "\"failed\":1,\"unmatched\":0}\n"));
-  EXPECT_EQ(Asked("/r/1.html"), 0);
-  EXPECT_EQ(Value("select count(*) from db"), "0");
-
-  fetcher = nullptr;  // 127.0.0.1 is private: the rule is an intranet site's
-  EXPECT_EQ(Run({"list", rule, "--pages", "1-1", "--json"}), 0);
-  EXPECT_EQ(Asked("/r/1.html"), 1);
-  EXPECT_EQ(Value("select count(*) from db"), "4");
 }
 
 }  // namespace

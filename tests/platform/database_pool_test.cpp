@@ -18,30 +18,24 @@ class KeptConnections : public ::testing::Test {
   void SetUp() override {
     if (testing::OnPostgres()) GTEST_SKIP() << "about SQLite files";
   }
-  std::shared_ptr<Connection> Connect(const std::filesystem::path& file) {
-    auto conn = std::make_shared<Connection>();
-    conn->Open(u"DBQ=" + FromUtf8(file.string()) + u";DRIVER={Microsoft Access Driver (*.mdb)};");
-    return conn;
-  }
   std::u16string Keywords(const std::shared_ptr<Connection>& conn) {
-    auto rs = conn->Execute(u"select count(*) from keyword");
-    return CStr(rs->FieldAt(0));
+    return CStr(conn->Execute(u"select count(*) from keyword")->FieldAt(0));
   }
   testing::TempDir dir_;
   testing::TestDatabase database_{dir_.path() / "site.mdb"};
+  const std::filesystem::path file = database_.file();
 };
 
 TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndItsWritesReachOtherProcesses) {
-  const std::filesystem::path file = database_.file();
   // A page that ends inside a write (an error between BEGIN and COMMIT) leaves no open
   // transaction and no uncommitted row to the next page.
   {
-    auto conn = Connect(file);
+    auto conn = testing::Connect(file);
     conn->backend().BeginWrite();
     conn->Execute(u"insert into keyword (keyword) values ('left open')");
     conn->Close();
   }
-  auto next = Connect(file);
+  auto next = testing::Connect(file);
   EXPECT_FALSE(next->backend().InTransaction());
   EXPECT_EQ(Keywords(next), u"0");
   next->Execute(u"insert into keyword (keyword) values ('kept')");
@@ -50,8 +44,8 @@ TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndItsWritesReachOthe
   // Another process opening and closing the database while a connection is kept sees its later
   // writes: opening here must not drop the locks that say the write-ahead log is in use.
   CloseIdleDatabases();
-  Keywords(Connect(file));  // kept, having read
-  Keywords(Connect(file));  // the same one again
+  Keywords(testing::Connect(file));  // kept, having read
+  Keywords(testing::Connect(file));  // the same one again
   const auto elsewhere = [&](const std::string& sql) {
     std::string out;
     FILE* shell = popen(("sqlite3 '" + file.string() + "' \"" + sql + "\"").c_str(), "r");
@@ -60,7 +54,7 @@ TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndItsWritesReachOthe
     return out;
   };
   EXPECT_EQ(elsewhere("select count(*) from keyword"), "1\n");
-  Connect(file)->Execute(u"insert into keyword (keyword) values ('seen')");
+  testing::Connect(file)->Execute(u"insert into keyword (keyword) values ('seen')");
   EXPECT_EQ(elsewhere("select keyword from keyword"), "kept\nseen\n");
 
   // With every kept connection closed nothing holds the file: the write-ahead log is gone.
@@ -69,7 +63,7 @@ TEST_F(KeptConnections, AReusedConnectionCarriesNothingOverAndItsWritesReachOthe
 }
 
 TEST_F(KeptConnections, KeptStatementsStartAfreshAndAConnectionWithOneStillOutIsNotKept) {
-  auto conn = Connect(database_.file());
+  auto conn = testing::Connect(file);
   for (const char16_t* k : {u"a", u"b"})
     conn->Execute(u"insert into keyword (keyword) values (?)", {Variant(k)});
   const std::u16string sql = u"select keyword from keyword where keyword >= ? order by keyword";
@@ -82,7 +76,7 @@ TEST_F(KeptConnections, KeptStatementsStartAfreshAndAConnectionWithOneStillOutIs
   // page, or the set would read that page's uncommitted row.
   auto open = conn->Execute(sql, {Variant(u"a")});
   conn->Close();
-  auto next = Connect(database_.file());
+  auto next = testing::Connect(file);
   next->backend().BeginWrite();
   next->Execute(u"insert into keyword (keyword) values ('c')");
   open->MoveNext();

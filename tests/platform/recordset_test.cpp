@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <thread>
 
 #include "platform/ado/connection.h"
 #include "platform/ado/statement_text.h"
 #include "platform/clock.h"
+#include "support/database_holder.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::ado {
@@ -32,12 +32,8 @@ std::u16string ConnectionStringFor(const std::filesystem::path& file) {
 
 class Database : public ::testing::Test {
  protected:
-  void Sql(const std::string& sql) { testing::Sql(file, sql); }
-  std::shared_ptr<Connection> Connect() {
-    auto conn = std::make_shared<Connection>();
-    conn->Open(ConnectionStringFor(file));
-    return conn;
-  }
+  std::string Sql(const std::string& sql) { return testing::Sql(file, sql); }
+  std::shared_ptr<Connection> Connect() { return testing::Connect(file); }
   std::shared_ptr<Recordset> Query(const std::shared_ptr<Connection>& conn, std::u16string_view sql,
                                    int lockType = 1, Params params = {}) {
     auto rs = std::make_shared<Recordset>();
@@ -46,8 +42,8 @@ class Database : public ::testing::Test {
   }
   // The values of an expression over all rows of a table, in the order of id.
   std::string Column(const std::string& table, const std::string& expression) {
-    return testing::SqlValue(file, "select group_concat(v) from (select " + expression +
-                                       " as v from " + table + " order by id) as t");
+    return Sql("select group_concat(v) from (select " + expression + " as v from " + table +
+               " order by id) as t");
   }
   // Rows 1 .. n of keyword, "k1" .. "kn".
   void AddKeywords(int n) {
@@ -100,7 +96,7 @@ TEST_F(Database, ExecuteRunsExactlyOneStatementAndAFailureLeavesNothingOpen) {
   EXPECT_THROW(conn->Execute(u"insert into db(id,title) values(2,'y')"), ScriptError);
   conn->Execute(u"insert into db(id,title) values(8,'z')");
   EXPECT_EQ(Column("db", "title"), "b,z");
-  EXPECT_EQ(testing::SqlValue(file, "select count(*) from admin"), "0");  // not dropped
+  EXPECT_EQ(Sql("select count(*) from admin"), "0");  // not dropped
 }
 
 TEST_F(Database, QueriesReturnTypedFields) {
@@ -113,14 +109,10 @@ TEST_F(Database, QueriesReturnTypedFields) {
   EXPECT_EQ(CDate(rs->Field(u"time")), MakeDate(2024, 5, 3, 9, 5, 7));
   EXPECT_TRUE(rs->Field(u"image").IsNull());
   EXPECT_EQ(Raised([&] { rs->Field(u"nosuch"); }).number, 3265);
-  rs->MoveNext();
-  EXPECT_TRUE(rs->Eof());
-  EXPECT_EQ(Raised([&] { rs->Field(u"title"); }).number, 3021);
   EXPECT_EQ(conn->Execute(u"select count(*) as n from db")->Field(u"n").type(), VarType::Long);
-  auto computed = conn->Execute(u"select 3000000000 as big, 1.5 as real, 'x' as text");
+  auto computed = conn->Execute(u"select 3000000000 as big, 1.5 as real");
   EXPECT_EQ(CDbl(computed->Field(u"big")), 3000000000.0);  // beyond 32 bits: a Double
   EXPECT_EQ(computed->Field(u"real").type(), VarType::Double);
-  EXPECT_EQ(computed->Field(u"text").str(), u"x");
   if (!testing::OnPostgres()) {
     // SQLite keeps what a column was given: text in a date column stays text, bytes stay bytes.
     Sql("insert into db(id,title,time,content) values(2,'x','not a date',x'00ff')");
@@ -178,7 +170,7 @@ TEST_F(Database, AddNewAndUpdateWriteTheirRowThroughTheSet) {
   rs->Update();
   EXPECT_EQ(CLng(rs->Field(u"id")), 4);  // the new row is current
   EXPECT_TRUE(rs->Field(u"image").IsNull());
-  EXPECT_EQ(testing::SqlValue(file, "select title || click || time || source from db where id=4"),
+  EXPECT_EQ(Sql("select title || click || time || source from db where id=4"),
             "新记录 ’“€02024-05-03 09:05:07-1");
   // Without a time, the column's default stamps the row with the local time now.
   rs->AddNew();
@@ -195,7 +187,7 @@ TEST_F(Database, AddNewAndUpdateWriteTheirRowThroughTheSet) {
   all->SetField(u"click", Variant(int32_t{10}));
   all->MoveNext();
   EXPECT_EQ(Column("db", "title || click"), "a10,B2,c3,新记录 ’“€0,e0");
-  EXPECT_EQ(testing::SqlValue(file, "select time from db where id=2"), "2020-02-29 23:59:59");
+  EXPECT_EQ(Sql("select time from db where id=2"), "2020-02-29 23:59:59");
 
   auto readOnly = Query(conn, u"select * from db", 1);
   EXPECT_EQ(Raised([&] { readOnly->SetField(u"title", Variant(u"x")); }).number, 3251);
@@ -223,11 +215,8 @@ TEST_F(Database, BoundTextIsDataWhateverItHolds) {
 
   conn->Execute(u"update keyword set hot = ? where keyword = ?", {Variant(7), injection});
   conn->Execute(u"update keyword set hot = ? where keyword = ?", {Variant(9), Variant(u"it's")});
-  EXPECT_EQ(
-      testing::SqlValue(
-          file,
-          "select group_concat(hot) from (select distinct hot from keyword order by hot) as t"),
-      "0,9");
+  EXPECT_EQ(Sql("select group_concat(hot) from (select distinct hot from keyword order by hot) t"),
+            "0,9");
   // Marks and values that differ in number are a mistake of the caller.
   EXPECT_THROW(conn->Execute(u"select * " + where), std::invalid_argument);
 
@@ -238,7 +227,7 @@ TEST_F(Database, BoundTextIsDataWhateverItHolds) {
            [&] { conn->Execute(u"delete from keyword where keyword=?", {Variant(nul)}); },
            [&] { Query(conn, u"select * from keyword where keyword like '" + nul + u"%'"); }})
     EXPECT_EQ(Raised(run).description, NulInText().description);
-  EXPECT_EQ(testing::SqlValue(file, "select count(*) from keyword"), "101");
+  EXPECT_EQ(Sql("select count(*) from keyword"), "101");
 }
 
 TEST_F(Database, ReadsAndWritesInterleaveAcrossSetsAndConnections) {
@@ -265,25 +254,16 @@ TEST_F(Database, ReadsAndWritesInterleaveAcrossSetsAndConnections) {
 
 TEST_F(Database, AWriterWaitsForAnotherConnectionsTransaction) {
   if (testing::OnPostgres()) GTEST_SKIP() << "an SQLite lock";
-  auto conn = Connect();
-  sqlite3* other = nullptr;
-  ASSERT_EQ(sqlite3_open(file.c_str(), &other), SQLITE_OK);
-  ASSERT_EQ(sqlite3_exec(other, "begin immediate; insert into keyword(keyword) values('first')",
-                         nullptr, nullptr, nullptr),
-            SQLITE_OK);
-  std::thread committer([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    sqlite3_exec(other, "commit", nullptr, nullptr, nullptr);
-  });
+  testing::DatabaseHolder other(file, std::chrono::milliseconds(100));
+  ASSERT_TRUE(other.held());
   // Without the busy time-out this fails at once with "database is locked".
-  EXPECT_NO_THROW(conn->Execute(u"insert into keyword(keyword) values('second')"));
-  committer.join();
-  sqlite3_close(other);
-  EXPECT_EQ(Column("keyword", "keyword"), "first,second");
+  EXPECT_NO_THROW(Connect()->Execute(u"insert into keyword(keyword) values('second')"));
+  EXPECT_EQ(Column("keyword", "keyword"), "second");
 }
 
 // On PostgreSQL the count that the triggers keep stands for count(*) in and out of transactions,
 // and a list skipped through the key's index lands where OFFSET would, with a bound condition.
+// (LIKE without regard to case: the adapter's test below and the search pages on PostgreSQL.)
 TEST_F(Database, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
   if (!testing::OnPostgres()) GTEST_SKIP() << "a count kept by PostgreSQL's triggers";
   Sql("INSERT INTO db (title) SELECT 'record ' || i FROM generate_series(1, 1000) AS i");
@@ -294,14 +274,11 @@ TEST_F(Database, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
   conn->Execute(u"delete from db where id > 990");
   conn->backend().BeginWrite();
   conn->Execute(u"insert into db (title) values ('a'), ('b')");
-  EXPECT_EQ(number(count), 992);  // the writer sees its own rows
-  EXPECT_EQ(testing::SqlValue(file, "select n from row_count"), "990");  // others do not
+  EXPECT_EQ(number(count), 992);                     // the writer sees its own rows
+  EXPECT_EQ(Sql("select n from row_count"), "990");  // others do not
   conn->backend().Rollback();
   EXPECT_EQ(number(count), 990);
-  EXPECT_EQ(testing::SqlValue(file, "select count(*) from db"), "990");
-  // LIKE ignores letter case, NOT LIKE too.
-  EXPECT_EQ(number(u"select count(*) from db where title like 'RECORD 99%'"), 2);
-  EXPECT_EQ(number(u"select count(*) from db where db.title not like 'RECORD 99%'"), 988);
+  EXPECT_EQ(Sql("select count(*) from db"), "990");
 
   // Ids holding a 7: 270 of 1 .. 990.
   auto rs = Query(conn, u"select id, title from db where title like ? order by id desc", 1,
@@ -318,28 +295,23 @@ TEST_F(Database, KeptCountsAndKeyedSkipsAgreeWithTheTable) {
   EXPECT_EQ(number(count), 990);
 }
 
-// Statements in the host's dialect (TOP, date literals, Now(), Date()) as the database takes them.
-TEST(StatementAdapter, TopBecomesLimitAndDateLiteralsBecomeIsoText) {
-  EXPECT_EQ(AdaptStatement(u"  SELECT  TOP 5 * FROM keyword ; "),
-            u"  SELECT  * FROM keyword limit 5 ; ");
-  EXPECT_EQ(AdaptStatement(u"select distinct top 3 title from db where title like '%a%' order "
-                           u"by click desc,time desc"),
-            u"select distinct title from db where title like '%a%' order by click desc,time desc "
-            u"limit 3");
-  EXPECT_EQ(AdaptStatement(u"update admin set login_time=#2024-5-3 9:05:07# where id=1"),
-            u"update admin set login_time='2024-05-03 09:05:07' where id=1");
-  EXPECT_EQ(AdaptStatement(u"select * from db where time>#2024/12/1# and title='#x#'"),
-            u"select * from db where time>'2024-12-01 00:00:00' and title='#x#'");
-  // Now() and Date() read the process's clock.
-  TestClock clock(MakeDate(2026, 11, 22, 6, 5, 9));
+// Statements in the host's dialect (TOP, date literals, Now(), Date()) as the database takes them;
+// look-alikes in names, texts and other uses stay as they are.
+TEST(StatementAdapter, TopBecomesLimitAndDateLiteralsBecomeIsoTextAndLookAlikesStay) {
+  TestClock clock(MakeDate(2026, 11, 22, 6, 5, 9));  // what Now() and Date() read
   ScopedClock installed(clock);
-  EXPECT_EQ(AdaptStatement(u"update db set time=Now ( ) where id=1"),
-            u"update db set time='2026-11-22 06:05:09' where id=1");
-  EXPECT_EQ(AdaptStatement(u"select * from db where time>=date()"),
-            u"select * from db where time>='2026-11-22'");
-}
-
-TEST(StatementAdapter, LeavesLookAlikesAlone) {
+  const std::pair<std::u16string_view, std::u16string_view> adapted[] = {
+      {u"  SELECT  TOP 5 * FROM keyword ; ", u"  SELECT  * FROM keyword limit 5 ; "},
+      {u"select distinct top 3 title from db where title like '%a%' order by click desc",
+       u"select distinct title from db where title like '%a%' order by click desc limit 3"},
+      {u"update admin set login_time=#2024-5-3 9:05:07# where id=1",
+       u"update admin set login_time='2024-05-03 09:05:07' where id=1"},
+      {u"select * from db where time>#2024/12/1# and title='#x#'",
+       u"select * from db where time>'2024-12-01 00:00:00' and title='#x#'"},
+      {u"update db set time=Now ( ) where id=1",
+       u"update db set time='2026-11-22 06:05:09' where id=1"},
+      {u"select * from db where time>=date()", u"select * from db where time>='2026-11-22'"}};
+  for (const auto& [sql, expected] : adapted) EXPECT_EQ(AdaptStatement(sql), expected);
   for (const char16_t* sql : {
            u"select topic from t",
            u"select * from db where title='select top 5'",
@@ -367,14 +339,6 @@ TEST(StatementAdapter, PostgresLikeIgnoresCaseOnlyInCode) {
       u"select \"x,a like b\" from t -- (a like b)\n where t = 'x,a like b' or unlike = 1 /* ,a "
       u"like b */";
   EXPECT_EQ(AdaptStatement(kept, Dialect::kPostgres), kept);
-}
-
-TEST(StatementText, FindsTheTableOfAQuery) {
-  EXPECT_EQ(TableOfQuery(u"SELECT id FROM [gather_id_web] WHERE id=1"), u"gather_id_web");
-  EXPECT_EQ(TableOfQuery(u"select (select max(id) from sort) as m, 'from x' from keyword"),
-            u"keyword");
-  EXPECT_EQ(TableOfQuery(u"select 1"), u"");
-  EXPECT_EQ(TrimStatementEnd(u"select 1 ;  \r\n"), u"select 1");
 }
 
 }  // namespace

@@ -49,19 +49,15 @@ class Records {
   void Churn() {
     for (int i = 0; i < 150; ++i) {
       const Variant id(static_cast<int32_t>(random_() % 1500 + 1));
-      switch (random_() % 4) {
-        case 0:
-          conn_->Execute(u"update db set title = ? where id = ?", {RandomText(16), id});
-          break;
-        case 1:
-          conn_->Execute(u"update db set content = ? where id = ?", {RandomText(40), id});
-          break;
-        case 2:
-          conn_->Execute(u"delete from db where id = ?", {id});
-          break;
-        default:
-          conn_->Execute(u"update db set id = id + 100000 where id = ?", {id});
-      }
+      const int change = random_() % 4;  // title, content, delete, renumber
+      if (change < 2)
+        conn_->Execute(change ? u"update db set content = ? where id = ?"
+                              : u"update db set title = ? where id = ?",
+                       {RandomText(change ? 40 : 16), id});
+      else
+        conn_->Execute(change == 2 ? u"delete from db where id = ?"
+                                   : u"update db set id = id + 100000 where id = ?",
+                       {id});
     }
   }
   // A word as a visitor might type it: a piece of a stored text, letters' case flipped at
@@ -92,11 +88,9 @@ class Records {
       ids.push_back(TextOf(rs->FieldAt(0)));
     return ids;
   }
-  RecordIndex index() { return RecordIndexOf(*conn_); }
-  double IndexCount(const std::u16string& match) {
-    return CDbl(
-        conn_->Execute(u"select count(*) from db_index where db_index match ?", {Variant(match)})
-            ->FieldAt(0));
+  // The number that a count statement gives.
+  double Count(const std::u16string& sql, const ado::Params& params = {}) {
+    return CDbl(conn_->Execute(sql, params)->FieldAt(0));
   }
 
  private:
@@ -109,17 +103,15 @@ class Records {
 // matches: a record it missed, or old text of a changed one that it kept, shows there.
 void ExpectSameAsScan(Records& records, const std::vector<std::u16string>& words, bool taken) {
   const std::u16string like = u" like '%' || ? || '%'";
-  const RecordIndex index = records.index();
+  const RecordIndex index = RecordIndexOf(records.conn());
   ASSERT_NE(index, RecordIndex::kNone);
   if (index == RecordIndex::kPairs) {
     // A record missing from db_gram, one left there after its deletion or renumbering, or keys
     // of an older text.
-    EXPECT_EQ(CDbl(records.conn()
-                       .Execute(u"select count(*) from db full join db_gram using (id) "
-                                u"where db.id is null or db_gram.id is null or "
-                                u"db_gram.title is distinct from db.title or "
-                                u"db_gram.content is distinct from db.content")
-                       ->FieldAt(0)),
+    EXPECT_EQ(records.Count(u"select count(*) from db full join db_gram using (id) "
+                            u"where db.id is null or db_gram.id is null or "
+                            u"db_gram.title is distinct from db.title or "
+                            u"db_gram.content is distinct from db.content"),
               0);
   }
   int found = 0;
@@ -133,16 +125,15 @@ void ExpectSameAsScan(Records& records, const std::vector<std::u16string>& words
           {Fields::Title, records.Ids(u"where title" + like, {w})},
           {Fields::Content, records.Ids(u"where content" + like, {w})}}) {
       const Condition found = ContainsWord(word, fields, index);
-      ASSERT_EQ(records.Ids(found.where, found.params), scan) << ToUtf8(word);
-      ASSERT_EQ(CDbl(records.conn().Execute(found.count, found.countParams)->FieldAt(0)),
-                static_cast<double>(scan.size()))
-          << ToUtf8(word);
+      ASSERT_EQ(records.Ids(found.where, found.params), scan);
+      ASSERT_EQ(records.Count(found.count, found.countParams), static_cast<double>(scan.size()));
     }
     // Without wildcards the index alone finds exactly the matches.
     if (auto match = MatchExpression(word, Fields::TitleOrContent);
         taken && index == RecordIndex::kTokens && match &&
         word.find_first_of(u"%_") == std::u16string::npos) {
-      ASSERT_EQ(records.IndexCount(*match), static_cast<double>(scanned.size()));
+      ASSERT_EQ(records.Count(u"select count(*) from db_index where db_index match ?", {*match}),
+                static_cast<double>(scanned.size()));
     }
     found += !scanned.empty();
   }
@@ -165,49 +156,32 @@ TEST(RecordIndex, FindsWhatTheLikeScanFindsThroughEditsAndRebuilds) {
   records.Churn();
   records.Add(300);
   ExpectSameAsScan(records, words, false);
-  while (TakeInPending(records.conn(), 1, 200) > 0) {
-  }
+  while (TakeInPending(records.conn(), 1, 200) > 0) continue;
   ExpectSameAsScan(records, words, true);
 
   // A rebuild reads db afresh and leaves the same answers.
   records.Churn();
-  EXPECT_EQ(RebuildRecordIndex(records.conn()),
-            CDbl(records.conn().Execute(u"select count(*) from db")->FieldAt(0)));
+  EXPECT_EQ(RebuildRecordIndex(records.conn()), records.Count(u"select count(*) from db"));
   ExpectSameAsScan(records, words, true);
 }
 
-TEST(RecordIndex, WordsOfOnlyWildcardsOrNothingHaveNoLookUp) {
-  EXPECT_EQ(MatchExpression(u"%_%", Fields::TitleOrContent), std::nullopt);
-  EXPECT_EQ(MatchExpression(u"", Fields::Title), std::nullopt);
-  EXPECT_TRUE(LiteralPieces(u"%_%").empty());
-  // PostgreSQL's escape: a backslash's character is literal, one at the end takes the '%'.
-  EXPECT_EQ(LiteralPieces(u"a\\%b_\\"), (std::vector<std::u16string>{u"a%b", u"%"}));
-  // A quote stays inside its phrase; the column limits the whole expression.
-  EXPECT_EQ(*MatchExpression(u"a\"b%c", Fields::Title), u"{title} : (\"a\"\"b\" AND \"c\")");
-}
-
 TEST(SearchWords, SimultaneousSearchesOfNewWordsKeepOneRowEach) {
-  testing::TestSite site;
-  const std::u16string connstr = u"DBQ=" + FromUtf8(site.database().string()) + u";";
+  TestSite site;
   constexpr int kWords = 40, kSearchers = 3;
   std::barrier start(kSearchers);
   std::vector<std::jthread> searchers;
   for (int s = 0; s < kSearchers; ++s)
     searchers.emplace_back([&] {
-      auto conn = std::make_shared<ado::Connection>();
-      conn->Open(connstr);
+      auto conn = testing::Connect(site.database());
       for (int w = 0; w < kWords; ++w) {
         start.arrive_and_wait();  // all searchers look up the same new word at once
         CountSearch(*conn, u"词" + FromUtf8(std::to_string(w)));
       }
     });
   searchers.clear();
-  auto conn = std::make_shared<ado::Connection>();
-  conn->Open(connstr);
-  auto rs = conn->Execute(u"select count(*), min(hot), max(hot) from keyword");
-  EXPECT_EQ(CDbl(rs->FieldAt(0)), kWords);
-  EXPECT_EQ(CDbl(rs->FieldAt(1)), kSearchers);
-  EXPECT_EQ(CDbl(rs->FieldAt(2)), kSearchers);
+  EXPECT_EQ(testing::SqlValue(site.database(),
+                              "select count(*) || ',' || min(hot) || ',' || max(hot) from keyword"),
+            "40,3,3");
 }
 
 TEST(SearchWords, AnAddressCountsAWordOnceInTheWindow) {
