@@ -273,21 +273,27 @@ $$;
 DROP FUNCTION IF EXISTS db_gram_word(text);
 DROP FUNCTION IF EXISTS db_gram_keys(text, text);
 
--- The keys of a text (a key may occur twice; the index takes it once).
+-- The keys of a text (a key may occur twice; the index takes it once). The index expressions
+-- run this for every record written, so it is one loop of plain assignments: no query inside
+-- (each would be started afresh for every call) and no call of db_gram_codes (a function in
+-- SQL, planned again in every transaction that calls it).
 CREATE OR REPLACE FUNCTION db_gram_text(s text) RETURNS integer[]
 LANGUAGE plpgsql IMMUTABLE PARALLEL SAFE AS $$
 DECLARE
-  codes integer[] := db_gram_codes(s);
   keys integer[] := '{}';
-  n integer := coalesce(cardinality(codes), 0);
+  ch text;
+  code integer;
+  previous integer;
   pair integer;
 BEGIN
-  FOR i IN 1 .. n LOOP
-    keys := keys || codes[i];
-    IF i < n THEN
-      pair := (codes[i] << 16) | codes[i + 1];
+  FOREACH ch IN ARRAY coalesce(string_to_array(lower(s), NULL), '{}') LOOP
+    code := ascii(ch) & 65535;
+    keys := keys || code;
+    IF previous IS NOT NULL THEN
+      pair := (previous << 16) | code;
       keys := keys || ((pair # (pair >> 13)) & 262143);
     END IF;
+    previous := code;
   END LOOP;
   RETURN keys;
 END

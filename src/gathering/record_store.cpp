@@ -118,13 +118,28 @@ bool HasStoreFunction(ado::Connection& conn) {
   return true;
 }
 
-struct RecordStore::Statements {
-  explicit Statements(ado::Connection& conn)
-      : lookup(conn, kLookup), insert(conn, kInsert), update(conn, kUpdate), touch(conn, kTouch) {
-    if (HasStoreFunction(conn)) store.emplace(conn, kStoreEntry);
-  }
+namespace {
+
+// The statements of a store written statement by statement.
+struct StepStatements {
+  explicit StepStatements(ado::Connection& conn)
+      : lookup(conn, kLookup), insert(conn, kInsert), update(conn, kUpdate), touch(conn, kTouch) {}
   ado::PreparedStatement lookup, insert, update, touch;
+};
+
+}  // namespace
+
+// Either db_store_entry or the four statements, whichever the store uses: a store made for
+// one entry (StoreRecord) prepares only what it runs.
+struct RecordStore::Statements {
+  explicit Statements(ado::Connection& conn) {
+    if (HasStoreFunction(conn))
+      store.emplace(conn, kStoreEntry);
+    else
+      steps.emplace(conn);
+  }
   std::optional<ado::PreparedStatement> store;
+  std::optional<StepStatements> steps;
   std::u16string sourceUrl;
   NowTexts now;
 };
@@ -146,15 +161,16 @@ StoreOutcome RecordStore::Store(const GatheredRecord& record) {
          Variant(s.sourceUrl), s.now.Now()});
     return known && CDbl(*known) != 0 ? StoreOutcome::Updated : StoreOutcome::Inserted;
   }
+  StepStatements& steps = *s.steps;
   ado::WriteTransaction transaction(conn_);
-  std::optional<std::vector<Variant>> known = s.lookup.FirstRow({Variant(link)});
+  std::optional<std::vector<Variant>> known = steps.lookup.FirstRow({Variant(link)});
   const Variant& now = s.now.Now();
   if (!known) {
-    Insert(s.insert, record, site_, s.sourceUrl, std::move(link), now);
+    Insert(steps.insert, record, site_, s.sourceUrl, std::move(link), now);
   } else if (Holds((*known)[1], record.title, 100) && Holds((*known)[2], record.content, 150)) {
-    s.touch.Run({now, (*known)[0]});
+    steps.touch.Run({now, (*known)[0]});
   } else {
-    Update(s.update, (*known)[0], record.title, record.content, now);
+    Update(steps.update, (*known)[0], record.title, record.content, now);
   }
   transaction.Commit();
   return known ? StoreOutcome::Updated : StoreOutcome::Inserted;
