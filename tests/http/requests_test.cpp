@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <future>
 #include <set>
+#include <thread>
 
 #include "http/engine_fixture.h"
 
@@ -173,11 +174,16 @@ TEST_F(Requests, EditedPagesAndRuleFilesAreReadAgain) {
   EXPECT_EQ(client().Get("/admin/rule.asp?id=9").body, "nine|");
   std::ofstream(rules, std::ios::binary) << old;
 
+  // A page file edited from outside the server is seen once its last look has lapsed.
   std::filesystem::path page = root_ / "admin/changing.asp";
   WriteAnsi(page, u"one");
   EXPECT_EQ(client().Get("/admin/changing.asp").body, "one");
   WriteAnsi(page, u"second");
+  std::this_thread::sleep_for(engine::PageEngine::kFileRecheck + std::chrono::milliseconds(20));
   EXPECT_EQ(client().Get("/admin/changing.asp").body, "second");
+  // One the server writes itself is seen at once.
+  client().Get("/admin/rewrite.asp?text=third");
+  EXPECT_EQ(client().Get("/admin/changing.asp").body, "third");
 }
 
 TEST_F(Requests, ParallelPagesKeepTheirOwnSessionsAndGetTheApplicationLockBackFromAFailure) {
