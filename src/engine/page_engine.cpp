@@ -82,11 +82,12 @@ PageEngine::PageEngine(const std::filesystem::path& siteRoot, ComponentCreator c
       create_(std::move(create)),
       factory_(factory),
       sessions_(std::chrono::steady_clock::now, sessionCapacity),
-      setup_([](const std::string& bytes) { return SiteSetup::FromBytes(bytes); },
-             kFileRecheck),
-      pages_([](const std::string& bytes) {
-        return ParsePageFile(text::Decode(bytes, text::kAnsiCodePage));
-      }, kFileRecheck),
+      setup_([](const std::string& bytes) { return SiteSetup::FromBytes(bytes); }, kFileRecheck),
+      pages_(
+          [](const std::string& bytes) {
+            return ParsePageFile(text::Decode(bytes, text::kAnsiCodePage));
+          },
+          kFileRecheck),
       rules_([](const std::string& bytes) {
         return ParseCaseArms(text::Decode(bytes, text::kAnsiCodePage));
       }) {}
