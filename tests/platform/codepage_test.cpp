@@ -4,6 +4,7 @@
 #include <unicode/ucnv.h>
 
 #include <memory>
+#include <numeric>
 #include <sstream>
 
 #include "core/script_error.h"
@@ -88,6 +89,14 @@ TEST(CodePage, AsciiRunsEncodeAsTheConverterWritesTheWholeText) {
     ASSERT_TRUE(U_SUCCESS(err)) << name;
     EXPECT_EQ(Encode(text, codePage), whole) << name;
   }
+  // windows-936 looks its characters up and converts the rest: adjacent ones of either kind
+  // give what each gives alone (the whole-BMP test above checks those).
+  const std::u16string pieces[] = {u"中", u"가", u"€", u"😀", u"\xDBFF", u"文", u"\xDC00", u"𠀀"};
+  std::string each;
+  for (const std::u16string& piece : pieces) each += Encode(piece, kAnsiCodePage);
+  EXPECT_EQ(Encode(std::accumulate(std::begin(pieces), std::end(pieces), std::u16string()),
+                   kAnsiCodePage),
+            each);
 }
 
 TEST(CodePage, InvalidBytesBecomeReplacementWithoutSwallowingWhatFollows) {

@@ -3,6 +3,8 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -377,6 +379,65 @@ void AppendConverted(std::string& out, UConverter* cnv, const UChar* src, const 
   }
 }
 
+// windows-936's bytes for the characters of the BMP, each block of 256 made from the converter
+// the first time a text holds one of its characters: lead * 256 + trail for a double-byte
+// character, the byte for a single-byte one (the euro sign), 0 for what windows-936 lacks (a
+// surrogate, what is written as GB18030), which goes through the converter.
+class GbkCodes {
+ public:
+  uint16_t Of(char16_t c) {
+    const Block* block = blocks_[c >> 8].load(std::memory_order_acquire);
+    if (!block) block = Make(c >> 8);
+    return (*block)[c & 0xFF];
+  }
+
+ private:
+  using Block = std::array<uint16_t, 256>;
+  const Block* Make(unsigned high) {
+    auto block = std::make_unique<Block>();
+    UErrorCode err = U_ZERO_ERROR;
+    std::unique_ptr<UConverter, ConverterClose> cnv(ucnv_open(kGbk.encoder, &err));
+    ucnv_setFromUCallBack(cnv.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &err);
+    for (unsigned low = 0; low < 256; ++low) {
+      const auto c = static_cast<char16_t>(high << 8 | low);
+      uint16_t code = 0;
+      if (U_SUCCESS(err) && c >= 0x80 && (c < 0xD800 || c > 0xDFFF)) {
+        uint8_t bytes[4];
+        UErrorCode e = U_ZERO_ERROR;
+        const int32_t n =
+            ucnv_fromUChars(cnv.get(), reinterpret_cast<char*>(bytes), sizeof bytes, &c, 1, &e);
+        if (U_SUCCESS(e) && n == 1) code = bytes[0];
+        if (U_SUCCESS(e) && n == 2 && bytes[0] >= 0x81)
+          code = static_cast<uint16_t>(bytes[0] << 8 | bytes[1]);
+      }
+      (*block)[low] = code;
+    }
+    const Block* made = nullptr;  // or the one another thread made first
+    if (blocks_[high].compare_exchange_strong(made, block.get(), std::memory_order_acq_rel))
+      return block.release();
+    return made;
+  }
+  std::atomic<const Block*> blocks_[256] = {};
+};
+
+// Appends a run of non-ASCII text in windows-936: a table lookup for each character it holds,
+// the converter (GB18030 sequences, "?") for runs of the others.
+void AppendGbk(std::string& out, UConverter* cnv, const char16_t* p, const char16_t* end) {
+  static GbkCodes* const codes = new GbkCodes;  // never destroyed: pages may run at exit
+  while (p < end) {
+    const uint16_t code = codes->Of(*p);
+    if (code == 0) {
+      const char16_t* rest = p;
+      while (p < end && codes->Of(*p) == 0) ++p;
+      AppendConverted(out, cnv, rest, p);
+      continue;
+    }
+    if (code >= 0x100) out.push_back(static_cast<char>(code >> 8));
+    out.push_back(static_cast<char>(code & 0xFF));
+    ++p;
+  }
+}
+
 void AppendFromUnicode(std::string& out, std::u16string_view text, const char* name,
                        unsigned flags) {
   if (text.empty()) return;
@@ -390,7 +451,8 @@ void AppendFromUnicode(std::string& out, std::u16string_view text, const char* n
   // Markup is mostly ASCII: its runs are copied as they are, and only the runs between them
   // go through the converter. Every other character is a whole run's worth (a surrogate pair
   // is never split, a lone surrogate meets the end of its run as it would meet an ASCII
-  // character), so the bytes are the same as the whole text's conversion.
+  // character), so the bytes are the same as the whole text's conversion. The same holds for
+  // the runs of windows-936 that AppendGbk splits off.
   const char16_t* p = text.data();
   const char16_t* const end = p + text.size();
   while (p < end) {
@@ -403,7 +465,11 @@ void AppendFromUnicode(std::string& out, std::u16string_view text, const char* n
     }
     const char16_t* other = p;
     while (p < end && *p >= 0x80) ++p;
-    if (p > other) AppendConverted(out, c.converter.get(), other, p);
+    if (p == other) continue;
+    if (flags & kGb18030Beyond)
+      AppendGbk(out, c.converter.get(), other, p);
+    else
+      AppendConverted(out, c.converter.get(), other, p);
   }
 }
 
