@@ -483,7 +483,13 @@ std::string Encode(std::u16string_view text, int codePage) {
 
 void EncodeAppend(std::string& out, std::u16string_view text, int codePage) {
   const Encoding& e = ForCodePage(codePage);
-  AppendFromUnicode(out, text, e.encoder, e.flags);
+  const size_t before = out.size();
+  try {
+    AppendFromUnicode(out, text, e.encoder, e.flags);
+  } catch (...) {
+    out.resize(before);  // nothing of a text that failed
+    throw;
+  }
 }
 
 std::u16string Decode(std::string_view bytes, int codePage) {
