@@ -38,13 +38,15 @@ void Desktop::WriteLastSignInTime() {
 void Desktop::WriteGathering() {
   // Read once a second at most while the database is not written to (desktop_summary.h).
   const std::string file = ToUtf8(CurrentServer().MapPath(u"../" + TextOf(DB)));
-  const DesktopSummary summary = SummaryOf(file, IsoDate(std::floor(CurrentClock().Now())), [&] {
-    OpenConnection(*this, u"InitFunction6", DB, connstr, conn);
-    ado::Connection& connection = ConnectionOf(conn);
-    DesktopSummary read{gathering::RunsOfToday(connection), gathering::MarkedRules(connection)};
-    CloseAndRelease(conn);
-    return read;
-  });
+  const std::shared_ptr<const DesktopSummary> kept =
+      SummaryOf(file, IsoDate(std::floor(CurrentClock().Now())), [&] {
+        OpenConnection(*this, u"InitFunction6", DB, connstr, conn);
+        ado::Connection& connection = ConnectionOf(conn);
+        DesktopSummary read{gathering::RunsOfToday(connection), gathering::MarkedRules(connection)};
+        CloseAndRelease(conn);
+        return read;
+      });
+  const DesktopSummary& summary = *kept;
   const gathering::TodaysRuns& today = summary.today;
   auto number = [](long long n) { return HtmlText(CStr(Variant(static_cast<double>(n)))); };
   Response& out = CurrentResponse();

@@ -17,7 +17,7 @@ struct Kept {
   ado::CommitStamp stamp;
   std::u16string day;
   Clock::time_point readAt;
-  DesktopSummary summary;
+  std::shared_ptr<const DesktopSummary> summary;
 };
 
 std::mutex mutex;
@@ -28,8 +28,8 @@ std::map<std::string, Kept>& KeptSummaries() {
 
 }  // namespace
 
-DesktopSummary SummaryOf(const std::string& file, const std::u16string& day,
-                         const std::function<DesktopSummary()>& read) {
+std::shared_ptr<const DesktopSummary> SummaryOf(const std::string& file, const std::u16string& day,
+                                                const std::function<DesktopSummary()>& read) {
   const Clock::time_point now = Clock::now();
   // Taken before the reading: a commit that the reading may miss changes it.
   const std::optional<ado::CommitStamp> stamp = ado::CommitStampOf(file);
@@ -40,7 +40,7 @@ DesktopSummary SummaryOf(const std::string& file, const std::u16string& day,
         now - it->second.readAt < kKeptFor)
       return it->second.summary;
   }
-  DesktopSummary summary = read();
+  auto summary = std::make_shared<const DesktopSummary>(read());
   if (stamp && stamp->settled) {
     std::lock_guard lock(mutex);
     std::map<std::string, Kept>& kept = KeptSummaries();

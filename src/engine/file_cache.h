@@ -1,8 +1,14 @@
 // A cache of what was made from a file (a parsed page file, a rule file, Setup.asp), kept
-// until the file is replaced or its modification time or size changes.
+// until the file is replaced or its modification time or size changes. A cache may look at
+// its files at most once per interval: what changed from outside the server is then seen
+// within the interval, what this process writes itself at once.
 #pragma once
 
 #include <sys/stat.h>
+#include <time.h>
+
+#include <chrono>
+#include <cstdint>
 
 #include <filesystem>
 #include <fstream>
@@ -13,6 +19,8 @@
 #include <sstream>
 #include <string>
 #include <unordered_map>
+
+#include "platform/fs/atomic_file.h"
 
 namespace ostrakan::engine {
 
@@ -39,6 +47,22 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
+// When a file was last looked at (stat'ed). The look stands for `interval` after it, unless this
+// process has put a file in place since (fs::FilesPutInPlace): a page that writes a rule file
+// or generates a page sees it on the next request.
+struct LookedAt {
+  int64_t ms = 0;  // the coarse monotonic clock (a few milliseconds' tick, no system call)
+  uint64_t writes = 0;
+  static LookedAt Now() {
+    timespec t;
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
+    return {static_cast<int64_t>(t.tv_sec) * 1000 + t.tv_nsec / 1000000, fs::FilesPutInPlace()};
+  }
+  bool StandsAt(const LookedAt& now, std::chrono::milliseconds interval) const {
+    return writes == now.writes && now.ms - ms < interval.count();
+  }
+};
+
 template <class T>
 class FileCache;
 
@@ -62,19 +86,33 @@ class FileCache {
   // Makes a T from the file's bytes; may throw (a failure is not cached).
   using Loader = std::function<T(const std::string& bytes)>;
 
-  explicit FileCache(Loader loader) : loader_(std::move(loader)) {}
+  // `recheck`: how long a look at a file stands (zero: a stat on every Get).
+  explicit FileCache(Loader loader, std::chrono::milliseconds recheck = {})
+      : loader_(std::move(loader)), recheck_(recheck) {}
 
-  // The T for the file as it is now; nullopt when the file cannot be read.
+  // The T for the file as it is now (as it was at most `recheck` ago); nullopt when the file
+  // cannot be read.
   std::optional<Cached<T>> Get(const std::filesystem::path& path) {
-    // One stat for both time and size; the key is the plain string (comparing paths splits
-    // them into components, which costs more than the rest of the lookup).
+    // The key is the plain string (comparing paths splits them into components, which costs
+    // more than the rest of the lookup).
+    const LookedAt now = LookedAt::Now();
+    if (recheck_.count() > 0) {
+      std::lock_guard lock(mutex_);
+      auto it = entries_.find(path.native());
+      if (it != entries_.end() && it->second.looked.StandsAt(now, recheck_))
+        return Cached<T>(it->second.value);
+    }
+    // One stat for both time and size.
     struct stat st;
     if (::stat(path.c_str(), &st) != 0) return std::nullopt;
     const FileStamp stamp = FileStamp::Of(st);
     {
       std::lock_guard lock(mutex_);
       auto it = entries_.find(path.native());
-      if (it != entries_.end() && it->second.stamp == stamp) return Cached<T>(it->second.value);
+      if (it != entries_.end() && it->second.stamp == stamp) {
+        it->second.looked = now;
+        return Cached<T>(it->second.value);
+      }
     }
     // Loaded outside the lock; a file changed while it is read gets a newer time and is
     // loaded again on the next request.
@@ -82,16 +120,18 @@ class FileCache {
     if (!bytes) return std::nullopt;
     auto value = std::make_shared<const T>(loader_(*bytes));
     std::lock_guard lock(mutex_);
-    entries_[path.native()] = Entry{stamp, value};
+    entries_[path.native()] = Entry{stamp, now, value};
     return Cached<T>(std::move(value));
   }
 
  private:
   struct Entry {
     FileStamp stamp;
+    LookedAt looked;
     std::shared_ptr<const T> value;
   };
   Loader loader_;
+  std::chrono::milliseconds recheck_;
   std::mutex mutex_;
   std::unordered_map<std::string, Entry> entries_;
 };

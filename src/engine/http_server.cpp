@@ -162,7 +162,8 @@ void HttpServer::Handle(HttpRequest request, Connection::Reply reply) {
     return quick ? std::move(*quick) : HttpResponse{};
   });
   if (!isPage) return reply(std::move(answer));
-  if (!engine_->SharesSignIns(request)) return Admit(std::move(request), std::move(page), reply);
+  if (!engine_->SharesSignIns(request))
+    return Admit(std::move(request), std::move(page), std::move(reply));
   // The failures counted by the site's other servers are read from the database, which may
   // be slow or away: on a page thread, never on this I/O thread.
   auto shared = std::make_shared<HttpRequest>(std::move(request));
@@ -178,16 +179,19 @@ void HttpServer::Handle(HttpRequest request, Connection::Reply reply) {
 }
 
 void HttpServer::Admit(HttpRequest request, ResolvedPath page, Connection::Reply reply) {
-  auto ticket = std::make_shared<SignInThrottle::Ticket>(engine_->AdmitSignIn(request));
-  if (ticket->refused()) {
+  SignInThrottle::Ticket admitted = engine_->AdmitSignIn(request);
+  if (admitted.refused()) {
     HttpResponse r = HttpResponse::Plain(429,
                                          "429 Too Many Requests\nToo many failed sign-ins "
                                          "from this address; try again in a minute.");
     r.headers.emplace_back("Retry-After", "30");
     return reply(std::move(r));
   }
-  if (ticket->pause().count() == 0) return RunPage(std::move(request), std::move(page), reply);
-  // The pause is served on a timer before the page takes a thread or checks anything.
+  if (admitted.pause().count() == 0)
+    return RunPage(std::move(request), std::move(page), std::move(reply));
+  // The pause is served on a timer before the page takes a thread or checks anything; the
+  // ticket counts the attempt as waiting until then.
+  auto ticket = std::make_shared<SignInThrottle::Ticket>(std::move(admitted));
   auto timer = std::make_shared<boost::asio::steady_timer>(io_, ticket->pause());
   timer->async_wait([this, timer, ticket, request = std::move(request), page = std::move(page),
                      reply](const boost::system::error_code&) mutable {
@@ -198,14 +202,27 @@ void HttpServer::Admit(HttpRequest request, ResolvedPath page, Connection::Reply
 void HttpServer::RunPage(HttpRequest request, ResolvedPath page, Connection::Reply reply) {
   PagePool::Lane lane =
       IsQuickPage(page.virtualPath) ? PagePool::Lane::Quick : PagePool::Lane::Other;
-  auto shared = std::make_shared<HttpRequest>(std::move(request));
+  // What the page thread needs, in one allocation. The pool calls exactly one of the two
+  // functions, which takes it over; they capture plain pointers, which std::function keeps
+  // without an allocation of its own.
+  struct PageJob {
+    HttpRequest request;
+    ResolvedPath page;
+    Connection::Reply reply;
+  };
+  auto* job = new PageJob{std::move(request), std::move(page), std::move(reply)};
   pages_->Submit(
       lane,
-      [this, shared, page, reply] {
+      [this, job] {
+        std::unique_ptr<PageJob> owned(job);
         http::WatchStopSignal(&stopping_);
-        reply(Guarded(*shared, [&] { return engine_->ServePage(*shared, page); }));
+        owned->reply(Guarded(owned->request,
+                             [&] { return engine_->ServePage(owned->request, owned->page); }));
       },
-      [reply] { reply(Busy()); });
+      [job] {
+        std::unique_ptr<PageJob> owned(job);
+        owned->reply(Busy());
+      });
 }
 
 }  // namespace ostrakan::engine

@@ -78,14 +78,16 @@ void Report(const std::string& text) {
 PageEngine::PageEngine(const std::filesystem::path& siteRoot, ComponentCreator create,
                        const ObjectFactory& factory, size_t sessionCapacity)
     : root_(std::filesystem::canonical(siteRoot)),
-      paths_(root_),
+      paths_(root_, kFileRecheck),
       create_(std::move(create)),
       factory_(factory),
       sessions_(std::chrono::steady_clock::now, sessionCapacity),
-      setup_([](const std::string& bytes) { return SiteSetup::FromBytes(bytes); }),
-      pages_([](const std::string& bytes) {
-        return ParsePageFile(text::Decode(bytes, text::kAnsiCodePage));
-      }),
+      setup_([](const std::string& bytes) { return SiteSetup::FromBytes(bytes); }, kFileRecheck),
+      pages_(
+          [](const std::string& bytes) {
+            return ParsePageFile(text::Decode(bytes, text::kAnsiCodePage));
+          },
+          kFileRecheck),
       rules_([](const std::string& bytes) {
         return ParseCaseArms(text::Decode(bytes, text::kAnsiCodePage));
       }) {}

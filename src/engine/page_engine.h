@@ -41,6 +41,12 @@ namespace ostrakan::engine {
 
 class PageEngine {
  public:
+  // How long a look at a page file, Setup.asp or a request path's file stands: one changed
+  // from outside the server (an editor, a deployment) is seen this long after at most; what the
+  // server writes itself (rule files, generated pages) is seen at once. Rule files are looked
+  // at on every request: other processes write them too (ostrakan rules).
+  static constexpr std::chrono::milliseconds kFileRecheck{100};
+
   // `siteRoot` must exist. `factory` backs Server.CreateObject.
   PageEngine(const std::filesystem::path& siteRoot, ComponentCreator create,
              const ObjectFactory& factory, size_t sessionCapacity = SessionStore::kDefaultCapacity);

@@ -1,6 +1,7 @@
 #include "engine/page_file.h"
 
 #include "engine/assignment_file.h"
+#include "platform/text/codepage.h"
 
 #include <optional>
 
@@ -151,7 +152,7 @@ class Parser {
       std::u16string_view content = src_.substr(start, close - start);
       pos = close + 2;
       if (marker == u'=') {
-        PageNode node{PageNode::Kind::Write, LineAt(start), u"", {}};
+        PageNode node{PageNode::Kind::Write, LineAt(start), u"", {}, {}};
         node.value = ParseValue(Tokenize(content, node.line), 0, node.line);
         page_.nodes.push_back(std::move(node));
         continue;
@@ -204,7 +205,7 @@ class Parser {
       page_.nodes.back().text += text;
       return;
     }
-    PageNode node{PageNode::Kind::Text, 0, std::u16string(text), {}};
+    PageNode node{PageNode::Kind::Text, 0, std::u16string(text), {}, {}};
     node.line = LineAt(static_cast<size_t>(text.data() - src_.data()));
     page_.nodes.push_back(std::move(node));
   }
@@ -291,7 +292,11 @@ PageSyntaxError::PageSyntaxError(int l, const std::string& m)
     : std::runtime_error("line " + std::to_string(l) + ": " + m), line(l), message(m) {}
 
 PageFile ParsePageFile(std::u16string_view text) {
-  return Parser(text).Run();
+  PageFile page = Parser(text).Run();
+  for (PageNode& node : page.nodes)
+    if (node.kind == PageNode::Kind::Text)
+      node.ansi = ostrakan::text::Encode(node.text, ostrakan::text::kAnsiCodePage);
+  return page;
 }
 
 }  // namespace ostrakan::engine

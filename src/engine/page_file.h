@@ -45,6 +45,7 @@ struct PageNode {
   int line = 0;
   std::u16string text;  // Text: the markup; Call: the method; Assign: the property
   PageValue value;      // Assign and Write
+  std::string ansi;     // Text: the markup in the ANSI code page, as most pages write it
 };
 
 struct PageFile {
@@ -59,6 +60,8 @@ struct PageSyntaxError : std::runtime_error {
   std::string message;
 };
 
+// Parses a page file; the text nodes are also encoded in the ANSI code page (PageNode::ansi),
+// once per version of the file rather than on every request.
 PageFile ParsePageFile(std::u16string_view text);
 
 }  // namespace ostrakan::engine

@@ -1,5 +1,6 @@
 #include "engine/page_pool.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -78,17 +79,18 @@ void PagePool::Submit(Lane lane, Work run, Work expired) {
     expired();
     return;
   }
-  // The expiry thread sleeps until the oldest job's deadline; a job behind others has a later
-  // one, so only a job that finds its queue empty needs to wake it.
-  const bool wasEmpty = queue.empty();
-  queue.push_back(
-      {std::move(run), std::move(expired), std::chrono::steady_clock::now() + options_.maxWait});
+  // The expiry thread sleeps until the oldest queued job's deadline, or for one whole wait
+  // when nothing is queued; a new job's deadline is a whole wait away, so it is later than
+  // that wake-up and the thread is not woken for it (a wake-up per page is a context switch).
+  const auto deadline = std::chrono::steady_clock::now() + options_.maxWait;
+  const bool wakeExpiry = deadline < expiryWakes_;
+  queue.push_back({std::move(run), std::move(expired), deadline});
   // Wake exactly one thread that can take the job: a quick job goes to an idle quick thread
   // when there is one, otherwise to any idle thread. Waking more costs a context switch each.
   std::condition_variable& wake = lane == Lane::Quick && idleQuick_ > 0 ? quickWork_ : work_;
   lock.unlock();
   wake.notify_one();
-  if (wasEmpty) changed_.notify_one();
+  if (wakeExpiry) changed_.notify_one();
 }
 
 void PagePool::Serve(bool quickOnly) {
@@ -116,7 +118,8 @@ void PagePool::Expire() {
   while (!stopping_) {
     std::vector<Job> late;
     auto now = std::chrono::steady_clock::now();
-    std::chrono::steady_clock::time_point next = now + std::chrono::hours(1);
+    std::chrono::steady_clock::time_point next =
+        now + std::max(options_.maxWait, std::chrono::milliseconds(10));
     for (std::deque<Job>* queue : {&quick_, &other_}) {
       while (!queue->empty() && queue->front().deadline <= now) {
         late.push_back(std::move(queue->front()));
@@ -131,7 +134,9 @@ void PagePool::Expire() {
       lock.lock();
       continue;
     }
+    expiryWakes_ = next;
     changed_.wait_until(lock, next);
+    expiryWakes_ = std::chrono::steady_clock::time_point::min();  // awake: no need to wake it
   }
 }
 

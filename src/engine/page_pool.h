@@ -58,6 +58,8 @@ class PagePool {
   std::deque<Job> quick_, other_;
   bool stopping_ = false;
   int idleQuick_ = 0, idleOther_ = 0;  // threads waiting for work, by kind
+  // When the expiry thread wakes by itself; min while it is awake.
+  std::chrono::steady_clock::time_point expiryWakes_ = std::chrono::steady_clock::time_point::min();
   std::vector<pthread_t> threads_;
 };
 

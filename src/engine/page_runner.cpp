@@ -3,6 +3,7 @@
 #include "admin/registry.h"
 #include "frame/escape.h"
 #include "frame/site_page.h"
+#include "platform/text/codepage.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -47,7 +48,10 @@ void RunNodes(const PageRun& run, Component* component, int& line) {
     line = node.line;
     switch (node.kind) {
       case PageNode::Kind::Text:
-        response.Write(Markup::OfPageFile(node.text));
+        if (response.CodePage() == text::kAnsiCodePage)
+          response.BinaryWrite(node.ansi);  // encoded when the file was read
+        else
+          response.Write(Markup::OfPageFile(node.text));
         break;
       case PageNode::Kind::Write:
         // A value can land in text or in a quoted attribute (value="<%= Keyword %>"): escaped

@@ -95,6 +95,13 @@ ResolvedPath PathResolver::Resolve(std::string_view urlPath) {
   if (urlPath.empty() || urlPath.front() != '/' || IsRefusedPath(urlPath))
     return {Kind::Forbidden, {}, {}};
   std::string key(urlPath);
+  const LookedAt now = LookedAt::Now();
+  if (recheck_.count() > 0) {
+    std::lock_guard lock(mutex_);
+    auto it = entries_.find(key);
+    if (it != entries_.end() && it->second.looked.StandsAt(now, recheck_))
+      return it->second.resolved;
+  }
   struct stat st;
   if (::stat((root_.native() + key).c_str(), &st) != 0) return {Kind::NotFound, {}, {}};
   const Stamp stamp{st.st_dev, st.st_ino, st.st_mtim};
@@ -106,13 +113,16 @@ ResolvedPath PathResolver::Resolve(std::string_view urlPath) {
   {
     std::lock_guard lock(mutex_);
     auto it = entries_.find(key);
-    if (it != entries_.end() && same(it->second.stamp)) return it->second.resolved;
+    if (it != entries_.end() && same(it->second.stamp)) {
+      it->second.looked = now;
+      return it->second.resolved;
+    }
   }
   ResolvedPath resolved = ResolveRequestPath(root_, urlPath);
   if (resolved.kind == Kind::NotFound) return resolved;  // perhaps a race; look again next time
   std::lock_guard lock(mutex_);
   if (entries_.size() >= kMaxEntries) entries_.clear();
-  entries_.insert_or_assign(std::move(key), Entry{stamp, resolved});
+  entries_.insert_or_assign(std::move(key), Entry{stamp, now, resolved});
   return resolved;
 }
 

@@ -8,12 +8,15 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+
+#include "engine/file_cache.h"
 
 namespace ostrakan::engine {
 
@@ -38,10 +41,12 @@ ResolvedPath ResolveRequestPath(const std::filesystem::path& root, std::string_v
 // the path names shows the same device, inode and modification time. Following symbolic links
 // to check where a path really leads costs a system call per path component on every request;
 // a link retargeted, a file replaced or an index page added to a folder changes what the stat
-// shows and the path is resolved afresh. Thread-safe.
+// shows and the path is resolved afresh. That stat is taken at most once per `recheck` (zero:
+// on every request; see LookedAt in file_cache.h). Thread-safe.
 class PathResolver {
  public:
-  explicit PathResolver(std::filesystem::path root) : root_(std::move(root)) {}
+  explicit PathResolver(std::filesystem::path root, std::chrono::milliseconds recheck = {})
+      : root_(std::move(root)), recheck_(recheck) {}
   ResolvedPath Resolve(std::string_view urlPath);
 
  private:
@@ -52,11 +57,13 @@ class PathResolver {
   };
   struct Entry {
     Stamp stamp;
+    LookedAt looked;
     ResolvedPath resolved;
   };
   static constexpr size_t kMaxEntries = 4096;  // then it starts over
 
   std::filesystem::path root_;
+  std::chrono::milliseconds recheck_;
   std::mutex mutex_;
   std::unordered_map<std::string, Entry> entries_;
 };

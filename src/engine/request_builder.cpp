@@ -46,9 +46,10 @@ std::shared_ptr<Request> BuildRequest(const HttpRequest& http, const std::string
     if (StartsWithNoCase(name, "cookie") && name.size() == 6)
       AddCookies(value, codePage, request->cookies);
 
+  // The variables are added to an empty store, each once: no search for an earlier value.
   KeyedValues& vars = request->serverVariables;
   auto set = [&](const char16_t* name, std::string_view value) {
-    vars.Set(name, DecodeRequestText(value, codePage));
+    vars.Add(name, DecodeRequestText(value, codePage));
   };
   std::string host = http.Header("Host");
   std::string serverName = host;
@@ -59,9 +60,9 @@ std::shared_ptr<Request> BuildRequest(const HttpRequest& http, const std::string
   set(u"REMOTE_ADDR", http.remoteAddr);
   set(u"REMOTE_HOST", http.remoteAddr);
   set(u"REQUEST_METHOD", http.method);
-  vars.Set(u"URL", page);
-  vars.Set(u"SCRIPT_NAME", page);
-  vars.Set(u"PATH_INFO", page);
+  vars.Add(u"URL", page);
+  vars.Add(u"SCRIPT_NAME", page);
+  vars.Add(u"PATH_INFO", page);
   set(u"QUERY_STRING", http.queryString);
   set(u"SERVER_NAME", serverName.empty() ? "127.0.0.1" : serverName);
   set(u"SERVER_PORT", std::to_string(http.serverPort));
@@ -70,7 +71,7 @@ std::shared_ptr<Request> BuildRequest(const HttpRequest& http, const std::string
   set(u"CONTENT_LENGTH", std::to_string(http.body.size()));
   for (const auto& [name, value] : http.headers) {
     std::u16string var = FromUtf8(HeaderVariableName(name));
-    if (!vars.Has(var)) set(var.c_str(), value);
+    if (!vars.Has(var)) vars.Add(std::move(var), DecodeRequestText(value, codePage));
   }
   return request;
 }

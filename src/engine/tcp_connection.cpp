@@ -21,7 +21,7 @@ constexpr size_t kReadPiece = 16384;
 constexpr size_t kFilePiece = 65536;
 constexpr std::chrono::milliseconds kLinger{2000};
 constexpr std::chrono::milliseconds kLastWrite{1000};  // for an answer while the server stops
-constexpr int kMaxDepth = 8;  // answers given on one stack, one pipelined request after another
+constexpr int kMaxDepth = 8;  // requests handed over in one turn, one pipelined after another
 
 // A wait shortened by a random part of up to a half. Connections that arrived together (a
 // crowd opened at once) would otherwise all time out together, and their clients all come
@@ -72,9 +72,35 @@ template <class F>
 void Connection::OnStrand(F&& step) {
   asio::post(socket_.get_executor(),
              [self = shared_from_this(), step = std::forward<F>(step)]() mutable {
-               std::lock_guard lock(self->mutex_);
-               step(*self);
+               self->Locked([&] { step(*self); });
              });
+}
+
+template <class F>
+void Connection::Locked(F&& step) {
+  std::unique_lock lock(mutex_);
+  step();
+  HandOver(lock);
+}
+
+void Connection::HandOver(std::unique_lock<std::recursive_mutex>& lock) {
+  // The connection this thread runs the handler for: an answer given from inside it (a file,
+  // a refusal) is sent at once, and the request after it is taken by the loop below.
+  thread_local Connection* handling = nullptr;
+  if (handling == this) return;
+  for (int round = 0; read_; ++round) {
+    // Pipelined requests answered at once, one after another: after a few the rest wait
+    // their turn on the strand, behind the other connections.
+    if (round == kMaxDepth) return OnStrand([](Connection&) {});
+    HttpRequest request = std::move(*read_);
+    read_.reset();
+    lock.unlock();
+    Connection* outer = std::exchange(handling, this);
+    handler_(std::move(request),
+             [self = shared_from_this()](HttpResponse r) { self->Deliver(std::move(r)); });
+    handling = outer;
+    lock.lock();
+  }
 }
 
 void Connection::Start() {
@@ -111,12 +137,13 @@ void Connection::WaitForDeadline() {
   timerWaiting_ = true;
   timer_.expires_at(deadline_);  // a wait for a later time ends as stale
   timer_.async_wait([self = shared_from_this(), round](const error_code& ec) {
-    std::lock_guard lock(self->mutex_);
-    if (round != self->timerRound_) return;
-    self->timerWaiting_ = false;
-    if (ec || self->deadline_ == Deadline::max()) return;
-    if (std::chrono::steady_clock::now() < self->deadline_) return self->WaitForDeadline();
-    self->OnTimeout();
+    self->Locked([&] {
+      if (round != self->timerRound_) return;
+      self->timerWaiting_ = false;
+      if (ec || self->deadline_ == Deadline::max()) return;
+      if (std::chrono::steady_clock::now() < self->deadline_) return self->WaitForDeadline();
+      self->OnTimeout();
+    });
   });
 }
 
@@ -165,9 +192,10 @@ void Connection::ReadRequest() {
           static const std::string kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
           asio::async_write(socket_, asio::buffer(kContinue),
                             [self = shared_from_this()](const error_code& ec, size_t) {
-                              std::lock_guard lock(self->mutex_);
-                              if (ec) return self->Close();
-                              if (self->phase_ == Phase::Request) self->WaitForBytes();
+                              self->Locked([&] {
+                                if (ec) return self->Close();
+                                if (self->phase_ == Phase::Request) self->WaitForBytes();
+                              });
                             });
           return;
         }
@@ -181,8 +209,7 @@ void Connection::ReadRequest() {
 void Connection::WaitForBytes() {
   socket_.async_wait(asio::ip::tcp::socket::wait_read,
                      [self = shared_from_this()](const error_code& ec) {
-                       std::lock_guard lock(self->mutex_);
-                       self->OnReadable(ec);
+                       self->Locked([&] { self->OnReadable(ec); });
                      });
 }
 
@@ -214,28 +241,11 @@ void Connection::OnRequest(RequestHead head) {
     return Respond(std::move(r));
   }
   head.request.remoteAddr = peer_;
-  inHandler_ = true;
-  handler_(std::move(head.request),
-           [self = shared_from_this()](HttpResponse r) { self->Deliver(std::move(r)); });
-  inHandler_ = false;
-  if (!early_) return;
-  HttpResponse r = std::move(*early_);
-  early_.reset();
-  // Answered at once: go on here, unless pipelined requests have taken this stack deep.
-  if (depth_ < kMaxDepth) {
-    ++depth_;
-    Respond(std::move(r));
-    --depth_;
-    return;
-  }
-  OnStrand([r = std::move(r)](Connection& c) mutable { c.Respond(std::move(r)); });
+  read_ = std::move(head.request);  // handed over once the lock is let go (HandOver)
 }
 
 void Connection::Deliver(HttpResponse r) {
-  std::unique_lock lock(mutex_);
-  if (!inHandler_) return Respond(std::move(r));
-  // Answered from inside the handler (a file, a refusal): sent once the handler has returned.
-  early_ = std::move(r);
+  Locked([&] { Respond(std::move(r)); });
 }
 
 void Connection::Respond(HttpResponse r) {
@@ -293,12 +303,13 @@ void Connection::SendOut() {
   writing_ = true;
   asio::async_write(socket_, asio::buffer(out_),
                     [self = shared_from_this()](const error_code& ec, size_t) {
-                      std::lock_guard lock(self->mutex_);
-                      self->writing_ = false;
-                      if (ec || self->phase_ != Phase::Answer) return self->Close();
-                      self->out_.clear();
-                      if (self->fileLeft_ > 0 && !self->SendFilePiece()) return;
-                      self->SendOut();
+                      self->Locked([&] {
+                        self->writing_ = false;
+                        if (ec || self->phase_ != Phase::Answer) return self->Close();
+                        self->out_.clear();
+                        if (self->fileLeft_ > 0 && !self->SendFilePiece()) return;
+                        self->SendOut();
+                      });
                     });
 }
 

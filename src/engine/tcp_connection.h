@@ -38,7 +38,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // answer itself when the socket takes it at once, and waits for the next request on the
   // connection's behalf, so a page costs no hand-off back to an I/O thread.
   using Reply = std::function<void(HttpResponse)>;
-  // Answers a request (remoteAddr is the peer's address), now or later through `reply`.
+  // Answers a request (remoteAddr is the peer's address), now or later through `reply`. Called
+  // without the connection's lock, so that a page thread it wakes finds the lock free.
   using Handler = std::function<void(HttpRequest request, Reply reply)>;
 
   // Told when the connection is gone (from its destructor).
@@ -76,6 +77,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // Runs `step` on the connection's strand, under the connection's lock.
   template <class F>
   void OnStrand(F&& step);
+  // Runs `step` under the connection's lock, then gives a request it read to the handler.
+  template <class F>
+  void Locked(F&& step);
+  // Gives the request read under `lock` to the handler, with the lock let go meanwhile.
+  void HandOver(std::unique_lock<std::recursive_mutex>& lock);
 
   boost::asio::ip::tcp::socket socket_;
   boost::asio::steady_timer timer_;
@@ -84,11 +90,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Gone gone_;
   std::string peer_;
   // Held by whoever acts for the connection: its strand, or a page thread delivering an
-  // answer. Recursive: an answer that completes at once goes on to the next request.
+  // answer.
   std::recursive_mutex mutex_;
-  bool inHandler_ = false;             // handler_ is running for this connection under mutex_
-  std::optional<HttpResponse> early_;  // the answer the handler gave before it returned
-  int depth_ = 0;                      // answers under way on this stack
+  std::optional<HttpRequest> read_;  // read, for the handler once the lock is let go
 
   Phase phase_ = Phase::Request;
   using Deadline = std::chrono::steady_clock::time_point;

@@ -35,7 +35,7 @@ time_t FromOleLocal(double ole) {
 
 void Response::Write(const Markup& markup) {
   if (ended_) return;
-  body_ += text::Encode(markup.text(), codePage_);
+  text::EncodeAppend(body_, markup.text(), codePage_);
 }
 
 void Response::BinaryWrite(const Bytes& bytes) {

@@ -33,7 +33,7 @@ TEST(RuleFile, NoStoredValueBreaksEitherFileOrAddsAnArm) {
   // Rule n of each kind has value n in every column.
   auto insert = [&](const std::string& table, const auto& columns, const std::string& value) {
     std::string names, values;
-    for (const std::u16string column : columns) {
+    for (std::u16string_view column : columns) {
       names += (names.empty() ? "" : ",") + ToUtf8(column);
       values += (values.empty() ? "" : ",") + value;
     }

@@ -13,6 +13,7 @@
 #include "frame/escape.h"
 #include "frame/site_page.h"
 #include "http/http_client.h"
+#include "platform/fs/atomic_file.h"
 #include "platform/http/fetcher.h"
 #include "platform/text/codepage.h"
 #include "support/holds.h"
@@ -39,6 +40,11 @@ class TestPage : public SitePage {
       EndResponse();
     });
     Block(u"Header", [] { CurrentResponse().AddHeader(u"Content-Length", u"99999"); });
+    // Replaces changing.asp as the server's own writes do (a rule file, a generated page).
+    Block(u"Rewrite", [] {
+      fs::WriteFileAtomic(ToUtf8(CurrentServer().MapPath(u"changing.asp")),
+                          ToUtf8(TextOf(CurrentRequest().Item(u"text"))));
+    });
     // Uses a megabyte of stack, as a regular expression over a long page can.
     Block(u"DeepStack", [] {
       volatile char buffer[1 << 20];
@@ -99,6 +105,7 @@ class EngineTest : public ::testing::Test {
                                 {"end", u"before <% Stop %> after"},
                                 {"redirect", u"<% Redirect %>"},
                                 {"header", u"<% Header %>body"},
+                                {"rewrite", u"<% Rewrite %>"},
                                 {"fetch", u"<% Fetch %>"},
                                 {"login", u"sign in"},
                                 {"deep", u"<% DeepStack %>"},

@@ -1,6 +1,7 @@
 // The list-site gathering pages on the real engine against the fixture remote site, where the
 // browser's tests do not look: the rule file, a slow site, the runs and schedules pages.
 #include <chrono>
+#include <fstream>
 #include <future>
 #include <thread>
 
@@ -64,6 +65,13 @@ TEST_F(GatheringPages, ARuleReachesItsRunStepsThroughTheRuleFile) {
   EXPECT_EQ(Value("select group_concat(title || '|' || content || '|' || source || '|' || "
                   "source_url) from db where url = 'remote.test/v/1-2.html'"),
             "video 影片 1-2|about 1-2|样站 gb|remote.test/");
+  // `ostrakan rules` rewrites the rule file from outside the server: the next step reads it.
+  const std::filesystem::path rules = root() / "admin/gather_list_web_list.asp";
+  std::string file = ReadFile(rules);
+  file.replace(file.find("/gb/"), 4, "/gb2/");
+  std::ofstream(rules, std::ios::binary) << file;
+  Get(run + "&Page_Start=2&Page_End=3");
+  EXPECT_EQ(remote_.Requests().back(), "/gb2/2.html?q=%B5%E7%D3%B0");
 
   for (std::string page :
        {"gather_list_web_edit.asp?id=", "gather_list_web_ok.asp?action=del&id=",

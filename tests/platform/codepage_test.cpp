@@ -4,6 +4,7 @@
 #include <unicode/ucnv.h>
 
 #include <memory>
+#include <numeric>
 #include <sstream>
 
 #include "core/script_error.h"
@@ -61,6 +62,37 @@ TEST(CodePage, EveryGbkCharacterKeepsItsBytesAndEveryOtherOneRoundTrips) {
   }
   EXPECT_GT(kept, 21000);  // GBK's characters
   EXPECT_GT(roundTripped, 30000);
+}
+
+// ASCII runs are copied without the converter: the bytes must be what ICU writes for the whole
+// text, at every boundary between ASCII and the rest (controls and DEL included, a surrogate
+// pair or a lone surrogate just before ASCII, a run at either end).
+TEST(CodePage, AsciiRunsEncodeAsTheConverterWritesTheWholeText) {
+  const std::u16string text = u"\x01中a\x7F😀b" + std::u16string(1, char16_t(0xDBFF)) +
+                              u"c€\x1A~\\ü\x1C" + std::u16string(1, char16_t(0xDC00));
+  for (auto [codePage, name] : {std::pair{950, "windows-950-2000"},
+                                {932, "windows-31j"},
+                                {949, "windows-949-2000"},
+                                {866, "ibm-866_P100-1995"},
+                                {1252, "windows-1252"},
+                                {54936, "gb18030"}}) {
+    UErrorCode err = U_ZERO_ERROR;
+    std::unique_ptr<UConverter, decltype(&ucnv_close)> icu(ucnv_open(name, &err), &ucnv_close);
+    ucnv_setSubstChars(icu.get(), "?", 1, &err);
+    std::string whole(text.size() * 4 + 8, '\0');
+    whole.resize(ucnv_fromUChars(icu.get(), whole.data(), static_cast<int32_t>(whole.size()),
+                                 text.data(), static_cast<int32_t>(text.size()), &err));
+    ASSERT_TRUE(U_SUCCESS(err)) << name;
+    EXPECT_EQ(Encode(text, codePage), whole) << name;
+  }
+  // windows-936 looks its characters up and converts the rest: adjacent ones of either kind
+  // give what each gives alone (the whole-BMP test above checks those).
+  const std::u16string pieces[] = {u"中", u"가", u"€", u"😀", u"\xDBFF", u"文", u"\xDC00", u"𠀀"};
+  std::string each;
+  for (const std::u16string& piece : pieces) each += Encode(piece, kAnsiCodePage);
+  EXPECT_EQ(Encode(std::accumulate(std::begin(pieces), std::end(pieces), std::u16string()),
+                   kAnsiCodePage),
+            each);
 }
 
 TEST(CodePage, InvalidBytesBecomeReplacementWithoutSwallowingWhatFollows) {

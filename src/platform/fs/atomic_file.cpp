@@ -4,12 +4,15 @@
 #include <sys/random.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 
 namespace ostrakan::fs {
 
 namespace {
+
+std::atomic<uint64_t> filesPutInPlace{0};
 
 std::string Failure(const char* what, const std::filesystem::path& path, int err) {
   return std::string(what) + " " + path.string() + ": " + std::strerror(err);
@@ -59,6 +62,14 @@ int WriteTemporary(const std::filesystem::path& path, std::string_view bytes, st
   return fd;
 }
 
+uint64_t FilesPutInPlace() {
+  return filesPutInPlace.load(std::memory_order_acquire);
+}
+
+void CountFilePutInPlace() {
+  filesPutInPlace.fetch_add(1, std::memory_order_acq_rel);
+}
+
 std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
                                            std::string_view bytes) {
   const std::filesystem::path folder =
@@ -83,6 +94,7 @@ std::optional<std::string> WriteFileAtomic(const std::filesystem::path& path,
     ::unlink(temp.c_str());
     return Failure("cannot replace", path, err);
   }
+  CountFilePutInPlace();
   // The rename lives in the folder: until the folder is on disk, a crash may bring back the
   // old file (or none).
   const int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

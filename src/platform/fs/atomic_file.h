@@ -7,12 +7,19 @@
 // target is left as it was and the temporary file is removed.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace ostrakan::fs {
+
+// How many files this process has put in place so far (WriteFileAtomic, BatchedWrites::Commit).
+// A cache that looks at files at intervals trusts its last look only while this is unchanged,
+// so what the process writes itself is seen at once.
+uint64_t FilesPutInPlace();
+void CountFilePutInPlace();
 
 // Writes bytes to path atomically. Returns nullopt on success, or a sentence saying what failed
 // (in English, for logs and the command line).

@@ -96,6 +96,7 @@ std::vector<std::pair<std::filesystem::path, std::string>> BatchedWrites::Commit
       ::unlink(s.temp.c_str());
       continue;
     }
+    CountFilePutInPlace();
     folders.insert(FolderOf(s.target));
     renamed.push_back(s.target);
   }

@@ -3,6 +3,8 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -283,11 +285,32 @@ void WriteGb18030(const void*, UConverterFromUnicodeArgs* args, const UChar* uni
   ucnv_cbFromUWriteBytes(args, bytes, n, 0, err);
 }
 
-// Opening a converter costs far more than a conversion; each thread keeps its own.
-UConverter* Converter(const char* name, unsigned flags) {
-  thread_local std::unordered_map<std::string, std::unique_ptr<UConverter, ConverterClose>> cache;
-  auto& slot = cache[name];
-  if (!slot) {
+// A converter of this thread, and whether it writes ASCII (U+0000..U+007F) as the same single
+// bytes, so that an ASCII run of a text needs no conversion.
+struct OpenConverter {
+  std::unique_ptr<UConverter, ConverterClose> converter;
+  bool asciiAsIs = false;
+};
+
+bool WritesAsciiAsIs(UConverter* cnv) {
+  char16_t ascii[128];
+  char bytes[512];
+  for (int i = 0; i < 128; ++i) ascii[i] = static_cast<char16_t>(i);
+  UErrorCode err = U_ZERO_ERROR;
+  const int32_t n = ucnv_fromUChars(cnv, bytes, sizeof bytes, ascii, 128, &err);
+  ucnv_reset(cnv);
+  if (U_FAILURE(err) || n != 128) return false;
+  for (int i = 0; i < 128; ++i)
+    if (bytes[i] != static_cast<char>(i)) return false;
+  return true;
+}
+
+// Opening a converter costs far more than a conversion; each thread keeps its own, by the
+// address of its name (the names are the constants above).
+OpenConverter& Converter(const char* name, unsigned flags) {
+  thread_local std::unordered_map<const char*, OpenConverter> cache;
+  OpenConverter& slot = cache[name];
+  if (!slot.converter) {
     UErrorCode err = U_ZERO_ERROR;
     std::unique_ptr<UConverter, ConverterClose> cnv(ucnv_open(name, &err));
     if (U_FAILURE(err)) throw InvalidCall();
@@ -298,10 +321,11 @@ UConverter* Converter(const char* name, unsigned flags) {
     if (flags & kGb18030Beyond)
       ucnv_setFromUCallBack(cnv.get(), WriteGb18030, nullptr, nullptr, nullptr, &err);
     if (U_FAILURE(err)) throw InvalidCall();
-    slot = std::move(cnv);
+    slot.asciiAsIs = (flags & kAsciiCompatible) && WritesAsciiAsIs(cnv.get());
+    slot.converter = std::move(cnv);
   }
-  ucnv_reset(slot.get());
-  return slot.get();
+  ucnv_reset(slot.converter.get());
+  return slot;
 }
 
 // Runs an ICU conversion from [src, srcEnd) into `out`, doubling `out` while ICU reports that
@@ -327,7 +351,7 @@ Out ConvertAll(Out out, const Src* src, const Src* srcEnd, Step step) {
 std::u16string ToUnicode(std::string_view bytes, const char* name, unsigned flags) {
   if (bytes.empty()) return {};
   if (std::strcmp(name, kUtf8.decoder) == 0) return FromUtf8(bytes);  // written once, in core
-  UConverter* cnv = Converter(name, flags);
+  UConverter* cnv = Converter(name, flags).converter.get();
   return ConvertAll(
       std::u16string(bytes.size() + 8, u'\0'), bytes.data(), bytes.data() + bytes.size(),
       [cnv](UChar** target, UChar* end, const char** src, const char* srcEnd, UErrorCode* err) {
@@ -335,23 +359,137 @@ std::u16string ToUnicode(std::string_view bytes, const char* name, unsigned flag
       });
 }
 
-std::string FromUnicode(std::u16string_view text, const char* name, unsigned flags) {
-  if (text.empty()) return {};
-  if (std::strcmp(name, kUtf8.encoder) == 0) return ToUtf8(text);
-  UConverter* cnv = Converter(name, flags);
-  return ConvertAll(
-      std::string(text.size() * ucnv_getMaxCharSize(cnv) + 8, '\0'), text.data(),
-      text.data() + text.size(),
-      [cnv](char** target, char* end, const UChar** src, const UChar* srcEnd, UErrorCode* err) {
-        ucnv_fromUnicode(cnv, target, end, src, srcEnd, nullptr, true, err);
-      });
+// Appends the converted [src, srcEnd) to `out`, growing it while ICU reports that it is too
+// small.
+void AppendConverted(std::string& out, UConverter* cnv, const UChar* src, const UChar* srcEnd) {
+  size_t written = out.size();
+  out.resize(written + static_cast<size_t>(srcEnd - src) * ucnv_getMaxCharSize(cnv) + 8);
+  for (;;) {
+    char* target = out.data() + written;
+    UErrorCode err = U_ZERO_ERROR;
+    ucnv_fromUnicode(cnv, &target, out.data() + out.size(), &src, srcEnd, nullptr, true, &err);
+    written = static_cast<size_t>(target - out.data());
+    if (err == U_BUFFER_OVERFLOW_ERROR) {
+      out.resize(out.size() * 2);
+      continue;
+    }
+    if (U_FAILURE(err)) throw InvalidCall();
+    out.resize(written);
+    return;
+  }
+}
+
+// windows-936's bytes for the characters of the BMP, each block of 256 made from the converter
+// the first time a text holds one of its characters: lead * 256 + trail for a double-byte
+// character, the byte for a single-byte one (the euro sign), 0 for what windows-936 lacks (a
+// surrogate, what is written as GB18030), which goes through the converter.
+class GbkCodes {
+ public:
+  uint16_t Of(char16_t c) {
+    const Block* block = blocks_[c >> 8].load(std::memory_order_acquire);
+    if (!block) block = Make(c >> 8);
+    return (*block)[c & 0xFF];
+  }
+
+ private:
+  using Block = std::array<uint16_t, 256>;
+  const Block* Make(unsigned high) {
+    auto block = std::make_unique<Block>();
+    UErrorCode err = U_ZERO_ERROR;
+    std::unique_ptr<UConverter, ConverterClose> cnv(ucnv_open(kGbk.encoder, &err));
+    ucnv_setFromUCallBack(cnv.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &err);
+    for (unsigned low = 0; low < 256; ++low) {
+      const auto c = static_cast<char16_t>(high << 8 | low);
+      uint16_t code = 0;
+      if (U_SUCCESS(err) && c >= 0x80 && (c < 0xD800 || c > 0xDFFF)) {
+        uint8_t bytes[4];
+        UErrorCode e = U_ZERO_ERROR;
+        const int32_t n =
+            ucnv_fromUChars(cnv.get(), reinterpret_cast<char*>(bytes), sizeof bytes, &c, 1, &e);
+        if (U_SUCCESS(e) && n == 1) code = bytes[0];
+        if (U_SUCCESS(e) && n == 2 && bytes[0] >= 0x81)
+          code = static_cast<uint16_t>(bytes[0] << 8 | bytes[1]);
+      }
+      (*block)[low] = code;
+    }
+    const Block* made = nullptr;  // or the one another thread made first
+    if (blocks_[high].compare_exchange_strong(made, block.get(), std::memory_order_acq_rel))
+      return block.release();
+    return made;
+  }
+  std::atomic<const Block*> blocks_[256] = {};
+};
+
+// Appends a run of non-ASCII text in windows-936: a table lookup for each character it holds,
+// the converter (GB18030 sequences, "?") for runs of the others.
+void AppendGbk(std::string& out, UConverter* cnv, const char16_t* p, const char16_t* end) {
+  static GbkCodes* const codes = new GbkCodes;  // never destroyed: pages may run at exit
+  while (p < end) {
+    const uint16_t code = codes->Of(*p);
+    if (code == 0) {
+      const char16_t* rest = p;
+      while (p < end && codes->Of(*p) == 0) ++p;
+      AppendConverted(out, cnv, rest, p);
+      continue;
+    }
+    if (code >= 0x100) out.push_back(static_cast<char>(code >> 8));
+    out.push_back(static_cast<char>(code & 0xFF));
+    ++p;
+  }
+}
+
+void AppendFromUnicode(std::string& out, std::u16string_view text, const char* name,
+                       unsigned flags) {
+  if (text.empty()) return;
+  if (std::strcmp(name, kUtf8.encoder) == 0) {
+    out += ToUtf8(text);
+    return;
+  }
+  OpenConverter& c = Converter(name, flags);
+  if (!c.asciiAsIs)
+    return AppendConverted(out, c.converter.get(), text.data(), text.data() + text.size());
+  // Markup is mostly ASCII: its runs are copied as they are, and only the runs between them
+  // go through the converter. Every other character is a whole run's worth (a surrogate pair
+  // is never split, a lone surrogate meets the end of its run as it would meet an ASCII
+  // character), so the bytes are the same as the whole text's conversion. The same holds for
+  // the runs of windows-936 that AppendGbk splits off.
+  const char16_t* p = text.data();
+  const char16_t* const end = p + text.size();
+  while (p < end) {
+    const char16_t* ascii = p;
+    while (p < end && *p < 0x80) ++p;
+    if (p > ascii) {
+      size_t at = out.size();
+      out.resize(at + static_cast<size_t>(p - ascii));
+      for (char* o = out.data() + at; ascii < p; ++ascii, ++o) *o = static_cast<char>(*ascii);
+    }
+    const char16_t* other = p;
+    while (p < end && *p >= 0x80) ++p;
+    if (p == other) continue;
+    if (flags & kGb18030Beyond)
+      AppendGbk(out, c.converter.get(), other, p);
+    else
+      AppendConverted(out, c.converter.get(), other, p);
+  }
 }
 
 }  // namespace
 
 std::string Encode(std::u16string_view text, int codePage) {
+  std::string out;
+  EncodeAppend(out, text, codePage);
+  return out;
+}
+
+void EncodeAppend(std::string& out, std::u16string_view text, int codePage) {
   const Encoding& e = ForCodePage(codePage);
-  return FromUnicode(text, e.encoder, e.flags);
+  const size_t before = out.size();
+  try {
+    AppendFromUnicode(out, text, e.encoder, e.flags);
+  } catch (...) {
+    out.resize(before);  // nothing of a text that failed
+    throw;
+  }
 }
 
 std::u16string Decode(std::string_view bytes, int codePage) {

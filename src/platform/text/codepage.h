@@ -19,6 +19,8 @@ constexpr int kAnsiCodePage = 936;
 constexpr int kUtf8CodePage = 65001;
 
 std::string Encode(std::u16string_view text, int codePage);
+// Encode, appended to `out` (which is left as it was when the encoding fails).
+void EncodeAppend(std::string& out, std::u16string_view text, int codePage);
 std::u16string Decode(std::string_view bytes, int codePage);
 
 // The canonical ICU converter name for a charset label, or nullopt for an unknown label.
