@@ -43,11 +43,13 @@ void BM_StoreEntryInSite(benchmark::State& state) {
   long n = 0;
   for (auto _ : state) {
     // Half new links, half links the table holds (refreshed), as a run over known pages meets.
+    // The sites' record i has the link video<i % 50>.test/play/<i>.html.
     ++n;
-    const std::u16string link = (n % 2)
-                                    ? u"bench.test/new/" + FromUtf8(std::to_string(n)) + u".html"
-                                    : u"video" + FromUtf8(std::to_string(n % 50)) + u".test/play/" +
-                                          FromUtf8(std::to_string(n * 7 % 90000 + 1)) + u".html";
+    const long known = n * 7 % 90000 + 1;
+    const std::u16string link =
+        (n % 2) ? u"bench.test/new/" + FromUtf8(std::to_string(n)) + u".html"
+                : u"video" + FromUtf8(std::to_string(known % 50)) + u".test/play/" +
+                      FromUtf8(std::to_string(known)) + u".html";
     gathering::StoreRecord(*conn, {u"title", u"content", link, u""}, source);
   }
   conn->Execute(u"delete from db where source = ?", {Variant(u"Bench")});
