@@ -9,7 +9,7 @@
 // Usage: node bench/engine_overhead.mjs build/release [seconds] [connections] [other-ostrakan]
 //   (the folder holds the Release build of the targets ostrakan and hello_beast)
 import { execFileSync, spawn } from 'node:child_process';
-import { existsSync, readFileSync, readdirSync } from 'node:fs';
+import { existsSync, readFileSync } from 'node:fs';
 import { join, dirname, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
@@ -21,27 +21,14 @@ const other = process.argv[5] ? resolve(process.argv[5]) : null;
 process.env.OSTRAKAN_BINARY = join(build, 'ostrakan');
 const { startSite, signInOverHttp } = await import(join(here, '../tests/browser/harness.mjs'));
 
-// The process listening on `base` (its command line names the port).
-function serverPid(base) {
-  const port = new URL(base).port;
-  for (const entry of readdirSync('/proc')) {
-    if (!/^\d+$/.test(entry)) continue;
-    try {
-      const args = readFileSync(`/proc/${entry}/cmdline`, 'utf8').split('\0');
-      if (args.some((a) => a === port || a.endsWith(`:${port}`))) return Number(entry);
-    } catch {}
-  }
-  throw new Error(`no server process for ${base}`);
-}
-
 // User and system time of a process, in seconds (the kernel counts in ticks of 10 ms).
 function cpuSeconds(pid) {
   const fields = readFileSync(`/proc/${pid}/stat`, 'utf8').split(') ')[1].split(' ');
   return (Number(fields[11]) + Number(fields[12])) / 100;
 }
 
-function wrk(url, extra = []) {
-  const pid = serverPid(url);
+// wrk against `url`, served by the process `pid`.
+function wrk(url, pid, extra = []) {
   const before = cpuSeconds(pid);
   const out = execFileSync('wrk', ['-t2', `-c${connections}`, `-d${seconds}s`, '--latency', ...extra, url])
     .toString();
@@ -61,7 +48,7 @@ async function startHello(program) {
     child.stdout.once('data', ok);
     child.once('exit', () => fail(new Error(`${program} did not start`)));
   });
-  return { base: `http://127.0.0.1:${port}`, stop: () => child.kill('SIGTERM') };
+  return { base: `http://127.0.0.1:${port}`, pid: child.pid, stop: () => child.kill('SIGTERM') };
 }
 
 const hello = await startHello('hello_beast');
@@ -72,15 +59,15 @@ try {
   const cookie = await signInOverHttp(site);
   const otherCookie = otherSite && (await signInOverHttp(otherSite));
   console.log(`wrk -t2 -c${connections} -d${seconds}s on loopback, ${new Date().toISOString()}`);
-  const base = wrk(`${hello.base}/`);
+  const base = wrk(`${hello.base}/`, hello.pid);
   const rows = [['beast hello (yardstick)', base]];
-  if (civetweb) rows.push(['civetweb hello', wrk(`${civetweb.base}/`)]);
-  rows.push(['admin/css/style.css', wrk(`${site.base}/admin/css/style.css`)]);
-  rows.push(['admin/desktop.asp', wrk(`${site.base}/admin/desktop.asp`, ['-H', `Cookie: ${cookie}`])]);
+  if (civetweb) rows.push(['civetweb hello', wrk(`${civetweb.base}/`, civetweb.pid)]);
+  rows.push(['admin/css/style.css', wrk(`${site.base}/admin/css/style.css`, site.pid)]);
+  rows.push(['admin/desktop.asp', wrk(`${site.base}/admin/desktop.asp`, site.pid, ['-H', `Cookie: ${cookie}`])]);
   if (otherSite) {
-    rows.push(['other: style.css', wrk(`${otherSite.base}/admin/css/style.css`)]);
+    rows.push(['other: style.css', wrk(`${otherSite.base}/admin/css/style.css`, otherSite.pid)]);
     rows.push(['other: desktop.asp',
-      wrk(`${otherSite.base}/admin/desktop.asp`, ['-H', `Cookie: ${otherCookie}`])]);
+      wrk(`${otherSite.base}/admin/desktop.asp`, otherSite.pid, ['-H', `Cookie: ${otherCookie}`])]);
   }
   for (const [name, r] of rows)
     console.log(`${name.padEnd(24)} ${r.rps.toFixed(0).padStart(8)} req/s  ${(r.rps / base.rps).toFixed(2)}x` +

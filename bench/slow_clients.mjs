@@ -13,7 +13,7 @@
 // Usage: node bench/slow_clients.mjs build/release/ostrakan [idle] [slow] [seconds]
 import { execFile, spawn } from 'node:child_process';
 import { promisify } from 'node:util';
-import { readFileSync, readdirSync } from 'node:fs';
+import { readFileSync } from 'node:fs';
 import { join, dirname, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
@@ -46,21 +46,8 @@ const show = (name, r) =>
   console.log(`${name.padEnd(34)} ${r.rps.toFixed(0).padStart(7)} req/s  p99 ${r.p99.padStart(8)}` +
     `  non-2xx ${r.non2xx}  socket errors ${r.socketErrors}`);
 
-// The process that serves `base` (its command line names the address).
-function serverPid(base) {
-  const listen = new URL(base).host;
-  for (const entry of readdirSync('/proc')) {
-    if (!/^\d+$/.test(entry)) continue;
-    try {
-      const args = readFileSync(`/proc/${entry}/cmdline`, 'utf8').split('\0');
-      if (args.includes('serve') && args.includes(listen)) return Number(entry);
-    } catch {}
-  }
-  throw new Error(`no server process for ${base}`);
-}
-
 const site = await startSite();
-const pid = serverPid(site.base);
+const pid = site.pid;
 try {
   const cookie = await signInOverHttp(site);
   const port = Number(new URL(site.base).port);
