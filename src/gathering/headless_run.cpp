@@ -152,6 +152,17 @@ UnitResult RuleCannotCut(std::u16string address, const ScriptError& e) {
   return result;
 }
 
+// A fetch step's unit: the page's bytes, or why there are none.
+FetchedUnit FetchPage(PacedFetcher& fetcher, std::u16string address) {
+  try {
+    std::optional<std::string> body = fetcher.FetchBytes(address);
+    if (!body) return FailedUnit(address, ToUtf8(address) + ": " + fetcher.why());
+    return FetchedUnit{std::move(address), std::move(*body), std::nullopt};
+  } catch (const ScriptError& e) {
+    return FetchedUnit{address, {}, RuleCannotCut(address, e)};
+  }
+}
+
 }  // namespace
 
 GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher& fetcher) {
@@ -160,15 +171,10 @@ GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher&
   // The fetch step reads only the rule, which the extractor never changes; its carried state
   // is the cut step's alone.
   auto fetch = [extractor, word, &fetcher](long page) {
-    std::u16string address;
     try {
-      address = PageAddress(extractor->rule(), word, page);
-      std::optional<std::string> body = fetcher.FetchBytes(address);
-      if (!body) return FailedUnit(address, ToUtf8(address) + ": " + fetcher.why());
-      return FetchedUnit{std::move(address), std::move(*body), std::nullopt};
+      return FetchPage(fetcher, PageAddress(extractor->rule(), word, page));
     } catch (const ScriptError& e) {
-      FetchedUnit failed{address, {}, RuleCannotCut(address, e)};
-      return failed;
+      return FetchedUnit{{}, {}, RuleCannotCut({}, e)};
     }
   };
   auto cut = [extractor](FetchedUnit& fetched) {
@@ -196,15 +202,7 @@ GatherUnit ListPages(const ListRule& rule, std::u16string keyword, PacedFetcher&
 GatherUnit IdPages(const IdRule& rule, PacedFetcher& fetcher) {
   auto extractor = std::make_shared<IdExtractor>();
   auto fetch = [rule, &fetcher](long id) {
-    std::u16string address = IdPageAddress(rule.gather_url, FromUtf8(std::to_string(id)));
-    try {
-      std::optional<std::string> body = fetcher.FetchBytes(address);
-      if (!body) return FailedUnit(address, ToUtf8(address) + ": " + fetcher.why());
-      return FetchedUnit{std::move(address), std::move(*body), std::nullopt};
-    } catch (const ScriptError& e) {
-      FetchedUnit failed{address, {}, RuleCannotCut(address, e)};
-      return failed;
-    }
+    return FetchPage(fetcher, IdPageAddress(rule.gather_url, FromUtf8(std::to_string(id))));
   };
   auto cut = [extractor, rule](FetchedUnit& fetched) {
     if (fetched.result) return std::move(*fetched.result);

@@ -328,11 +328,10 @@ OpenConverter& Converter(const char* name, unsigned flags) {
   return slot;
 }
 
-// Runs an ICU conversion from [src, srcEnd) into `out`, doubling `out` while ICU reports that
-// it is too small.
+// Runs an ICU conversion from [src, srcEnd) into `out` after its first `written` elements,
+// doubling `out` while ICU reports that it is too small; `out` ends at what was written.
 template <class Out, class Src, class Step>
-Out ConvertAll(Out out, const Src* src, const Src* srcEnd, Step step) {
-  size_t written = 0;
+void ConvertInto(Out& out, size_t written, const Src* src, const Src* srcEnd, Step step) {
   for (;;) {
     auto* target = out.data() + written;
     UErrorCode err = U_ZERO_ERROR;
@@ -344,7 +343,7 @@ Out ConvertAll(Out out, const Src* src, const Src* srcEnd, Step step) {
     }
     if (U_FAILURE(err)) throw InvalidCall();
     out.resize(written);
-    return out;
+    return;
   }
 }
 
@@ -352,31 +351,24 @@ std::u16string ToUnicode(std::string_view bytes, const char* name, unsigned flag
   if (bytes.empty()) return {};
   if (std::strcmp(name, kUtf8.decoder) == 0) return FromUtf8(bytes);  // written once, in core
   UConverter* cnv = Converter(name, flags).converter.get();
-  return ConvertAll(
-      std::u16string(bytes.size() + 8, u'\0'), bytes.data(), bytes.data() + bytes.size(),
+  std::u16string out(bytes.size() + 8, u'\0');
+  ConvertInto(
+      out, 0, bytes.data(), bytes.data() + bytes.size(),
       [cnv](UChar** target, UChar* end, const char** src, const char* srcEnd, UErrorCode* err) {
         ucnv_toUnicode(cnv, target, end, src, srcEnd, nullptr, true, err);
       });
+  return out;
 }
 
-// Appends the converted [src, srcEnd) to `out`, growing it while ICU reports that it is too
-// small.
+// Appends the converted [src, srcEnd) to `out`.
 void AppendConverted(std::string& out, UConverter* cnv, const UChar* src, const UChar* srcEnd) {
-  size_t written = out.size();
+  const size_t written = out.size();
   out.resize(written + static_cast<size_t>(srcEnd - src) * ucnv_getMaxCharSize(cnv) + 8);
-  for (;;) {
-    char* target = out.data() + written;
-    UErrorCode err = U_ZERO_ERROR;
-    ucnv_fromUnicode(cnv, &target, out.data() + out.size(), &src, srcEnd, nullptr, true, &err);
-    written = static_cast<size_t>(target - out.data());
-    if (err == U_BUFFER_OVERFLOW_ERROR) {
-      out.resize(out.size() * 2);
-      continue;
-    }
-    if (U_FAILURE(err)) throw InvalidCall();
-    out.resize(written);
-    return;
-  }
+  ConvertInto(
+      out, written, src, srcEnd,
+      [cnv](char** target, char* end, const UChar** src, const UChar* srcEnd, UErrorCode* err) {
+        ucnv_fromUnicode(cnv, target, end, src, srcEnd, nullptr, true, err);
+      });
 }
 
 // windows-936's bytes for the characters of the BMP, each block of 256 made from the converter
