@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(build-essential cmake pkg-config libsqlite3-dev libcurl4-openssl-dev libicu-dev
           libpcre2-dev libboost-dev libpq-dev nlohmann-json3-dev)
 if [[ "${1:-}" == "--test" ]]; then
-  packages+=(libgtest-dev libbenchmark-dev chromium fonts-wqy-zenhei sqlite3 wrk nginx postgresql
+  packages+=(libgtest-dev libgumbo-dev libbenchmark-dev chromium fonts-wqy-zenhei sqlite3 wrk nginx postgresql
             clang-14 libclang-rt-14-dev)
   command -v node >/dev/null || packages+=(nodejs npm)
 fi

@@ -1,9 +1,12 @@
-// A small reader of the markup that pages write, as a browser would split it: tags with their
-// attributes (values decoded from entities), the raw text of script elements, and the decoded
-// text of textarea and title elements; and a reader of script text that finds what runs outside
-// its string literals. Enough to tell whether stored text came out as text or as markup.
+// The markup that pages write, read by an HTML5 parser (gumbo) as a browser reads it: every
+// element with its attributes (values decoded from entities), the raw text of script elements,
+// and the decoded text of textarea elements; and a reader of script text that finds what runs
+// outside its string literals. Enough to tell whether stored text came out as text or as markup.
 #pragma once
 
+#include <gumbo.h>
+
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,7 +16,7 @@
 namespace ostrakan::testing {
 
 struct HtmlTag {
-  std::u16string name;  // lower case; "/p" for an end tag
+  std::u16string name;                                                // lower case
   std::vector<std::pair<std::u16string, std::u16string>> attributes;  // names in lower case
   std::u16string Attribute(std::u16string_view attribute) const {
     for (const auto& [n, v] : attributes)
@@ -36,88 +39,42 @@ inline std::u16string Lower(std::u16string_view s) {
   return out;
 }
 
-// Character references as a browser decodes them in text and attribute values (the named ones
-// that pages use, and numeric ones).
-inline std::u16string DecodeEntities(std::u16string_view s) {
-  static const std::pair<std::u16string_view, char16_t> kNamed[] = {
-      {u"amp", u'&'}, {u"lt", u'<'}, {u"gt", u'>'}, {u"quot", u'"'}, {u"copy", u'\u00a9'}};
-  std::u16string out;
-  for (size_t i = 0; i < s.size(); ++i) {
-    const size_t semi = s[i] == u'&' ? s.find(u';', i) : std::u16string_view::npos;
-    const std::u16string name(semi - i <= 10 ? s.substr(i + 1, semi - i - 1) : u"");
-    char32_t c = 0;
-    for (const auto& [entity, decoded] : kNamed)
-      if (name == entity) c = decoded;
-    if (name.size() > 1 && name[0] == u'#') {
-      const bool hex = name[1] == u'x' || name[1] == u'X';
-      c = std::stoul(ToUtf8(name.substr(hex ? 2 : 1)), nullptr, hex ? 16 : 10);
-    }
-    if (c == 0 || c > 0xFFFF) {
-      out += s[i];
-    } else {
-      out += static_cast<char16_t>(c);
-      i = semi;
-    }
-  }
-  return out;
-}
-
+// The parser turns every CR LF and lone CR into LF, as browsers do.
 inline HtmlScan ScanHtml(std::u16string_view html) {
+  const std::string utf8 = ToUtf8(html);
+  const std::unique_ptr<GumboOutput, void (*)(GumboOutput*)> output(
+      gumbo_parse_with_options(&kGumboDefaultOptions, utf8.data(), utf8.size()),
+      [](GumboOutput* out) { gumbo_destroy_output(&kGumboDefaultOptions, out); });
   HtmlScan scan;
-  auto isSpace = [](char16_t c) {
-    return std::u16string_view(u" \t\r\n\f").find(c) != std::u16string_view::npos;
+  auto text = [](const GumboElement& element) {
+    std::string inside;
+    for (unsigned i = 0; i < element.children.length; ++i) {
+      const auto* child = static_cast<const GumboNode*>(element.children.data[i]);
+      if (child->type == GUMBO_NODE_TEXT || child->type == GUMBO_NODE_WHITESPACE)
+        inside += child->v.text.text;
+    }
+    return FromUtf8(inside);
   };
-  auto at = [&](size_t p) { return p < html.size() ? html[p] : u'\0'; };
-  // Reads up to (not including) the first character for which `stop` is true.
-  auto until = [&](size_t& p, auto stop) {
-    const size_t from = p;
-    while (p < html.size() && !stop(html[p])) ++p;
-    return html.substr(from, p - from);
+  auto visit = [&](auto& self, const GumboNode* node) -> void {
+    if (node->type != GUMBO_NODE_ELEMENT && node->type != GUMBO_NODE_TEMPLATE) return;
+    const GumboElement& element = node->v.element;
+    GumboStringPiece original = element.original_tag;
+    gumbo_tag_from_original_text(&original);  // the name as written, for unknown elements
+    HtmlTag tag{Lower(element.tag == GUMBO_TAG_UNKNOWN
+                          ? FromUtf8(std::string(original.data, original.length))
+                          : FromUtf8(gumbo_normalized_tagname(element.tag))),
+                {}};
+    for (unsigned i = 0; i < element.attributes.length; ++i) {
+      const auto* a = static_cast<const GumboAttribute*>(element.attributes.data[i]);
+      tag.attributes.emplace_back(FromUtf8(a->name), FromUtf8(a->value));
+    }
+    if (element.tag == GUMBO_TAG_SCRIPT) scan.scripts.push_back(text(element));
+    if (element.tag == GUMBO_TAG_TEXTAREA) scan.textareas.emplace_back(tag, text(element));
+    scan.tags.push_back(std::move(tag));
+    for (unsigned i = 0; i < element.children.length; ++i)
+      self(self, static_cast<const GumboNode*>(element.children.data[i]));
   };
-  for (size_t i = html.find(u'<'); i < html.size(); i = html.find(u'<', i)) {
-    if (html.substr(i, 4) == u"<!--") {
-      i = std::min(html.find(u"-->", i + 4), html.size() - 3) + 3;
-      continue;
-    }
-    const bool closing = at(i + 1) == u'/';
-    size_t p = i + (closing ? 2 : 1);
-    if (!((at(p) >= u'a' && at(p) <= u'z') || (at(p) >= u'A' && at(p) <= u'Z'))) {
-      ++i;
-      continue;
-    }
-    HtmlTag tag;
-    tag.name = (closing ? u"/" : u"") +
-               Lower(until(p, [&](char16_t c) { return isSpace(c) || c == u'>' || c == u'/'; }));
-    while (p < html.size() && html[p] != u'>') {
-      if (isSpace(html[p]) || html[p] == u'/') {
-        ++p;
-        continue;
-      }
-      const size_t nameAt = p++;  // an attribute's name may start with '='
-      until(p, [&](char16_t c) { return isSpace(c) || c == u'>' || c == u'=' || c == u'/'; });
-      std::u16string name = Lower(html.substr(nameAt, p - nameAt)), value;
-      until(p, [&](char16_t c) { return !isSpace(c); });
-      if (at(p) == u'=') {
-        ++p;
-        until(p, [&](char16_t c) { return !isSpace(c); });
-        const char16_t quote = at(p) == u'"' || at(p) == u'\'' ? html[p++] : 0;
-        value = DecodeEntities(
-            until(p, [&](char16_t c) { return quote ? c == quote : isSpace(c) || c == u'>'; }));
-        if (quote && p < html.size()) ++p;
-      }
-      tag.attributes.emplace_back(std::move(name), std::move(value));
-    }
-    i = std::min(p + 1, html.size());
-    scan.tags.push_back(tag);
-    // Raw and escapable raw text: everything up to the matching end tag is text.
-    if (tag.name == u"script" || tag.name == u"textarea" || tag.name == u"title") {
-      const size_t end = Lower(html.substr(i)).find(u"</" + tag.name);
-      const std::u16string_view inside = html.substr(i, end);
-      if (tag.name == u"script") scan.scripts.emplace_back(inside);
-      if (tag.name == u"textarea") scan.textareas.emplace_back(tag, DecodeEntities(inside));
-      i += inside.size();
-    }
-  }
+  visit(visit, output->root);
   return scan;
 }
 
