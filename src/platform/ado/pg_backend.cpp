@@ -577,6 +577,25 @@ bool IsServerAddress(std::string_view uri) {
   return uri.starts_with("postgresql://") || uri.starts_with("postgres://");
 }
 
+std::u16string ServerArrayLiteral(const std::vector<std::optional<std::u16string>>& texts) {
+  std::u16string out = u"{";
+  for (const std::optional<std::u16string>& text : texts) {
+    if (&text != &texts.front()) out += u',';
+    if (!text) {
+      out += u"NULL";
+      continue;
+    }
+    if (text->find(u'\0') != std::u16string::npos) throw NulInText();
+    out += u'"';
+    for (const char16_t c : *text) {
+      if (c == u'"' || c == u'\\') out += u'\\';
+      out += c;
+    }
+    out += u'"';
+  }
+  return out + u'}';
+}
+
 std::optional<std::string> ServerAddressIn(const std::filesystem::path& file) {
   // Only a short file can hold an address. A database file is never opened here: closing any
   // descriptor of a file drops every POSIX lock this process holds on it, SQLite's included,
