@@ -1,11 +1,10 @@
 // One gathered entry stored (the duplicate lookup by link, then an insert or a refresh, in one
 // write transaction) into existing sites' databases, side by side: bench/pg_vs_sqlite.mjs runs
 // it over its SQLite and PostgreSQL sites of the same records. BM_StoreEntryInSite stores one
-// entry a transaction, as the gathering pages do; BM_StorePageInSite a page of 20 a transaction,
-// as `ostrakan gather` stores a unit (StoreEntries), and its `entry` column is the time per
-// entry. The database files (an SQLite
-// file or a PostgreSQL address file) are named, comma-separated, by OSTRAKAN_BENCH_DATABASES;
-// the entries stored are deleted again at the end.
+// entry a transaction, as the gathering pages do; BM_StorePageInSite a page of 20 a
+// transaction, as `ostrakan gather` stores a unit (StoreEntries), and its `entry` column is the
+// time per entry. The database files (an SQLite file or a PostgreSQL address file) are named,
+// comma-separated, by OSTRAKAN_BENCH_DATABASES; the entries stored are deleted again at the end.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
