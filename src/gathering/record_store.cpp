@@ -201,6 +201,8 @@ std::optional<std::vector<StoreOutcome>> RecordStore::StoreAtOnce(
   if (!s.calls.many) return std::nullopt;
   std::vector<StoreOutcome> outcomes;
   if (records.empty()) return outcomes;
+  // One record (an ID site's unit) takes the call made for one, without the arrays.
+  if (records.size() == 1 && s.store) return std::vector<StoreOutcome>{Store(records.front())};
   if (!s.storeMany) s.storeMany.emplace(conn_, kStoreEntries);
   std::vector<std::optional<std::u16string>> titles, contents, links, images;
   for (const GatheredRecord& r : records) {
