@@ -151,7 +151,7 @@ try {
       databases.push(join(site, 'data', 'ostrakan.db'));
     }
     if (existsSync(storeBench)) {
-      const out = execFileSync(storeBench, ['--benchmark_filter=BM_StoreEntryInSite',
+      const out = execFileSync(storeBench, ['--benchmark_filter=BM_Store(Entry|Page)InSite',
                                             '--benchmark_min_time=2'],
                                { env: { ...process.env, OSTRAKAN_BENCH_DATABASES: databases.join(',') } });
       for (const line of out.toString().split('\n').filter((l) => l.startsWith('BM_')))

@@ -62,25 +62,15 @@ CREATE INDEX IF NOT EXISTS db_source_url ON db (source_url);
 CREATE INDEX IF NOT EXISTS db_title ON db (title);
 CREATE INDEX IF NOT EXISTS db_click_time_title ON db (click, time, title);
 
--- The exact number of rows of db, kept by statement-level triggers in the writer's own
--- transaction: PostgreSQL counts a table by reading all of it, so the record list's
--- "select count(*) from db" reads this row instead (the statement adapter of the program).
--- Writers of db wait for one another on the row until they commit, as they do for the write
--- lock anyway.
+-- The exact number of rows of db, kept by statement-level triggers (below, with the record
+-- index) in the writer's own transaction: PostgreSQL counts a table by reading all of it, so the
+-- record list's "select count(*) from db" reads this row instead (the statement adapter of the
+-- program). Writers of db wait for one another on the row until they commit, as they do for
+-- the write lock anyway.
 CREATE TABLE IF NOT EXISTS row_count (
   name text PRIMARY KEY,
   n bigint NOT NULL
 );
-CREATE OR REPLACE FUNCTION row_count_added() RETURNS trigger LANGUAGE plpgsql AS $$
-BEGIN
-  UPDATE row_count SET n = n + (SELECT count(*) FROM added) WHERE name = TG_TABLE_NAME;
-  RETURN NULL;
-END $$;
-CREATE OR REPLACE FUNCTION row_count_removed() RETURNS trigger LANGUAGE plpgsql AS $$
-BEGIN
-  UPDATE row_count SET n = n - (SELECT count(*) FROM removed) WHERE name = TG_TABLE_NAME;
-  RETURN NULL;
-END $$;
 CREATE OR REPLACE FUNCTION row_count_emptied() RETURNS trigger LANGUAGE plpgsql AS $$
 BEGIN
   UPDATE row_count SET n = 0 WHERE name = TG_TABLE_NAME;
@@ -89,10 +79,6 @@ END $$;
 -- A database made before the count starts from the rows it holds.
 INSERT INTO row_count (name, n) SELECT 'db', (SELECT count(*) FROM db)
 WHERE NOT EXISTS (SELECT 1 FROM row_count WHERE name = 'db');
-CREATE OR REPLACE TRIGGER db_rows_added AFTER INSERT ON db REFERENCING NEW TABLE AS added
-  FOR EACH STATEMENT EXECUTE FUNCTION row_count_added();
-CREATE OR REPLACE TRIGGER db_rows_removed AFTER DELETE ON db REFERENCING OLD TABLE AS removed
-  FOR EACH STATEMENT EXECUTE FUNCTION row_count_removed();
 CREATE OR REPLACE TRIGGER db_rows_emptied AFTER TRUNCATE ON db
   FOR EACH STATEMENT EXECUTE FUNCTION row_count_emptied();
 
@@ -329,24 +315,47 @@ CREATE TABLE IF NOT EXISTS db_gram (
 CREATE INDEX IF NOT EXISTS db_gram_title ON db_gram USING gin (db_gram_text(title));
 CREATE INDEX IF NOT EXISTS db_gram_content ON db_gram USING gin (db_gram_text(content));
 
+-- Rows added to db and rows removed from it: the count and the index copies, once per statement
+-- for all its rows (a statement of one row pays one trigger, a bulk load one set-wise insert).
+CREATE OR REPLACE FUNCTION db_rows_added() RETURNS trigger LANGUAGE plpgsql AS $$
+BEGIN
+  UPDATE row_count SET n = n + (SELECT count(*) FROM added) WHERE name = 'db';
+  INSERT INTO db_gram (id, title, content) SELECT id, title, content FROM added
+  ON CONFLICT (id) DO UPDATE SET title = EXCLUDED.title, content = EXCLUDED.content;
+  RETURN NULL;
+END $$;
+CREATE OR REPLACE FUNCTION db_rows_removed() RETURNS trigger LANGUAGE plpgsql AS $$
+BEGIN
+  UPDATE row_count SET n = n - (SELECT count(*) FROM removed) WHERE name = 'db';
+  DELETE FROM db_gram WHERE id IN (SELECT id FROM removed);
+  RETURN NULL;
+END $$;
+CREATE OR REPLACE TRIGGER db_rows_added AFTER INSERT ON db REFERENCING NEW TABLE AS added
+  FOR EACH STATEMENT EXECUTE FUNCTION db_rows_added();
+CREATE OR REPLACE TRIGGER db_rows_removed AFTER DELETE ON db REFERENCING OLD TABLE AS removed
+  FOR EACH STATEMENT EXECUTE FUNCTION db_rows_removed();
+-- (The count's functions of an earlier version, replaced by these.)
+DROP FUNCTION IF EXISTS row_count_added();
+DROP FUNCTION IF EXISTS row_count_removed();
+
+-- A changed title, description or id: row by row, and only for statements that set one of
+-- them (a click's update of db.click fires nothing).
 CREATE OR REPLACE FUNCTION db_gram_sync() RETURNS trigger
 LANGUAGE plpgsql AS $$
 BEGIN
-  IF TG_OP = 'UPDATE' AND NEW.id = OLD.id AND NEW.title IS NOT DISTINCT FROM OLD.title
+  IF NEW.id = OLD.id AND NEW.title IS NOT DISTINCT FROM OLD.title
      AND NEW.content IS NOT DISTINCT FROM OLD.content THEN
     RETURN NULL;  -- equal as citext: the same lower-cased text, the same keys
   END IF;
-  IF TG_OP = 'DELETE' OR (TG_OP = 'UPDATE' AND NEW.id <> OLD.id) THEN
+  IF NEW.id <> OLD.id THEN
     DELETE FROM db_gram WHERE id = OLD.id;
   END IF;
-  IF TG_OP <> 'DELETE' THEN
-    INSERT INTO db_gram (id, title, content) VALUES (NEW.id, NEW.title, NEW.content)
-    ON CONFLICT (id) DO UPDATE SET title = EXCLUDED.title, content = EXCLUDED.content;
-  END IF;
+  INSERT INTO db_gram (id, title, content) VALUES (NEW.id, NEW.title, NEW.content)
+  ON CONFLICT (id) DO UPDATE SET title = EXCLUDED.title, content = EXCLUDED.content;
   RETURN NULL;
 END
 $$;
-CREATE OR REPLACE TRIGGER db_gram_sync AFTER INSERT OR DELETE OR UPDATE OF id, title, content
+CREATE OR REPLACE TRIGGER db_gram_sync AFTER UPDATE OF id, title, content
 ON db FOR EACH ROW EXECUTE FUNCTION db_gram_sync();
 
 CREATE OR REPLACE FUNCTION db_gram_clear() RETURNS trigger
@@ -390,5 +399,57 @@ BEGIN
     UPDATE db SET title = entry_title, content = entry_content, time = stored WHERE id = known.id;
   END IF;
   RETURN 1;
+END
+$$;
+
+-- The entries of one gathered page stored in one call, each as db_store_entry stores it and in
+-- their order, under the same lock: returns for each 1 (a known link) or 0 (a new one). The
+-- new records are inserted together at the end, in their order, so that the count and the
+-- record index are written once for all; a link that an earlier entry of the call adds is
+-- known to the later ones (the later refreshes the record to be added).
+CREATE OR REPLACE FUNCTION db_store_entries(titles text[], contents text[], links text[],
+                                            images text[], entry_source text,
+                                            entry_source_url text, stored timestamp)
+RETURNS integer[] LANGUAGE plpgsql AS $$
+DECLARE
+  known record;
+  outcomes integer[] := '{}';
+  new_links citext[] := '{}';
+  new_titles text[] := '{}';
+  new_contents text[] := '{}';
+  new_images text[] := '{}';
+  at integer;
+BEGIN
+  PERFORM pg_advisory_xact_lock(7031853);
+  FOR i IN 1 .. coalesce(cardinality(links), 0) LOOP
+    at := array_position(new_links, links[i]::citext);
+    IF at IS NOT NULL THEN
+      new_titles[at] := titles[i];
+      new_contents[at] := contents[i];
+      outcomes := outcomes || 1;
+      CONTINUE;
+    END IF;
+    SELECT id, title, content INTO known FROM db WHERE url = links[i]::citext LIMIT 1;
+    IF NOT FOUND THEN
+      new_links := new_links || links[i]::citext;
+      new_titles := new_titles || titles[i];
+      new_contents := new_contents || contents[i];
+      new_images := new_images || images[i];
+      outcomes := outcomes || 0;
+      CONTINUE;
+    END IF;
+    IF coalesce(known.title::text = titles[i] AND known.content::text = contents[i], false) THEN
+      UPDATE db SET time = stored WHERE id = known.id;
+    ELSE
+      UPDATE db SET title = titles[i], content = contents[i], time = stored WHERE id = known.id;
+    END IF;
+    outcomes := outcomes || 1;
+  END LOOP;
+  IF cardinality(new_links) > 0 THEN
+    INSERT INTO db (title, content, url, image, source, source_url, click, time)
+    SELECT t, c, u, im, entry_source, entry_source_url, 0, stored
+    FROM unnest(new_titles, new_contents, new_links, new_images) AS e(t, c, u, im);
+  END IF;
+  RETURN outcomes;
 END
 $$;

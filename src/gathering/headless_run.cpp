@@ -34,10 +34,21 @@ std::optional<std::u16string> PacedFetcher::Fetch(std::u16string_view address,
 
 void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
                   const std::function<void(const std::string& why)>& refused) {
-  const bool held = store.InTransaction();
   for (GatheredRecord& record : records) {
     for (std::u16string* text : {&record.title, &record.content, &record.url, &record.image})
       std::erase(*text, u'\0');
+  }
+  // On PostgreSQL the unit's records go to the server in one call. An error there undid the
+  // transaction (PostgreSQL refuses every later statement in it), so it is thrown, as below.
+  if (std::optional<std::vector<StoreOutcome>> outcomes = store.StoreAtOnce(records)) {
+    for (const StoreOutcome outcome : *outcomes) {
+      ++counts.entries;
+      ++(outcome == StoreOutcome::Inserted ? counts.inserted : counts.updated);
+    }
+    return;
+  }
+  const bool held = store.InTransaction();
+  for (GatheredRecord& record : records) {
     ++counts.entries;
     try {
       ++(store.Store(record) == StoreOutcome::Inserted ? counts.inserted : counts.updated);

@@ -107,7 +107,8 @@ struct RunReport {
 // Stores a unit's records, counting entries, inserted and updated. Remote text never stops a
 // run: NUL characters are dropped, and an entry the database still refuses is left out and
 // reported through `refused` (may be empty) instead of failing the unit. An error that undid
-// the transaction the records were stored in is thrown.
+// the transaction the records were stored in is thrown. On PostgreSQL the records go to the
+// server in one call (RecordStore::StoreAtOnce): all are stored, or the error is thrown.
 void StoreEntries(RecordStore& store, std::vector<GatheredRecord>& records, RunCounts& counts,
                   const std::function<void(const std::string& why)>& refused);
 

@@ -5,7 +5,10 @@
 #include <optional>
 #include <set>
 
+#include "core/script_error.h"
 #include "frame/filtration.h"
+#include "platform/ado/database_error.h"
+#include "platform/ado/pg_backend.h"
 #include "platform/ado/prepared_statement.h"
 #include "platform/ado/write_transaction.h"
 #include "platform/clock.h"
@@ -95,27 +98,41 @@ void EditRecord(ado::Connection& conn, long long id, std::u16string_view title,
 }
 
 // PostgreSQL: the lookup, the insert or refresh and the write lock in one call to the server
-// (db_store_entry in schema.pg.sql) instead of four round trips. A database whose schema
-// predates the function is written statement by statement.
+// (db_store_entry in schema.pg.sql) instead of four round trips, and a page's entries in one
+// call (db_store_entries). A database whose schema predates them is written statement by
+// statement, or entry by entry.
 constexpr char16_t kStoreEntry[] = u"select db_store_entry(?, ?, ?, ?, ?, ?, ?)";
+constexpr char16_t kStoreEntries[] = u"select db_store_entries(?, ?, ?, ?, ?, ?, ?)";
 
-// Whether the database has db_store_entry. A database seen to have it is remembered for the
+struct StoreCalls {
+  bool one = false;   // db_store_entry
+  bool many = false;  // db_store_entries
+};
+
+// The store functions the database has. A database seen to have both is remembered for the
 // process (by its connection string), so that storing one entry at a time (the pages' runs)
 // does not ask again.
-bool HasStoreFunction(ado::Connection& conn) {
-  if (conn.backend().dialect() != ado::Dialect::kPostgres) return false;
+StoreCalls StoreCallsOf(ado::Connection& conn) {
+  if (conn.backend().dialect() != ado::Dialect::kPostgres) return {};
   static std::mutex mutex;
   static std::set<std::u16string> having;
   {
     std::lock_guard<std::mutex> lock(mutex);
-    if (having.count(conn.ConnectionString)) return true;
+    if (having.count(conn.ConnectionString)) return {true, true};
   }
   ado::PreparedStatement look(
-      conn, u"select count(*) from pg_catalog.pg_proc where proname = 'db_store_entry'");
-  if (CDbl(look.FirstValue({}).value_or(Variant(0))) == 0) return false;
-  std::lock_guard<std::mutex> lock(mutex);
-  having.insert(conn.ConnectionString);
-  return true;
+      conn,
+      u"select count(case when proname = 'db_store_entry' then 1 end), "
+      u"count(case when proname = 'db_store_entries' then 1 end) from pg_catalog.pg_proc "
+      u"where proname in ('db_store_entry', 'db_store_entries')");
+  const std::vector<Variant> found = look.FirstRow({}).value_or(std::vector<Variant>{});
+  const StoreCalls calls{found.size() == 2 && CDbl(found[0]) != 0,
+                         found.size() == 2 && CDbl(found[1]) != 0};
+  if (calls.one && calls.many) {
+    std::lock_guard<std::mutex> lock(mutex);
+    having.insert(conn.ConnectionString);
+  }
+  return calls;
 }
 
 namespace {
@@ -132,13 +149,15 @@ struct StepStatements {
 // Either db_store_entry or the four statements, whichever the store uses: a store made for
 // one entry (StoreRecord) prepares only what it runs.
 struct RecordStore::Statements {
-  explicit Statements(ado::Connection& conn) {
-    if (HasStoreFunction(conn))
+  explicit Statements(ado::Connection& conn) : calls(StoreCallsOf(conn)) {
+    if (calls.one)
       store.emplace(conn, kStoreEntry);
     else
       steps.emplace(conn);
   }
+  StoreCalls calls;
   std::optional<ado::PreparedStatement> store;
+  std::optional<ado::PreparedStatement> storeMany;  // prepared when first used
   std::optional<StepStatements> steps;
   std::u16string sourceUrl;
   NowTexts now;
@@ -174,6 +193,37 @@ StoreOutcome RecordStore::Store(const GatheredRecord& record) {
   }
   transaction.Commit();
   return known ? StoreOutcome::Updated : StoreOutcome::Inserted;
+}
+
+std::optional<std::vector<StoreOutcome>> RecordStore::StoreAtOnce(
+    const std::vector<GatheredRecord>& records) {
+  Statements& s = *statements_;
+  if (!s.calls.many) return std::nullopt;
+  std::vector<StoreOutcome> outcomes;
+  if (records.empty()) return outcomes;
+  // One record (an ID site's unit) takes the call made for one, without the arrays.
+  if (records.size() == 1 && s.store) return std::vector<StoreOutcome>{Store(records.front())};
+  if (!s.storeMany) s.storeMany.emplace(conn_, kStoreEntries);
+  std::vector<std::optional<std::u16string>> titles, contents, links, images;
+  for (const GatheredRecord& r : records) {
+    titles.emplace_back(r.title.substr(0, 100));
+    contents.emplace_back(r.content.substr(0, 150));
+    links.emplace_back(StoredLink(r.url));
+    images.push_back(r.image.empty() ? std::nullopt : std::optional(r.image));
+  }
+  const std::optional<Variant> answer = s.storeMany->FirstValue(
+      {Variant(ado::ServerArrayLiteral(titles)), Variant(ado::ServerArrayLiteral(contents)),
+       Variant(ado::ServerArrayLiteral(links)), Variant(ado::ServerArrayLiteral(images)),
+       Variant(site_.name), Variant(s.sourceUrl), s.now.Now()});
+  // The outcomes come as an array's text, "{0,1,0}".
+  const std::u16string text = answer ? TextOf(*answer) : u"";
+  for (const char16_t c : text) {
+    if (c == u'0' || c == u'1')
+      outcomes.push_back(c == u'1' ? StoreOutcome::Updated : StoreOutcome::Inserted);
+  }
+  if (outcomes.size() != records.size())
+    throw ScriptError(ado::kProviderError, u"The database did not store the entries as asked.");
+  return outcomes;
 }
 
 StoreOutcome StoreRecord(ado::Connection& conn, const GatheredRecord& record,

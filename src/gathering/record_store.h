@@ -8,7 +8,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/ado/connection.h"
 
@@ -40,6 +42,11 @@ class RecordStore {
   ~RecordStore();
   // As StoreRecord.
   StoreOutcome Store(const GatheredRecord& record);
+  // The records stored in order, each as Store stores it, in one call to the server, with the
+  // outcome of each; nullopt (and nothing stored) where the database takes one at a time
+  // (SQLite, or PostgreSQL whose schema predates the call). All or none are stored: an error
+  // is raised, and on PostgreSQL it undoes the transaction that the call ran in.
+  std::optional<std::vector<StoreOutcome>> StoreAtOnce(const std::vector<GatheredRecord>& records);
   // Whether its connection is inside a write transaction.
   bool InTransaction() const { return conn_.backend().InTransaction(); }
 

@@ -12,6 +12,7 @@
 
 #include "gathering/headless_run.h"
 #include "gathering/units_ahead.h"
+#include "platform/ado/write_transaction.h"
 #include "support/page_harness.h"
 
 namespace ostrakan::gathering {
@@ -59,6 +60,35 @@ TEST_F(Records, InsertsNewLinksCutToSizeAndRefreshesKnownOnesKeepingTheirClicks)
   StoreRecord(conn, {u"it's", u"a'); drop table db; --", u"v.test/'1'", u""}, source);
   EXPECT_EQ(StoreRecord(conn, {u"again", u"", u"v.test/'1'", u""}, source), StoreOutcome::Updated);
   EXPECT_EQ(Value("select count(*) from db"), "3");
+}
+
+// A unit's records stored together (on PostgreSQL in one call) end as stored one by one, after
+// a deletion: a link met twice (in another letter case) is added once and then refreshed, a
+// known one refreshed, texts with the characters that an array's text quotes kept as they are;
+// and on PostgreSQL the kept count and the record index agree with the table.
+TEST_F(Records, AUnitStoredTogetherEndsAsStoredOneByOne) {
+  StoreRecord(conn, {u"old", u"x", u"v.test/known", u""}, source);
+  StoreRecord(conn, {u"gone", u"x", u"v.test/gone", u""}, source);
+  testing::Sql(site.database(), "delete from db where url = 'v.test/gone'");
+  std::vector<GatheredRecord> unit{{u"first", u"x", u"http://v.test/new", u"i.test/1"},
+                                   {u"known", u"y", u"v.test/known", u""},
+                                   {u"again", u"z", u"V.TEST/NEW", u""},
+                                   {u"a \"q\" \\ {b}, NULL", u"NULL", u"v.test/{x}", u""}};
+  RecordStore store(conn, source);
+  RunCounts counts;
+  ado::WriteTransaction transaction(conn);
+  StoreEntries(store, unit, counts, nullptr);
+  transaction.Commit();
+  EXPECT_EQ(std::to_string(counts.inserted) + "," + std::to_string(counts.updated), "2,2");
+  EXPECT_EQ(
+      Value("select group_concat(title || '|' || content || '|' || url || '|' || "
+            "coalesce(image, '-'), ';') from (select * from db order by id) t"),
+      "known|y|v.test/known|-;again|z|v.test/new|i.test/1;a \"q\" \\ {b}, NULL|NULL|v.test/{x}|-");
+  if (testing::OnPostgres()) {
+    EXPECT_EQ(Value("select (select n from row_count) || ',' || count(*) from db join db_gram g "
+                    "using (id) where g.title = db.title and g.content = db.content"),
+              "3,3");
+  }
 }
 
 TEST_F(Records, AFailedWriteLeavesNoHalfRecordAndNoOpenTransaction) {

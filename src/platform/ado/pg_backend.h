@@ -18,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/ado/backend.h"
 
@@ -30,6 +31,11 @@ std::optional<std::string> ServerAddressIn(const std::filesystem::path& file);
 
 // Whether `uri` names a PostgreSQL database.
 bool IsServerAddress(std::string_view uri);
+
+// The texts as one PostgreSQL array literal ({"a","b\"c",NULL}), to be bound as a single
+// value where a statement takes a text[]: every element quoted with '"' and '\' escaped, a
+// nullopt element NULL. Raises the NUL error for a text holding NUL, as a bound text does.
+std::u16string ServerArrayLiteral(const std::vector<std::optional<std::u16string>>& texts);
 
 // A session on the database at `uri` (from the pool when one is idle); raises the provider
 // error, in one sentence, when the server cannot be reached.
