@@ -8,6 +8,7 @@
 
 #include "platform/ado/connection.h"
 #include "platform/ado/statement_text.h"
+#include "platform/ado/write_transaction.h"
 #include "platform/clock.h"
 #include "support/database_holder.h"
 #include "support/page_harness.h"
@@ -259,6 +260,23 @@ TEST_F(Database, AWriterWaitsForAnotherConnectionsTransaction) {
   // Without the busy time-out this fails at once with "database is locked".
   EXPECT_NO_THROW(Connect()->Execute(u"insert into keyword(keyword) values('second')"));
   EXPECT_EQ(Column("keyword", "keyword"), "second");
+}
+
+// A statement that fails inside a write transaction is refused alone on SQLite; PostgreSQL undoes
+// the whole transaction. Either way, what the commit reports is what is stored.
+TEST_F(Database, ACommitReportsWhatItStored) {
+  auto conn = Connect();
+  bool committed = true;
+  {
+    WriteTransaction transaction(*conn);
+    conn->Execute(u"insert into keyword(keyword) values('kept')");
+    EXPECT_NE(Raised([&] { conn->Execute(u"insert into no_such_table values(1)"); }).number, 0);
+    committed = Raised([&] { transaction.Commit(); }).number == 0;
+  }
+  EXPECT_EQ(committed, !testing::OnPostgres());
+  EXPECT_EQ(Column("keyword", "keyword"), committed ? "kept" : "");
+  conn->Execute(u"insert into keyword(keyword) values('next')");  // the connection goes on
+  EXPECT_EQ(Column("keyword", "keyword"), committed ? "kept,next" : "next");
 }
 
 // On PostgreSQL the count that the triggers keep stands for count(*) in and out of transactions,

@@ -487,8 +487,15 @@ class PgBackend : public Backend {
     Link* link = session_->tx;
     if (!link) return;
     Session::FinishReading(*link);
-    Session::Exec(*link, "COMMIT");
     session_->tx = nullptr;
+    // After a failed statement the server refuses the rest of the transaction and answers
+    // COMMIT with ROLLBACK, without an error: say so, or the caller would count undone writes
+    // as stored.
+    const bool failed = PQtransactionStatus(link->conn) == PQTRANS_INERROR;
+    Session::Exec(*link, failed ? "ROLLBACK" : "COMMIT");
+    if (failed)
+      throw ScriptError(kProviderError,
+                        u"The transaction was rolled back: a statement in it had failed.");
   }
   void Rollback() override {
     Link* link = session_->tx;
