@@ -8,9 +8,13 @@
 //    its place, as an attacker would. Prints p99 beside the quiet run's, the requests refused
 //    or failed, and the server's resident memory (at most seen while they were open).
 // 3. Closes them and prints the server's memory 10 seconds later.
+// 4. With --elsewhere: the same crowd against a second server (another site served by the same
+//    program) while wrk measures the first. The crowd then costs the machine what it did
+//    (its own CPU, and a server's for its connections), but not this server: how much of the
+//    loaded p99 is the two shared cores rather than how the server handles the crowd.
 // The crowd is bench/crowd/crowd.cpp, built beside ostrakan (target crowd); it raises its own
 // limit of open files. Everything talks to 127.0.0.1 only.
-// Usage: node bench/slow_clients.mjs build/release/ostrakan [idle] [slow] [seconds]
+// Usage: node bench/slow_clients.mjs build/release/ostrakan [idle] [slow] [seconds] [--elsewhere]
 import { execFile, spawn } from 'node:child_process';
 import { promisify } from 'node:util';
 import { readFileSync } from 'node:fs';
@@ -19,9 +23,11 @@ import { fileURLToPath } from 'node:url';
 
 const here = dirname(fileURLToPath(import.meta.url));
 process.env.OSTRAKAN_BINARY = resolve(process.argv[2] ?? 'build/release/ostrakan');
-const idleCount = Number(process.argv[3] ?? 10000);
-const slowCount = Number(process.argv[4] ?? 1500);
-const seconds = process.argv[5] ?? '10';
+const elsewhere = process.argv.includes('--elsewhere');
+const args = process.argv.filter((a) => a !== '--elsewhere');
+const idleCount = Number(args[3] ?? 10000);
+const slowCount = Number(args[4] ?? 1500);
+const seconds = args[5] ?? '10';
 const { startSite, signInOverHttp } = await import(join(here, '../tests/browser/harness.mjs'));
 
 const sleep = (ms) => new Promise((ok) => setTimeout(ok, ms));
@@ -46,6 +52,25 @@ const show = (name, r) =>
   console.log(`${name.padEnd(34)} ${r.rps.toFixed(0).padStart(7)} req/s  p99 ${r.p99.padStart(8)}` +
     `  non-2xx ${r.non2xx}  socket errors ${r.socketErrors}`);
 
+// The crowd runs as a program of its own (bench/crowd/crowd.cpp, one thread on epoll), so
+// that holding it costs the machine little; node's sockets cost a core.
+async function startCrowd(port) {
+  const crowd = spawn(join(dirname(process.env.OSTRAKAN_BINARY), 'crowd'),
+    [String(port), String(idleCount), String(slowCount)], { stdio: ['ignore', 'pipe', 'inherit'] });
+  const lines = [];
+  crowd.stdout.on('data', (d) => lines.push(...d.toString().trim().split('\n')));
+  while (!lines.some((l) => l.startsWith('ready'))) {
+    if (crowd.exitCode !== null) throw new Error('the crowd did not start');
+    await sleep(100);
+  }
+  return { crowd, lines };
+}
+
+async function stopCrowd(crowd) {
+  crowd.kill('SIGTERM');
+  await new Promise((ok) => (crowd.exitCode !== null ? ok() : crowd.once('exit', ok)));
+}
+
 const site = await startSite();
 const pid = site.pid;
 try {
@@ -60,16 +85,7 @@ try {
   // Page threads keep the stack pages their pages touched: the crowd is measured from here.
   const quietRss = rssMiB(pid);
 
-  // The crowd runs as a program of its own (bench/crowd/crowd.cpp, one thread on epoll), so
-  // that holding it costs the machine little; node's sockets cost a core.
-  const crowd = spawn(join(dirname(process.env.OSTRAKAN_BINARY), 'crowd'),
-    [String(port), String(idleCount), String(slowCount)], { stdio: ['ignore', 'pipe', 'inherit'] });
-  const lines = [];
-  crowd.stdout.on('data', (d) => lines.push(...d.toString().trim().split('\n')));
-  while (!lines.some((l) => l.startsWith('ready'))) {
-    if (crowd.exitCode !== null) throw new Error('the crowd did not start');
-    await sleep(100);
-  }
+  const { crowd, lines } = await startCrowd(port);
   let peakRss = 0;
   const watch = setInterval(() => (peakRss = Math.max(peakRss, rssMiB(pid))), 1000);
   await sleep(3000);
@@ -80,13 +96,24 @@ try {
   show('loaded: admin/desktop.asp', await wrk(page, ['-H', `Cookie: ${cookie}`]));
   peakRss = Math.max(peakRss, rssMiB(pid));
   clearInterval(watch);
-  crowd.kill('SIGTERM');
-  await new Promise((ok) => (crowd.exitCode !== null ? ok() : crowd.once('exit', ok)));
+  await stopCrowd(crowd);
   const [, open, replaced] = lines.at(-1).match(/open (\d+) replaced (\d+)/);
   console.log(`${open} idle or slow connections open after the loaded runs; replaced after ` +
     `the server closed them: ${replaced}; server memory at most ${peakRss.toFixed(1)} MiB`);
   await sleep(10000);
   console.log(`10 s after they left: server ${rssMiB(pid).toFixed(1)} MiB`);
+  if (elsewhere) {
+    const other = await startSite();
+    try {
+      const away = await startCrowd(Number(new URL(other.base).port));
+      await sleep(3000);
+      show('crowd elsewhere: admin/css/style.css', await wrk(file));
+      show('crowd elsewhere: admin/desktop.asp', await wrk(page, ['-H', `Cookie: ${cookie}`]));
+      await stopCrowd(away.crowd);
+    } finally {
+      await other.stop();
+    }
+  }
 } finally {
   await site.stop();
 }

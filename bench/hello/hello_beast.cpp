@@ -1,6 +1,7 @@
 // The yardstick for the engine's overhead: a bare Boost.Beast server on the same I/O model as
-// the engine (one io_context, one thread per core, a strand per connection, keep-alive,
-// TCP_NODELAY), answering every request with a 32-byte page and doing nothing else.
+// the engine (one thread per core, each running an io_context of its own, connections given
+// to them in turn, keep-alive, TCP_NODELAY), answering every request with a 32-byte page and
+// doing nothing else.
 // Usage: hello_beast PORT   (prints "ready" once it listens; serves until SIGINT or SIGTERM)
 #include <utility>  // before Asio: Boost 1.74's awaitable.hpp uses std::exchange without it
 
@@ -54,13 +55,19 @@ class Session : public std::enable_shared_from_this<Session> {
   http::response<http::string_body> response_;
 };
 
-void Accept(tcp::acceptor& acceptor, asio::io_context& io) {
-  acceptor.async_accept(asio::make_strand(io), [&](beast::error_code ec, tcp::socket socket) {
+using Contexts = std::vector<std::unique_ptr<asio::io_context>>;
+
+void Accept(tcp::acceptor& acceptor, Contexts& contexts, size_t next) {
+  asio::io_context& io = *contexts[next % contexts.size()];
+  acceptor.async_accept(io, [&, next](beast::error_code ec, tcp::socket socket) {
     if (!ec) {
       socket.set_option(tcp::no_delay(true));
-      std::make_shared<Session>(std::move(socket))->Read();
+      // Started on the socket's own thread.
+      asio::post(socket.get_executor(), [s = std::move(socket)]() mutable {
+        std::make_shared<Session>(std::move(s))->Read();
+      });
     }
-    Accept(acceptor, io);
+    Accept(acceptor, contexts, next + 1);
   });
 }
 
@@ -69,15 +76,23 @@ void Accept(tcp::acceptor& acceptor, asio::io_context& io) {
 int main(int argc, char** argv) {
   unsigned short port = static_cast<unsigned short>(argc > 1 ? std::stoi(argv[1]) : 8081);
   int threads = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
-  asio::io_context io(threads);
+  Contexts contexts;
+  for (int i = 0; i < threads; ++i) contexts.push_back(std::make_unique<asio::io_context>(1));
+  asio::io_context& io = *contexts[0];
   tcp::acceptor acceptor(io, {asio::ip::make_address("127.0.0.1"), port});
   asio::signal_set stop(io, SIGINT, SIGTERM);
-  stop.async_wait([&](beast::error_code, int) { io.stop(); });
-  Accept(acceptor, io);
+  stop.async_wait([&](beast::error_code, int) {
+    for (auto& c : contexts) c->stop();
+  });
+  Accept(acceptor, contexts, 0);
   std::printf("ready\n");
   std::fflush(stdout);
   std::vector<std::thread> pool;
-  for (int i = 1; i < threads; ++i) pool.emplace_back([&] { io.run(); });
+  std::vector<asio::executor_work_guard<asio::io_context::executor_type>> work;
+  for (int i = 1; i < threads; ++i) {
+    work.push_back(asio::make_work_guard(*contexts[i]));
+    pool.emplace_back([&, i] { contexts[i]->run(); });
+  }
   io.run();
   for (auto& t : pool) t.join();
 }

@@ -48,8 +48,7 @@ int DefaultIoThreads() {
 
 }  // namespace
 
-HttpServer::HttpServer(ServerOptions options)
-    : options_(std::move(options)), work_(boost::asio::make_work_guard(io_)) {
+HttpServer::HttpServer(ServerOptions options) : options_(std::move(options)) {
   // Without TZ the C library looks at /etc/localtime again on every mktime (a stat per call,
   // several per page); naming the file it already uses makes it read it once. Set before
   // the server's threads start.
@@ -60,15 +59,19 @@ HttpServer::HttpServer(ServerOptions options)
   const ObjectFactory& factory = options_.factory ? *options_.factory : ObjectFactory::Default();
   engine_ = std::make_unique<PageEngine>(options_.siteRoot, options_.createComponent, factory,
                                          options_.sessionCapacity);
+  // The I/O threads start first: the listener registers sockets with their contexts.
+  io_ =
+      std::make_unique<IoThreads>(options_.ioThreads > 0 ? options_.ioThreads : DefaultIoThreads());
   listener_ = std::make_unique<Listener>(
-      io_, options_.listen, [this](boost::asio::ip::tcp::socket s) { Accepted(std::move(s)); });
+      options_.listen, [this]() -> boost::asio::io_context& { return io_->Next(); },
+      [this](boost::asio::ip::tcp::socket s, std::string peer) {
+        Accepted(std::move(s), std::move(peer));
+      });
   PagePoolOptions pool;
   pool.threads = std::max(1, options_.threads);
   pool.quickThreads = std::max(0, options_.quickThreads);
   pool.maxWait = std::chrono::milliseconds(options_.pageWaitMs);
   pages_ = std::make_unique<PagePool>(pool);
-  int ioThreads = options_.ioThreads > 0 ? options_.ioThreads : DefaultIoThreads();
-  for (int i = 0; i < ioThreads; ++i) ioThreads_.emplace_back([this] { io_.run(); });
   listener_->Start();
 }
 
@@ -88,7 +91,7 @@ HttpServer::~HttpServer() {
   // Pages under way finish (a remote fetch gives up at the stop signal) and queued ones are
   // answered with 503; the I/O threads write those answers and close the connections.
   pages_->Stop();
-  work_.reset();
+  io_->Finish();
   while (std::chrono::steady_clock::now() < giveUp) {
     {
       std::lock_guard lock(connectionsMutex_);
@@ -97,21 +100,20 @@ HttpServer::~HttpServer() {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   // What is left (a client that does not read its answer, a sign-in pause) is dropped.
-  io_.stop();
-  for (std::thread& t : ioThreads_) t.join();
+  io_->Stop();
 }
 
 int HttpServer::port() const {
   return listener_->port();
 }
 
-void HttpServer::Accepted(boost::asio::ip::tcp::socket socket) {
+void HttpServer::Accepted(boost::asio::ip::tcp::socket socket, std::string peer) {
   ConnectionOptions o;
   o.maxBodyBytes = options_.maxBodyBytes;
   o.requestTimeout = std::chrono::milliseconds(options_.requestTimeoutMs);
   o.keepAliveTimeout = std::chrono::milliseconds(options_.keepAliveTimeoutMs);
   auto c = std::make_shared<Connection>(
-      std::move(socket), o,
+      std::move(socket), std::move(peer), o,
       [this](HttpRequest request, Connection::Reply reply) {
         Handle(std::move(request), std::move(reply));
       },
@@ -145,7 +147,7 @@ void HttpServer::Forget(Connection* gone) {
     // The map's buckets, sized for the crowd, go too.
     if (trim) connections_.rehash(0);
   }
-  if (trim) boost::asio::post(io_, [] { malloc_trim(0); });
+  if (trim) boost::asio::post(io_->Next(), [] { malloc_trim(0); });
 }
 
 void HttpServer::Handle(HttpRequest request, Connection::Reply reply) {
@@ -171,7 +173,7 @@ void HttpServer::Handle(HttpRequest request, Connection::Reply reply) {
       PagePool::Lane::Quick,
       [this, shared, page = std::move(page), reply]() mutable {
         engine_->ReadSharedSignIns(*shared);
-        boost::asio::post(io_, [this, shared, page = std::move(page), reply]() mutable {
+        boost::asio::post(io_->Next(), [this, shared, page = std::move(page), reply]() mutable {
           Admit(std::move(*shared), std::move(page), reply);
         });
       },
@@ -192,7 +194,7 @@ void HttpServer::Admit(HttpRequest request, ResolvedPath page, Connection::Reply
   // The pause is served on a timer before the page takes a thread or checks anything; the
   // ticket counts the attempt as waiting until then.
   auto ticket = std::make_shared<SignInThrottle::Ticket>(std::move(admitted));
-  auto timer = std::make_shared<boost::asio::steady_timer>(io_, ticket->pause());
+  auto timer = std::make_shared<boost::asio::steady_timer>(io_->Next(), ticket->pause());
   timer->async_wait([this, timer, ticket, request = std::move(request), page = std::move(page),
                      reply](const boost::system::error_code&) mutable {
     RunPage(std::move(request), std::move(page), std::move(reply));

@@ -8,8 +8,6 @@
 #pragma once
 
 #include <atomic>
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -18,6 +16,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "engine/io_threads.h"
 #include "engine/listener.h"
 #include "engine/page_engine.h"
 #include "engine/page_pool.h"
@@ -57,7 +56,7 @@ class HttpServer {
   int port() const;
 
  private:
-  void Accepted(boost::asio::ip::tcp::socket socket);
+  void Accepted(boost::asio::ip::tcp::socket socket, std::string peer);
   void Forget(Connection* gone);
   void Handle(HttpRequest request, Connection::Reply reply);
   // Serves the sign-in throttle's answer for a page request (429, a pause on a timer, or
@@ -68,17 +67,15 @@ class HttpServer {
   ServerOptions options_;
   std::atomic<bool> stopping_{false};  // also the stop signal of the pages' fetches
   std::unique_ptr<PageEngine> engine_;
-  // Every open connection, to stop them. Declared before io_: connections that io_'s
-  // handlers still hold leave it as io_ goes.
+  // Every open connection, to stop them. Declared before io_: connections that the I/O
+  // threads' handlers still hold leave it as io_ goes.
   std::mutex connectionsMutex_;
   std::unordered_map<Connection*, std::weak_ptr<Connection>> connections_;
   size_t peakConnections_ = 0;  // since memory was last given back
   bool crowdLeaving_ = false;   // memory was given back; once more when no connection is left
-  boost::asio::io_context io_;
-  boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work_;
+  std::unique_ptr<IoThreads> io_;
   std::unique_ptr<Listener> listener_;
   std::unique_ptr<PagePool> pages_;
-  std::vector<std::thread> ioThreads_;
 };
 
 }  // namespace ostrakan::engine

@@ -1,7 +1,6 @@
 #include "engine/listener.h"
 
 #include <boost/asio/post.hpp>
-#include <boost/asio/strand.hpp>
 
 #include <arpa/inet.h>
 #include <netdb.h>
@@ -45,7 +44,7 @@ int Bind(const std::string& address) {
   std::string problem = "no usable address";
   int fd = -1;
   for (addrinfo* a = found; a && fd < 0; a = a->ai_next) {
-    fd = ::socket(a->ai_family, a->ai_socktype | SOCK_CLOEXEC, a->ai_protocol);
+    fd = ::socket(a->ai_family, a->ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, a->ai_protocol);
     int on = 1;
     if (fd >= 0) ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (fd < 0 || ::bind(fd, a->ai_addr, a->ai_addrlen) != 0 || ::listen(fd, kBacklog) != 0) {
@@ -59,12 +58,25 @@ int Bind(const std::string& address) {
   return fd;
 }
 
+// The client's address as REMOTE_ADDR shows it: an IPv4 client of an IPv6 socket as IPv4.
+std::string PeerAddress(const sockaddr_storage& from, socklen_t size) {
+  boost::asio::ip::tcp::endpoint peer;
+  if (size > peer.capacity()) return "";
+  std::memcpy(peer.data(), &from, size);
+  if (from.ss_family != AF_INET && from.ss_family != AF_INET6) return "";
+  peer.resize(size);
+  boost::asio::ip::address a = peer.address();
+  if (a.is_v6() && a.to_v6().is_v4_mapped())
+    return boost::asio::ip::make_address_v4(boost::asio::ip::v4_mapped, a.to_v6()).to_string();
+  return a.to_string();
+}
+
 }  // namespace
 
-Listener::Listener(boost::asio::io_context& io, const std::string& address, Accepted accepted)
-    : io_(io),
-      acceptor_(accepting_),
-      pause_(acceptor_.get_executor()),
+Listener::Listener(const std::string& address, Place place, Accepted accepted)
+    : acceptor_(accepting_),
+      pause_(accepting_),
+      place_(std::move(place)),
       accepted_(std::move(accepted)) {
   int fd;
   try {
@@ -88,7 +100,7 @@ Listener::~Listener() {
 
 void Listener::Start() {
   // Posted first: run() returns at once when it finds no work.
-  boost::asio::post(accepting_, [this] { Accept(); });
+  boost::asio::post(accepting_, [this] { TakeWaiting(); });
   thread_ = std::thread([this] { accepting_.run(); });
 }
 
@@ -98,49 +110,51 @@ void Listener::Stop() {
     acceptor_.close(ignored);
     pause_.cancel();
   });
-  // The accept under way and the pause end with operation_aborted, and run() with them.
+  // The wait under way and the pause end with operation_aborted, and run() with them.
   if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id()) thread_.join();
 }
 
-void Listener::HandOn(boost::asio::ip::tcp::socket accepted) {
-  // The socket moves to a strand of its own here, on an I/O thread, so that the strand and
-  // everything the connection allocates come from the I/O threads' arenas. The reactor's
-  // record that release() returns to its pool is the one assign() takes again.
-  boost::system::error_code ec;
-  int fd = accepted.release(ec);
-  if (ec) return;
-  boost::asio::ip::tcp::socket socket(boost::asio::make_strand(io_));
-  socket.assign(protocol_, fd, ec);
-  if (ec) {
-    ::close(fd);
-    return;
-  }
-  accepted_(std::move(socket));
+void Listener::WaitForClients() {
+  acceptor_.async_wait(boost::asio::ip::tcp::acceptor::wait_read,
+                       [this](boost::system::error_code) {
+                         if (acceptor_.is_open()) TakeWaiting();
+                       });
 }
 
-void Listener::Accept() {
-  acceptor_.async_accept(io_.get_executor(), [this](boost::system::error_code ec,
-                                                    boost::asio::ip::tcp::socket socket) {
-    if (!acceptor_.is_open()) return;
-    if (ec == boost::asio::error::no_descriptors || ec == boost::asio::error::no_buffer_space ||
-        ec == boost::asio::error::no_memory) {
-      // Out of descriptors: give open connections a moment to end rather
-      // than spin.
-      pause_.expires_after(std::chrono::milliseconds(20));
-      pause_.async_wait([this](boost::system::error_code e) {
-        if (!e && acceptor_.is_open()) Accept();
-      });
-      return;
+void Listener::TakeWaiting() {
+  while (true) {
+    sockaddr_storage from{};
+    socklen_t size = sizeof from;
+    const int fd = ::accept4(acceptor_.native_handle(), reinterpret_cast<sockaddr*>(&from), &size,
+                             SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (fd < 0) {
+      if (errno == EAGAIN || errno == EWOULDBLOCK) return WaitForClients();
+      if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
+        // Out of descriptors: give open connections a moment to end rather than spin.
+        pause_.expires_after(std::chrono::milliseconds(20));
+        pause_.async_wait([this](boost::system::error_code e) {
+          if (!e && acceptor_.is_open()) TakeWaiting();
+        });
+        return;
+      }
+      if (errno == EBADF || errno == EINVAL) return;  // the socket was closed
+      continue;  // the client gave up (ECONNABORTED), or its network failed meanwhile
     }
-    if (!ec) {
-      boost::system::error_code ignored;
-      // Without this an answer written in two pieces waits for the client's
-      // delayed ACK.
-      socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
-      boost::asio::post(io_, [this, s = std::move(socket)]() mutable { HandOn(std::move(s)); });
+    // Without this an answer written in two pieces waits for the client's delayed ACK.
+    int on = 1;
+    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    boost::asio::io_context& io = place_();
+    boost::asio::ip::tcp::socket socket(io);
+    boost::system::error_code ec;
+    socket.assign(protocol_, fd, ec);
+    if (ec) {
+      ::close(fd);
+      continue;
     }
-    Accept();
-  });
+    boost::asio::post(io, [this, s = std::move(socket), peer = PeerAddress(from, size)]() mutable {
+      accepted_(std::move(s), std::move(peer));
+    });
+  }
 }
 
 }  // namespace ostrakan::engine

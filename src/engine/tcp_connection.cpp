@@ -23,24 +23,15 @@ constexpr std::chrono::milliseconds kLinger{2000};
 constexpr std::chrono::milliseconds kLastWrite{1000};  // for an answer while the server stops
 constexpr int kMaxDepth = 8;  // requests handed over in one turn, one pipelined after another
 
-// A wait shortened by a random part of up to a half. Connections that arrived together (a
-// crowd opened at once) would otherwise all time out together, and their clients all come
-// back together: a burst of accepts and requests that the I/O threads serve before the
-// requests of the connections already open.
-std::chrono::milliseconds Spread(std::chrono::milliseconds wait) {
+// How much of its waits for a request a connection allows: a part of up to a half is cut off,
+// drawn once per connection. Connections that arrived together (a crowd opened at once) would
+// otherwise all time out together, and their clients all come back together: a burst of
+// accepts and requests that the I/O threads serve before the requests of the connections
+// already open. Drawn once, a connection's deadlines only move later from one request to the
+// next, so its timer is never moved earlier (cancelling the wait under way) while it is busy.
+unsigned DrawShare() {
   thread_local std::minstd_rand random{std::random_device{}()};
-  const auto half = wait.count() / 2;
-  if (half <= 0) return wait;
-  return wait - std::chrono::milliseconds(random() % half);
-}
-
-std::string PeerAddress(const asio::ip::tcp::socket& socket) {
-  error_code ec;
-  asio::ip::address a = socket.remote_endpoint(ec).address();
-  if (ec) return "";
-  if (a.is_v6() && a.to_v6().is_v4_mapped())
-    return asio::ip::make_address_v4(asio::ip::v4_mapped, a.to_v6()).to_string();
-  return a.to_string();
+  return 500 + static_cast<unsigned>(random() % 501);  // thousandths
 }
 
 HttpResponse Refusal(const HeadError& e) {
@@ -50,13 +41,19 @@ HttpResponse Refusal(const HeadError& e) {
 
 }  // namespace
 
-Connection::Connection(asio::ip::tcp::socket socket, const ConnectionOptions& options,
-                       Handler handler, Gone gone)
+Connection::Connection(asio::ip::tcp::socket socket, std::string peer,
+                       const ConnectionOptions& options, Handler handler, Gone gone)
     : socket_(std::move(socket)),
       timer_(socket_.get_executor()),
       options_(options),
       handler_(std::move(handler)),
-      gone_(std::move(gone)) {}
+      gone_(std::move(gone)),
+      peer_(std::move(peer)),
+      share_(DrawShare()) {}
+
+std::chrono::milliseconds Connection::Spread(std::chrono::milliseconds wait) const {
+  return wait * share_ / 1000;
+}
 
 Connection::~Connection() {
   CloseFile();
@@ -69,7 +66,7 @@ void Connection::CloseFile() {
 }
 
 template <class F>
-void Connection::OnStrand(F&& step) {
+void Connection::OnIoThread(F&& step) {
   asio::post(socket_.get_executor(),
              [self = shared_from_this(), step = std::forward<F>(step)]() mutable {
                self->Locked([&] { step(*self); });
@@ -90,8 +87,8 @@ void Connection::HandOver(std::unique_lock<std::recursive_mutex>& lock) {
   if (handling == this) return;
   for (int round = 0; read_; ++round) {
     // Pipelined requests answered at once, one after another: after a few the rest wait
-    // their turn on the strand, behind the other connections.
-    if (round == kMaxDepth) return OnStrand([](Connection&) {});
+    // their turn on the I/O thread, behind the other connections.
+    if (round == kMaxDepth) return OnIoThread([](Connection&) {});
     HttpRequest request = std::move(*read_);
     read_.reset();
     lock.unlock();
@@ -104,14 +101,13 @@ void Connection::HandOver(std::unique_lock<std::recursive_mutex>& lock) {
 }
 
 void Connection::Start() {
-  peer_ = PeerAddress(socket_);
   error_code ignored;
   socket_.non_blocking(true, ignored);
-  OnStrand([](Connection& c) { c.ReadRequest(); });
+  Locked([&] { ReadRequest(); });
 }
 
 void Connection::Stop() {
-  OnStrand([](Connection& c) {
+  OnIoThread([](Connection& c) {
     Connection* self = &c;
     self->stopping_ = true;
     if (self->phase_ == Phase::Request || self->phase_ == Phase::Linger) {
@@ -127,7 +123,11 @@ void Connection::Stop() {
 // timer itself each time would cancel and queue a wait every time. Only the deadline moves:
 // a wait that ends before it waits again, and the timer is moved only to an earlier time.
 void Connection::Arm(std::chrono::milliseconds after) {
-  deadline_ = std::chrono::steady_clock::now() + after;
+  ArmAt(std::chrono::steady_clock::now() + after);
+}
+
+void Connection::ArmAt(Deadline at) {
+  deadline_ = at;
   if (timerWaiting_ && timer_.expiry() <= deadline_) return;
   WaitForDeadline();
 }
@@ -167,7 +167,8 @@ void Connection::ReadRequest() {
   if (!reader_) {
     reader_.emplace(options_.maxBodyBytes);
     waitingFor_ = Wait::FirstByte;
-    Arm(Spread(first_ ? options_.requestTimeout : options_.keepAliveTimeout));
+    // A new connection's first wait is armed by WaitForBytes.
+    if (!first_) Arm(Spread(options_.keepAliveTimeout));
   }
   RequestReader::State state = reader_->Read(in_);
   if (waitingFor_ == Wait::FirstByte && reader_->started()) {
@@ -207,6 +208,8 @@ void Connection::ReadRequest() {
 }
 
 void Connection::WaitForBytes() {
+  // Only a new connection has no deadline yet.
+  if (deadline_ == Deadline::max()) Arm(Spread(options_.requestTimeout));
   socket_.async_wait(asio::ip::tcp::socket::wait_read,
                      [self = shared_from_this()](const error_code& ec) {
                        self->Locked([&] { self->OnReadable(ec); });
@@ -251,7 +254,8 @@ void Connection::Deliver(HttpResponse r) {
 void Connection::Respond(HttpResponse r) {
   if (phase_ != Phase::Answer) return;
   if (stopping_) keepAlive_ = false;
-  Arm(stopping_ ? kLastWrite : options_.requestTimeout);
+  // Armed only if the answer must wait for the client (SendOut).
+  answerBy_ = std::chrono::steady_clock::now() + (stopping_ ? kLastWrite : options_.requestTimeout);
   size_t length = r.body.size();
   fileLeft_ = 0;
   if (r.file) {
@@ -301,6 +305,7 @@ void Connection::SendOut() {
     if (!SendFilePiece()) return;
   }
   writing_ = true;
+  ArmAt(answerBy_);
   asio::async_write(socket_, asio::buffer(out_),
                     [self = shared_from_this()](const error_code& ec, size_t) {
                       self->Locked([&] {

@@ -1,4 +1,4 @@
-// One HTTP/1.1 connection, served asynchronously on its strand: it reads requests
+// One HTTP/1.1 connection, served asynchronously on its I/O thread: it reads requests
 // (RequestReader), hands each to the server's handler, writes the answers in order and keeps
 // the connection for the next request. While it waits for a request it holds no buffer and
 // no thread. Refused requests get their answer and a lingering close: the sending side is
@@ -8,8 +8,8 @@
 // Time-outs: the first byte of a request may take `keepAliveTimeout` (`requestTimeout` for a
 // connection's first request); from then on the head and the body must arrive within
 // `requestTimeout` (408 when the head did not), and an answer must leave within it. The waits
-// for a first byte and for a head end at a random point of their second half, so that
-// connections opened together do not all end together.
+// for a first byte and for a head end at a point of their second half drawn for each
+// connection, so that connections opened together do not all end together.
 #pragma once
 
 #include <boost/asio/ip/tcp.hpp>
@@ -45,10 +45,12 @@ class Connection : public std::enable_shared_from_this<Connection> {
   // Told when the connection is gone (from its destructor).
   using Gone = std::function<void(Connection*)>;
 
-  Connection(boost::asio::ip::tcp::socket socket, const ConnectionOptions& options, Handler handler,
-             Gone gone);
+  // `peer` is the client's address.
+  Connection(boost::asio::ip::tcp::socket socket, std::string peer,
+             const ConnectionOptions& options, Handler handler, Gone gone);
   ~Connection();
 
+  // On the connection's I/O thread: waits for the first request.
   void Start();
   // The server stops (thread-safe): a connection waiting for a request closes at once, one
   // being answered closes after its answer.
@@ -71,12 +73,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void Close();
   void CloseFile();
   void Arm(std::chrono::milliseconds after);
+  void ArmAt(std::chrono::steady_clock::time_point deadline);
+  std::chrono::milliseconds Spread(std::chrono::milliseconds wait) const;
   void Disarm();
   void WaitForDeadline();
   void OnTimeout();
-  // Runs `step` on the connection's strand, under the connection's lock.
+  // Runs `step` on the connection's I/O thread, under the connection's lock.
   template <class F>
-  void OnStrand(F&& step);
+  void OnIoThread(F&& step);
   // Runs `step` under the connection's lock, then gives a request it read to the handler.
   template <class F>
   void Locked(F&& step);
@@ -89,7 +93,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Handler handler_;
   Gone gone_;
   std::string peer_;
-  // Held by whoever acts for the connection: its strand, or a page thread delivering an
+  unsigned share_;  // the part of its waits for a request a connection allows, in thousandths
+  // Held by whoever acts for the connection: its I/O thread, or a page thread delivering an
   // answer.
   std::recursive_mutex mutex_;
   std::optional<HttpRequest> read_;  // read, for the handler once the lock is let go
@@ -97,6 +102,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Phase phase_ = Phase::Request;
   using Deadline = std::chrono::steady_clock::time_point;
   Deadline deadline_ = Deadline::max();  // when the time-out strikes; max: none
+  Deadline answerBy_;                    // when the answer under way must have left
   bool timerWaiting_ = false;
   unsigned timerRound_ = 0;  // a timer that fires for an earlier round is stale
   bool first_ = true;        // no request has been read yet

@@ -50,14 +50,23 @@ TEST_F(MalformedRequests, AbsoluteFormAsteriskAndChunkedRequestsAreAnswered) {
   EXPECT_TRUE(closed);
 }
 
-// A client that sends part of a head and stops gets 408; one that says nothing is closed.
+// A client that sends part of a head and stops gets 408; one that says nothing is closed. The
+// same after an answer that a page thread wrote (and that armed the next wait).
 TEST_F(MalformedRequests, ClientsThatStallAreTimedOut) {
-  RawConnection c(server_->port()), d(server_->port());
+  RawConnection c(server_->port()), d(server_->port()), e(server_->port()), f(server_->port());
   c.Send("GET /echo.asp HTTP/1.1\r\nHo");
+  e.Send("GET /echo.asp HTTP/1.1\r\nHost: a\r\n\r\nGET /echo.asp HTTP/1.1\r\nHo");
+  f.Send("GET /echo.asp HTTP/1.1\r\nHost: a\r\n\r\n");
   const RawConnection::Received partial = c.ReadAll(std::chrono::seconds(10)),
-                                silent = d.ReadAll(std::chrono::seconds(10));
+                                silent = d.ReadAll(std::chrono::seconds(10)),
+                                partialNext = e.ReadAll(std::chrono::seconds(10)),
+                                silentNext = f.ReadAll(std::chrono::seconds(10));
   EXPECT_TRUE(partial.bytes.starts_with("HTTP/1.1 408 ") && partial.closed) << partial.bytes;
   EXPECT_TRUE(silent.bytes.empty() && silent.closed) << silent.bytes;
+  EXPECT_TRUE(partialNext.bytes.starts_with("HTTP/1.1 200 ") && partialNext.closed);
+  EXPECT_NE(partialNext.bytes.find("HTTP/1.1 408 "), std::string::npos) << partialNext.bytes;
+  EXPECT_TRUE(silentNext.bytes.starts_with("HTTP/1.1 200 ") && silentNext.closed);
+  EXPECT_EQ(silentNext.bytes.find("HTTP/1.1", 1), std::string::npos) << silentNext.bytes;
 }
 
 }  // namespace
