@@ -14,13 +14,15 @@
 namespace ostrakan::admin {
 
 Desktop::Desktop() : GuardedPage(u"\\admin\\desktop") {
-  EmptyBlock(u"InitFunction2");
-  Block(u"InitFunction3", &Desktop::WriteSignedInName);
-  Block(u"InitFunction4", &Desktop::WriteLastSignInAddress);
-  Block(u"InitFunction5", &Desktop::WriteLastSignInTime);
-  Block(u"InitFunction6", &Desktop::WriteGathering);
-  Property(u"conn", conn);
-  Property(u"connstr", connstr);
+  Describe<Desktop>([](Describer<Desktop>& m) {
+    m.EmptyBlock(u"InitFunction2");
+    m.Block(u"InitFunction3", &Desktop::WriteSignedInName);
+    m.Block(u"InitFunction4", &Desktop::WriteLastSignInAddress);
+    m.Block(u"InitFunction5", &Desktop::WriteLastSignInTime);
+    m.Block(u"InitFunction6", &Desktop::WriteGathering);
+    m.Property(u"conn", &Desktop::conn);
+    m.Property(u"connstr", &Desktop::connstr);
+  });
 }
 
 void Desktop::WriteSignedInName() {
