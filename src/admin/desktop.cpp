@@ -41,7 +41,7 @@ void Desktop::WriteGathering() {
   // Read once a second at most while the database is not written to (desktop_summary.h).
   const std::string file = ToUtf8(CurrentServer().MapPath(u"../" + TextOf(DB)));
   const std::shared_ptr<const DesktopSummary> kept =
-      SummaryOf(file, IsoDate(std::floor(CurrentClock().Now())), [&] {
+      SummaryOf(file, std::floor(CurrentClock().Now()), [&] {
         OpenConnection(*this, u"InitFunction6", DB, connstr, conn);
         ado::Connection& connection = ConnectionOf(conn);
         DesktopSummary read{gathering::RunsOfToday(connection), gathering::MarkedRules(connection)};

@@ -40,7 +40,7 @@ void SitePage::InitFunction1(Args& parameters) {
   Guard(u"InitFunction1", [&] {
     auto members = Settings();
     for (size_t i = 0; i < kSettingCount && i < parameters.size(); ++i)
-      AssignSetting(parameters[i], *members[i]);
+      *members[i] = std::move(parameters[i]);
     if (parameters.size() > kSettingCount) AssignExtra(parameters, kSettingCount);
     FirstBlock();
   });
