@@ -3,8 +3,10 @@
 namespace ostrakan::admin {
 
 AccountForm::AccountForm() : GuardedPage(u"\\admin\\admin") {
-  EmptyBlock(u"InitFunction2");
-  Block(u"InitFunction3", &AccountForm::WriteSignedInName);
+  Describe<AccountForm>([](Describer<AccountForm>& m) {
+    m.EmptyBlock(u"InitFunction2");
+    m.Block(u"InitFunction3", &AccountForm::WriteSignedInName);
+  });
 }
 
 void AccountForm::WriteSignedInName() {

@@ -8,11 +8,13 @@
 namespace ostrakan::admin {
 
 AccountSave::AccountSave() : WithMd5(u"\\admin\\admin_ok") {
-  Property(u"rs", rs);
-  Property(u"password", password);
-  EmptyBlock(u"InitFunction3");
-  Block(u"InitFunction4", &AccountSave::StoreNameAndPassword);
-  UseFiltration(FilterKind::Strict);
+  Describe<AccountSave>([](Describer<AccountSave>& m) {
+    m.Property(u"rs", &AccountSave::rs);
+    m.Property(u"password", &AccountSave::password);
+    m.EmptyBlock(u"InitFunction3");
+    m.Block(u"InitFunction4", &AccountSave::StoreNameAndPassword);
+    m.Filtration(FilterKind::Strict);
+  });
 }
 
 void AccountSave::RefuseUntypable(const Variant& text, const Markup& what) {

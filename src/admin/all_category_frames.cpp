@@ -7,7 +7,9 @@
 namespace ostrakan::admin {
 
 AllCategoryFrames::AllCategoryFrames() : SubCategoryFrames(u"\\admin\\create_all_instruction") {
-  Block(u"InitFunction3", &AllCategoryFrames::WriteAllGeneratorFrames);
+  Describe<AllCategoryFrames>([](Describer<AllCategoryFrames>& m) {
+    m.Block(u"InitFunction3", &AllCategoryFrames::WriteAllGeneratorFrames);
+  });
 }
 
 void AllCategoryFrames::WriteAllGeneratorFrames() {

@@ -10,12 +10,14 @@
 namespace ostrakan::admin {
 
 CategoryActions::CategoryActions() : DatabasePage(u"\\admin\\sort_ok") {
-  UseFiltration(FilterKind::BlanksKept);
-  Block(u"InitFunction3", &CategoryActions::DispatchAction);
-  Block(u"Add", &CategoryActions::AddCategory);
-  Block(u"Edit", &CategoryActions::EditCategory);
-  Block(u"delete", &CategoryActions::DeleteCategory);
-  Block(u"alldelete", &CategoryActions::DeleteTickedCategories);
+  Describe<CategoryActions>([](Describer<CategoryActions>& m) {
+    m.Filtration(FilterKind::BlanksKept);
+    m.Block(u"InitFunction3", &CategoryActions::DispatchAction);
+    m.Block(u"Add", &CategoryActions::AddCategory);
+    m.Block(u"Edit", &CategoryActions::EditCategory);
+    m.Block(u"delete", &CategoryActions::DeleteCategory);
+    m.Block(u"alldelete", &CategoryActions::DeleteTickedCategories);
+  });
 }
 
 void CategoryActions::DispatchAction() {

@@ -9,12 +9,14 @@
 namespace ostrakan::admin {
 
 CategoryBatchAdd::CategoryBatchAdd() : DatabasePage(u"\\admin\\sort_batch_add_ok") {
-  UseFiltration(FilterKind::BlanksKept);
-  for (auto [name, member] : {std::pair{u"sort_id", &sort_id},
-                              {u"alphabetical_id", &alphabetical_id},
-                              {u"sort_list", &sort_list}})
-    Property(name, *member);
-  Block(u"InitFunction3", &CategoryBatchAdd::AddCategoryLines);
+  Describe<CategoryBatchAdd>([](Describer<CategoryBatchAdd>& m) {
+    m.Filtration(FilterKind::BlanksKept);
+    for (auto [name, member] : {std::pair{u"sort_id", &CategoryBatchAdd::sort_id},
+                                {u"alphabetical_id", &CategoryBatchAdd::alphabetical_id},
+                                {u"sort_list", &CategoryBatchAdd::sort_list}})
+      m.Property(name, member);
+    m.Block(u"InitFunction3", &CategoryBatchAdd::AddCategoryLines);
+  });
 }
 
 void CategoryBatchAdd::AddCategoryLines() {

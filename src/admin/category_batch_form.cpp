@@ -11,13 +11,17 @@
 namespace ostrakan::admin {
 
 CategoryBatchForm::CategoryBatchForm() : DatabasePage(u"\\admin\\sort_batch_add") {
-  for (auto [name, member] :
-       {std::pair{u"id", &id}, {u"sort", &sort}, {u"sort_id", &sort_id}, {u"locality", &locality}})
-    Property(name, *member);
-  Block(u"InitFunction3", &CategoryBatchForm::ReadParent);
-  EmptyBlock(u"InitFunction4");
-  Block(u"InitFunction5", &CategoryBatchForm::WriteParentId);
-  Block(u"InitFunction6", &CategoryBatchForm::WriteLetterRow);
+  Describe<CategoryBatchForm>([](Describer<CategoryBatchForm>& m) {
+    for (auto [name, member] : {std::pair{u"id", &CategoryBatchForm::id},
+                                {u"sort", &CategoryBatchForm::sort},
+                                {u"sort_id", &CategoryBatchForm::sort_id},
+                                {u"locality", &CategoryBatchForm::locality}})
+      m.Property(name, member);
+    m.Block(u"InitFunction3", &CategoryBatchForm::ReadParent);
+    m.EmptyBlock(u"InitFunction4");
+    m.Block(u"InitFunction5", &CategoryBatchForm::WriteParentId);
+    m.Block(u"InitFunction6", &CategoryBatchForm::WriteLetterRow);
+  });
 }
 
 void CategoryBatchForm::ReadParent() {

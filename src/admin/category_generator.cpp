@@ -13,8 +13,10 @@ constexpr int32_t kFileFailure = 75;
 
 CategoryGenerator::CategoryGenerator(std::u16string context, generation::PageKind kind)
     : DatabasePage(std::move(context)), kind_(kind) {
-  Property(u"id", id);
-  Block(u"InitFunction3", &CategoryGenerator::WriteCategoryPage);
+  Describe<CategoryGenerator>([](Describer<CategoryGenerator>& m) {
+    m.Property(u"id", &CategoryGenerator::id);
+    m.Block(u"InitFunction3", &CategoryGenerator::WriteCategoryPage);
+  });
 }
 
 void CategoryGenerator::WriteCategoryPage() {

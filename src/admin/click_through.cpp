@@ -17,10 +17,12 @@ namespace {
 }  // namespace
 
 ClickThrough::ClickThrough() : SitePage(u"\\goto") {
-  Property(u"conn", conn);
-  Property(u"connstr", connstr);
-  Property(u"id", id);
-  Block(u"InitFunction2", &ClickThrough::CountClickAndRedirect);
+  Describe<ClickThrough>([](Describer<ClickThrough>& m) {
+    m.Property(u"conn", &ClickThrough::conn);
+    m.Property(u"connstr", &ClickThrough::connstr);
+    m.Property(u"id", &ClickThrough::id);
+    m.Block(u"InitFunction2", &ClickThrough::CountClickAndRedirect);
+  });
 }
 
 void ClickThrough::CountClickAndRedirect() {

@@ -4,13 +4,13 @@
 
 namespace ostrakan::admin {
 
-DatabaseConnection::DatabaseConnection(std::u16string context, std::u16string databaseProperty)
-    : Component(std::move(context)) {
-  Property(u"conn", conn);
-  Property(u"connstr", connstr);
-  Property(std::move(databaseProperty), database);
-  Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", &DatabaseConnection::GuardAndOpen);
+DatabaseConnection::DatabaseConnection(std::u16string context) : Component(std::move(context)) {
+  Describe<DatabaseConnection>([](Describer<DatabaseConnection>& m) {
+    m.Property(u"conn", &DatabaseConnection::conn);
+    m.Property(u"connstr", &DatabaseConnection::connstr);
+    m.Property(u"Admin_Session", &DatabaseConnection::Admin_Session);
+    m.Block(u"InitFunction1", &DatabaseConnection::GuardAndOpen);
+  });
 }
 
 void DatabaseConnection::GuardAndOpen() {

@@ -14,20 +14,28 @@ class DatabaseConnection : public Component {
   void GuardAndOpen();
 
  protected:
-  // `databaseProperty` is the name the page file gives the database's path (DB or ODB).
-  DatabaseConnection(std::u16string context, std::u16string databaseProperty);
+  explicit DatabaseConnection(std::u16string context);
+  // The name the page file gives the database's path (DB or ODB), described by each page.
+  template <class Page>
+  void NameDatabase(std::u16string name) {
+    Describe<Page>([&name](Describer<Page>& m) { m.Property(name, &Page::database); });
+  }
 };
 
 // conn.asp: the site's database, DB.
 class SiteDatabaseConnection : public DatabaseConnection {
  public:
-  SiteDatabaseConnection() : DatabaseConnection(u"\\admin\\conn", u"DB") {}
+  SiteDatabaseConnection() : DatabaseConnection(u"\\admin\\conn") {
+    NameDatabase<SiteDatabaseConnection>(u"DB");
+  }
 };
 
 // connstr.asp: the other database, ODB.
 class OtherDatabaseConnection : public DatabaseConnection {
  public:
-  OtherDatabaseConnection() : DatabaseConnection(u"\\admin\\connstr", u"ODB") {}
+  OtherDatabaseConnection() : DatabaseConnection(u"\\admin\\connstr") {
+    NameDatabase<OtherDatabaseConnection>(u"ODB");
+  }
 };
 
 }  // namespace ostrakan::admin

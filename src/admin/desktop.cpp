@@ -12,15 +12,40 @@
 #include "platform/clock.h"
 
 namespace ostrakan::admin {
+namespace {
+
+// The database file that the setting DB names, mapped from the page's folder as
+// OpenConnection maps it. Kept per thread for the views that follow: the same site root, page
+// and setting map to the same file.
+const std::string& DatabaseFileOf(const Variant& db) {
+  struct Mapped {
+    std::string root;
+    std::u16string page, setting;
+    std::string file;
+  };
+  thread_local Mapped last;
+  const Server& server = CurrentServer();
+  std::u16string setting = TextOf(db);
+  if (last.file.empty() || setting != last.setting || server.pagePath() != last.page ||
+      server.siteRoot().native() != last.root) {
+    std::string file = ToUtf8(server.MapPath(u"../" + setting));
+    last = {server.siteRoot().native(), server.pagePath(), std::move(setting), std::move(file)};
+  }
+  return last.file;
+}
+
+}  // namespace
 
 Desktop::Desktop() : GuardedPage(u"\\admin\\desktop") {
-  EmptyBlock(u"InitFunction2");
-  Block(u"InitFunction3", &Desktop::WriteSignedInName);
-  Block(u"InitFunction4", &Desktop::WriteLastSignInAddress);
-  Block(u"InitFunction5", &Desktop::WriteLastSignInTime);
-  Block(u"InitFunction6", &Desktop::WriteGathering);
-  Property(u"conn", conn);
-  Property(u"connstr", connstr);
+  Describe<Desktop>([](Describer<Desktop>& m) {
+    m.EmptyBlock(u"InitFunction2");
+    m.Block(u"InitFunction3", &Desktop::WriteSignedInName);
+    m.Block(u"InitFunction4", &Desktop::WriteLastSignInAddress);
+    m.Block(u"InitFunction5", &Desktop::WriteLastSignInTime);
+    m.Block(u"InitFunction6", &Desktop::WriteGathering);
+    m.Property(u"conn", &Desktop::conn);
+    m.Property(u"connstr", &Desktop::connstr);
+  });
 }
 
 void Desktop::WriteSignedInName() {
@@ -37,9 +62,8 @@ void Desktop::WriteLastSignInTime() {
 
 void Desktop::WriteGathering() {
   // Read once a second at most while the database is not written to (desktop_summary.h).
-  const std::string file = ToUtf8(CurrentServer().MapPath(u"../" + TextOf(DB)));
   const std::shared_ptr<const DesktopSummary> kept =
-      SummaryOf(file, IsoDate(std::floor(CurrentClock().Now())), [&] {
+      SummaryOf(DatabaseFileOf(DB), std::floor(CurrentClock().Now()), [&] {
         OpenConnection(*this, u"InitFunction6", DB, connstr, conn);
         ado::Connection& connection = ConnectionOf(conn);
         DesktopSummary read{gathering::RunsOfToday(connection), gathering::MarkedRules(connection)};

@@ -15,7 +15,7 @@ constexpr size_t kFiles = 16;  // sites served by one process; more are read afr
 
 struct Kept {
   ado::CommitStamp stamp;
-  std::u16string day;
+  double day;
   Clock::time_point readAt;
   std::shared_ptr<const DesktopSummary> summary;
 };
@@ -28,7 +28,7 @@ std::map<std::string, Kept>& KeptSummaries() {
 
 }  // namespace
 
-std::shared_ptr<const DesktopSummary> SummaryOf(const std::string& file, const std::u16string& day,
+std::shared_ptr<const DesktopSummary> SummaryOf(const std::string& file, double day,
                                                 const std::function<DesktopSummary()>& read) {
   const Clock::time_point now = Clock::now();
   // Taken before the reading: a commit that the reading may miss changes it.

@@ -21,9 +21,9 @@ struct DesktopSummary {
   std::vector<gathering::MarkedRule> rules;
 };
 
-// The summary of the database `file` for the day `day`: a kept one when still current (shared,
-// not copied), else what `read` gives (kept when the file allows it).
-std::shared_ptr<const DesktopSummary> SummaryOf(const std::string& file, const std::u16string& day,
+// The summary of the database `file` for the day `day` (a whole OLE date): a kept one when
+// still current (shared, not copied), else what `read` gives (kept when the file allows it).
+std::shared_ptr<const DesktopSummary> SummaryOf(const std::string& file, double day,
                                                 const std::function<DesktopSummary()>& read);
 
 }  // namespace ostrakan::admin

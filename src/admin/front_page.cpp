@@ -8,7 +8,8 @@
 namespace ostrakan::admin {
 
 FrontPage::FrontPage() : PublicSitePage(u"\\index") {
-  Block(u"InitFunction2", &FrontPage::WritePage);
+  Describe<FrontPage>(
+      [](Describer<FrontPage>& m) { m.Block(u"InitFunction2", &FrontPage::WritePage); });
 }
 
 void FrontPage::WritePage() {

@@ -7,9 +7,11 @@ namespace ostrakan::admin {
 
 GatherStartPage::GatherStartPage(std::u16string context, std::u16string table)
     : DatabasePage(std::move(context)), table_(std::move(table)) {
-  Property(u"rs", rs);
-  Property(u"id", id);
-  Property(u"web", web);
+  Describe<GatherStartPage>([](Describer<GatherStartPage>& m) {
+    m.Property(u"rs", &GatherStartPage::rs);
+    m.Property(u"id", &GatherStartPage::id);
+    m.Property(u"web", &GatherStartPage::web);
+  });
 }
 
 Variant GatherStartPage::ReadRule(const Variant& requested) {

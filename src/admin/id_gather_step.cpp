@@ -9,11 +9,14 @@
 namespace ostrakan::admin {
 
 IdGatherStep::IdGatherStep() : IdRulePage(u"\\admin\\gather_id_db_ok") {
-  for (auto [name, member] :
-       {std::pair{u"conn", &conn}, std::pair{u"connstr", &connstr}, std::pair{u"rs", &rs},
-        std::pair{u"id", &id}, std::pair{u"ID_Start", &ID_Start}, std::pair{u"ID_End", &ID_End},
-        std::pair{u"DB_Num", &DB_Num}})
-    Property(name, *member);
+  Describe<IdGatherStep>([](Describer<IdGatherStep>& m) {
+    for (auto [name, member] :
+         {std::pair{u"conn", &IdGatherStep::conn}, std::pair{u"connstr", &IdGatherStep::connstr},
+          std::pair{u"rs", &IdGatherStep::rs}, std::pair{u"id", &IdGatherStep::id},
+          std::pair{u"ID_Start", &IdGatherStep::ID_Start},
+          std::pair{u"ID_End", &IdGatherStep::ID_End}, std::pair{u"DB_Num", &IdGatherStep::DB_Num}})
+      m.Property(name, member);
+  });
 }
 
 // The rule's range, bound into the row of the rule (a rule id that is not a number would have

@@ -4,7 +4,8 @@
 namespace ostrakan::admin {
 
 IdRuleAdd::IdRuleAdd() : IdRuleFormOk(u"\\admin\\gather_id_web_add_ok") {
-  Block(u"InitFunction3", &IdRuleAdd::StoreNewRule);
+  Describe<IdRuleAdd>(
+      [](Describer<IdRuleAdd>& m) { m.Block(u"InitFunction3", &IdRuleAdd::StoreNewRule); });
 }
 
 void IdRuleAdd::StoreNewRule() {

@@ -7,10 +7,12 @@
 namespace ostrakan::admin {
 
 IdRuleEditForm::IdRuleEditForm() : DatabasePage(u"\\admin\\gather_id_web_edit") {
-  Property(u"rs", rs);
-  Property(u"id", id);
-  Block(u"InitFunction3", &IdRuleEditForm::WriteEditPage);
-  UseFiltration(FilterKind::QuoteUndoubling);
+  Describe<IdRuleEditForm>([](Describer<IdRuleEditForm>& m) {
+    m.Property(u"rs", &IdRuleEditForm::rs);
+    m.Property(u"id", &IdRuleEditForm::id);
+    m.Block(u"InitFunction3", &IdRuleEditForm::WriteEditPage);
+    m.Filtration(FilterKind::QuoteUndoubling);
+  });
 }
 
 void IdRuleEditForm::WriteEditPage() {

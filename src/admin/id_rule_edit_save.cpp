@@ -6,8 +6,10 @@
 namespace ostrakan::admin {
 
 IdRuleEditSave::IdRuleEditSave() : IdRuleFormOk(u"\\admin\\gather_id_web_edit_ok") {
-  Property(u"id", id);
-  Block(u"InitFunction3", &IdRuleEditSave::StoreEditedRule);
+  Describe<IdRuleEditSave>([](Describer<IdRuleEditSave>& m) {
+    m.Property(u"id", &IdRuleEditSave::id);
+    m.Block(u"InitFunction3", &IdRuleEditSave::StoreEditedRule);
+  });
 }
 
 void IdRuleEditSave::StoreEditedRule() {

@@ -6,7 +6,9 @@
 namespace ostrakan::admin {
 
 IdRuleFileWriter::IdRuleFileWriter() : DatabasePage(u"\\admin\\gather_id_web_update") {
-  Block(u"InitFunction3", &IdRuleFileWriter::WriteRuleFile);
+  Describe<IdRuleFileWriter>([](Describer<IdRuleFileWriter>& m) {
+    m.Block(u"InitFunction3", &IdRuleFileWriter::WriteRuleFile);
+  });
 }
 
 void IdRuleFileWriter::WriteRuleFile() {

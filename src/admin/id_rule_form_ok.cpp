@@ -6,10 +6,12 @@
 namespace ostrakan::admin {
 
 IdRuleFormOk::IdRuleFormOk(std::u16string context) : DatabasePage(std::move(context)) {
-  Property(u"rs", rs);
-  Property(u"Content_Start", Content_Start);
-  Property(u"Content_End", Content_End);
-  UseFiltration(FilterKind::QuoteDoubling);
+  Describe<IdRuleFormOk>([](Describer<IdRuleFormOk>& m) {
+    m.Property(u"rs", &IdRuleFormOk::rs);
+    m.Property(u"Content_Start", &IdRuleFormOk::Content_Start);
+    m.Property(u"Content_End", &IdRuleFormOk::Content_End);
+    m.Filtration(FilterKind::QuoteDoubling);
+  });
 }
 
 void IdRuleFormOk::StorePostedRule(const Variant& id) {

@@ -7,9 +7,11 @@
 namespace ostrakan::admin {
 
 IdRuleList::IdRuleList() : DatabasePage(u"\\admin\\gather_id_web_manage") {
-  Property(u"rs", rs);
-  EmptyBlock(u"InitFunction3");
-  Block(u"InitFunction4", &IdRuleList::WriteRuleRows);
+  Describe<IdRuleList>([](Describer<IdRuleList>& m) {
+    m.Property(u"rs", &IdRuleList::rs);
+    m.EmptyBlock(u"InitFunction3");
+    m.Block(u"InitFunction4", &IdRuleList::WriteRuleRows);
+  });
 }
 
 void IdRuleList::WriteRuleRows() {

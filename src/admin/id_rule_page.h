@@ -27,17 +27,20 @@ class IdRulePage : public SitePage {
 
  protected:
   explicit IdRulePage(std::u16string context) : SitePage(std::move(context)) {
-    auto values = Values();
-    for (size_t i = 0; i < values.size(); ++i) Property(gathering::kIdRuleKeys[i], *values[i]);
-    UseFiltration(FilterKind::GatheredText);
-    Method(
-        u"GetText",
-        [this](Args& a) {
-          return GuardValue(u"GetText", [&] {
-            return Variant(gathering::GetText(TextOf(a.at(0)), TextOf(a.at(1)), TextOf(a.at(2))));
-          });
-        },
-        3);
+    Describe<IdRulePage>([](Describer<IdRulePage>& m) {
+      for (size_t i = 0; i < std::size(gathering::kIdRuleKeys); ++i)
+        m.Property(gathering::kIdRuleKeys[i],
+                   [i](IdRulePage& page) -> Variant& { return *page.Values()[i]; });
+      m.Filtration(FilterKind::GatheredText);
+      m.Method(
+          u"GetText",
+          [](IdRulePage& page, Args& a) {
+            return page.GuardValue(u"GetText", [&] {
+              return Variant(gathering::GetText(TextOf(a.at(0)), TextOf(a.at(1)), TextOf(a.at(2))));
+            });
+          },
+          3);
+    });
   }
   void AssignExtra(Args& parameters, size_t from) override {
     auto values = Values();

@@ -7,11 +7,14 @@
 namespace ostrakan::admin {
 
 IdRuleTrial::IdRuleTrial() : IdRulePage(u"\\admin\\gather_id_web_verify") {
-  for (auto [name, member] : {std::pair{u"ID_Start", &ID_Start}, std::pair{u"ID_End", &ID_End}})
-    Property(name, *member);
-  Block(u"InitFunction2", &IdRuleTrial::WriteSiteName);
-  Block(u"InitFunction3", &IdRuleTrial::WriteRuleId);
-  Block(u"InitFunction4", &IdRuleTrial::WriteSummary);
+  Describe<IdRuleTrial>([](Describer<IdRuleTrial>& m) {
+    for (auto [name, member] : {std::pair{u"ID_Start", &IdRuleTrial::ID_Start},
+                                std::pair{u"ID_End", &IdRuleTrial::ID_End}})
+      m.Property(name, member);
+    m.Block(u"InitFunction2", &IdRuleTrial::WriteSiteName);
+    m.Block(u"InitFunction3", &IdRuleTrial::WriteRuleId);
+    m.Block(u"InitFunction4", &IdRuleTrial::WriteSummary);
+  });
 }
 
 // Header, guard and, when the test form was sent, the test of every ID of the range.

@@ -7,12 +7,14 @@
 namespace ostrakan::admin {
 
 KeywordList::KeywordList() : PagedList(u"\\admin\\keyword_manage", {u"个关键词", true}) {
-  Property(u"Keyword", Keyword);
-  Property(u"list_sql", list_sql);
-  Property(u"count_sql", count_sql);
-  Block(u"InitFunction3", &KeywordList::ReadFilter);
-  EmptyBlock(u"InitFunction4");
-  Block(u"InitFunction5", &KeywordList::ListKeywords);
+  Describe<KeywordList>([](Describer<KeywordList>& m) {
+    m.Property(u"Keyword", &KeywordList::Keyword);
+    m.Property(u"list_sql", &KeywordList::list_sql);
+    m.Property(u"count_sql", &KeywordList::count_sql);
+    m.Block(u"InitFunction3", &KeywordList::ReadFilter);
+    m.EmptyBlock(u"InitFunction4");
+    m.Block(u"InitFunction5", &KeywordList::ListKeywords);
+  });
 }
 
 // The filter is taken as typed. It is bound into the list query as a LIKE pattern, so its own %

@@ -4,9 +4,13 @@ namespace ostrakan::admin {
 
 ListGatherStart::ListGatherStart()
     : GatherStartPage(u"\\admin\\gather_list_db", u"gather_list_web") {
-  Block(u"InitFunction3", [this] { id = ReadRule(CurrentRequest().QueryString(u"id")); });
-  Block(u"InitFunction4", &ListGatherStart::WriteRuleId);
-  Block(u"InitFunction5", &ListGatherStart::WriteSiteName);
+  Describe<ListGatherStart>([](Describer<ListGatherStart>& m) {
+    m.Block(u"InitFunction3", [](ListGatherStart& page) {
+      page.id = page.ReadRule(CurrentRequest().QueryString(u"id"));
+    });
+    m.Block(u"InitFunction4", &ListGatherStart::WriteRuleId);
+    m.Block(u"InitFunction5", &ListGatherStart::WriteSiteName);
+  });
 }
 
 }  // namespace ostrakan::admin

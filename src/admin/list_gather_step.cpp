@@ -9,24 +9,26 @@
 namespace ostrakan::admin {
 
 ListGatherStep::ListGatherStep() : ListGatheringPage(u"\\admin\\gather_list_db_ok") {
-  Property(u"conn", conn);
-  Property(u"connstr", connstr);
-  Property(u"id", id);
-  Property(u"rs", rs);
-  Method(
-      u"Add",
-      [this](Args& a) {
-        Add(a.at(0), a.at(1), a.at(2), a.at(3), a.at(4));
-        return Variant();
-      },
-      5);
-  Method(
-      u"Edit",
-      [this](Args& a) {
-        Edit(a.at(0), a.at(1), a.at(2));
-        return Variant();
-      },
-      3);
+  Describe<ListGatherStep>([](Describer<ListGatherStep>& m) {
+    m.Property(u"conn", &ListGatherStep::conn);
+    m.Property(u"connstr", &ListGatherStep::connstr);
+    m.Property(u"id", &ListGatherStep::id);
+    m.Property(u"rs", &ListGatherStep::rs);
+    m.Method(
+        u"Add",
+        [](ListGatherStep& page, Args& a) {
+          page.Add(a.at(0), a.at(1), a.at(2), a.at(3), a.at(4));
+          return Variant();
+        },
+        5);
+    m.Method(
+        u"Edit",
+        [](ListGatherStep& page, Args& a) {
+          page.Edit(a.at(0), a.at(1), a.at(2));
+          return Variant();
+        },
+        3);
+  });
 }
 
 void ListGatherStep::Add(const Variant& title, const Variant& content, const Variant& url,

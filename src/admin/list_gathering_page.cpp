@@ -9,39 +9,37 @@
 namespace ostrakan::admin {
 
 ListGatheringPage::ListGatheringPage(std::u16string context) : SitePage(std::move(context)) {
-  const auto& fields = gathering::ListRuleFields();
-  for (size_t i = 0; i < fields.size(); ++i)
-    Property(i == 0 ? u"web" : fields[i].fileName, ruleValues[i]);
-  for (auto [name, member] : {std::pair{u"Keyword", &Keyword},
-                              {u"Page_Start", &Page_Start},
-                              {u"Page_End", &Page_End},
-                              {u"G_Url", &G_Url},
-                              {u"Html", &Html},
-                              {u"Word", &Word}})
-    Property(name, *member);
-  // InitFunction1 takes the 13 settings and the 20 rule fields.
-  Method(
-      u"InitFunction1",
-      [this](Args& args) {
-        InitFunction1(args);
-        return Variant();
-      },
-      kSettingCount + 20);
-  UseFiltration(FilterKind::GatheredText);
-  Method(
-      u"DefinedFiltration",
-      [this](Args& a) {
-        return GuardValue(u"DefinedFiltration", [&] {
-          return Variant(gathering::DefinedFiltration(TextOf(a.at(0)), TextOf(a.at(1))));
-        });
-      },
-      2);
-  Method(
-      u"GetHTTPPage", [this](Args& a) { return GetHTTPPage(a.at(0)); }, 1);
-  Method(
-      u"BytesToBstr", [this](Args& a) { return BytesToBstr(a.at(0), a.at(1)); }, 2);
-  Method(
-      u"GBToUTF8", [this](Args& a) { return GBToUTF8(a.at(0)); }, 1);
+  // SitePage's InitFunction1 hands the rule fields after the 13 settings to AssignExtra.
+  Describe<ListGatheringPage>([](Describer<ListGatheringPage>& m) {
+    const auto& fields = gathering::ListRuleFields();
+    for (size_t i = 0; i < fields.size(); ++i)
+      m.Property(i == 0 ? u"web" : fields[i].fileName,
+                 [i](ListGatheringPage& page) -> Variant& { return page.ruleValues[i]; });
+    for (auto [name, member] : {std::pair{u"Keyword", &ListGatheringPage::Keyword},
+                                {u"Page_Start", &ListGatheringPage::Page_Start},
+                                {u"Page_End", &ListGatheringPage::Page_End},
+                                {u"G_Url", &ListGatheringPage::G_Url},
+                                {u"Html", &ListGatheringPage::Html},
+                                {u"Word", &ListGatheringPage::Word}})
+      m.Property(name, member);
+    m.Filtration(FilterKind::GatheredText);
+    m.Method(
+        u"DefinedFiltration",
+        [](ListGatheringPage& page, Args& a) {
+          return page.GuardValue(u"DefinedFiltration", [&] {
+            return Variant(gathering::DefinedFiltration(TextOf(a.at(0)), TextOf(a.at(1))));
+          });
+        },
+        2);
+    m.Method(
+        u"GetHTTPPage", [](ListGatheringPage& page, Args& a) { return page.GetHTTPPage(a.at(0)); },
+        1);
+    m.Method(
+        u"BytesToBstr",
+        [](ListGatheringPage& page, Args& a) { return page.BytesToBstr(a.at(0), a.at(1)); }, 2);
+    m.Method(
+        u"GBToUTF8", [](ListGatheringPage& page, Args& a) { return page.GBToUTF8(a.at(0)); }, 1);
+  });
 }
 
 void ListGatheringPage::AssignExtra(Args& parameters, size_t from) {

@@ -4,7 +4,8 @@
 namespace ostrakan::admin {
 
 ListRuleAdd::ListRuleAdd() : ListRuleFormOk(u"\\admin\\gather_list_web_add_ok") {
-  Block(u"InitFunction3", &ListRuleAdd::StoreNewRule);
+  Describe<ListRuleAdd>(
+      [](Describer<ListRuleAdd>& m) { m.Block(u"InitFunction3", &ListRuleAdd::StoreNewRule); });
 }
 
 void ListRuleAdd::StoreNewRule() {

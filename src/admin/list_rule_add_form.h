@@ -8,7 +8,8 @@ namespace ostrakan::admin {
 class ListRuleAddForm : public GuardedPage {
  public:
   ListRuleAddForm() : GuardedPage(u"\\admin\\gather_list_web_add") {
-    Block(u"InitFunction2", [] {});
+    Describe<ListRuleAddForm>(
+        [](Describer<ListRuleAddForm>& m) { m.EmptyBlock(u"InitFunction2"); });
   }
 };
 

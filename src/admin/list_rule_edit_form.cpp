@@ -6,10 +6,12 @@
 namespace ostrakan::admin {
 
 ListRuleEditForm::ListRuleEditForm() : DatabasePage(u"\\admin\\gather_list_web_edit") {
-  Property(u"rs", rs);
-  Property(u"id", id);
-  Block(u"InitFunction3", &ListRuleEditForm::WriteEditPage);
-  UseFiltration(FilterKind::QuoteUndoubling);
+  Describe<ListRuleEditForm>([](Describer<ListRuleEditForm>& m) {
+    m.Property(u"rs", &ListRuleEditForm::rs);
+    m.Property(u"id", &ListRuleEditForm::id);
+    m.Block(u"InitFunction3", &ListRuleEditForm::WriteEditPage);
+    m.Filtration(FilterKind::QuoteUndoubling);
+  });
 }
 
 void ListRuleEditForm::WriteEditPage() {

@@ -6,8 +6,10 @@
 namespace ostrakan::admin {
 
 ListRuleEditSave::ListRuleEditSave() : ListRuleFormOk(u"\\admin\\gather_list_web_edit_ok") {
-  Property(u"id", id);
-  Block(u"InitFunction3", &ListRuleEditSave::StoreEditedRule);
+  Describe<ListRuleEditSave>([](Describer<ListRuleEditSave>& m) {
+    m.Property(u"id", &ListRuleEditSave::id);
+    m.Block(u"InitFunction3", &ListRuleEditSave::StoreEditedRule);
+  });
 }
 
 void ListRuleEditSave::StoreEditedRule() {

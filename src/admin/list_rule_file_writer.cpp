@@ -5,7 +5,9 @@
 namespace ostrakan::admin {
 
 ListRuleFileWriter::ListRuleFileWriter() : DatabasePage(u"\\admin\\gather_list_web_update") {
-  Block(u"InitFunction3", &ListRuleFileWriter::WriteRuleFile);
+  Describe<ListRuleFileWriter>([](Describer<ListRuleFileWriter>& m) {
+    m.Block(u"InitFunction3", &ListRuleFileWriter::WriteRuleFile);
+  });
 }
 
 void ListRuleFileWriter::WriteRuleFile() {

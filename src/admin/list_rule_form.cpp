@@ -99,17 +99,19 @@ Markup ListRuleEditPage(std::u16string_view id, const gathering::ListRule& value
 namespace ostrakan::admin {
 
 ListRuleFormOk::ListRuleFormOk(std::u16string context) : DatabasePage(std::move(context)) {
-  for (auto [name, member] : {std::pair{u"rs", &rs},
-                              {u"Image_Start", &Image_Start},
-                              {u"Image_End", &Image_End},
-                              {u"Url_Filtration", &Url_Filtration},
-                              {u"V_Url", &V_Url},
-                              {u"Title_Filtration", &Title_Filtration},
-                              {u"Content_Start", &Content_Start},
-                              {u"Content_End", &Content_End},
-                              {u"Content_Filtration", &Content_Filtration}})
-    Property(name, *member);
-  UseFiltration(FilterKind::QuoteDoubling);
+  Describe<ListRuleFormOk>([](Describer<ListRuleFormOk>& m) {
+    for (auto [name, member] : {std::pair{u"rs", &ListRuleFormOk::rs},
+                                {u"Image_Start", &ListRuleFormOk::Image_Start},
+                                {u"Image_End", &ListRuleFormOk::Image_End},
+                                {u"Url_Filtration", &ListRuleFormOk::Url_Filtration},
+                                {u"V_Url", &ListRuleFormOk::V_Url},
+                                {u"Title_Filtration", &ListRuleFormOk::Title_Filtration},
+                                {u"Content_Start", &ListRuleFormOk::Content_Start},
+                                {u"Content_End", &ListRuleFormOk::Content_End},
+                                {u"Content_Filtration", &ListRuleFormOk::Content_Filtration}})
+      m.Property(name, member);
+    m.Filtration(FilterKind::QuoteDoubling);
+  });
 }
 
 void ListRuleFormOk::StorePostedRule(const Variant& id) {

@@ -7,11 +7,13 @@
 namespace ostrakan::admin {
 
 ListRuleList::ListRuleList() : DatabasePage(u"\\admin\\gather_list_web_manage") {
-  Property(u"rs", rs);
-  Property(u"id", id);
-  Property(u"web", web);
-  Block(u"InitFunction3", [] {});
-  Block(u"InitFunction4", &ListRuleList::WriteRuleRows);
+  Describe<ListRuleList>([](Describer<ListRuleList>& m) {
+    m.Property(u"rs", &ListRuleList::rs);
+    m.Property(u"id", &ListRuleList::id);
+    m.Property(u"web", &ListRuleList::web);
+    m.EmptyBlock(u"InitFunction3");
+    m.Block(u"InitFunction4", &ListRuleList::WriteRuleRows);
+  });
 }
 
 void ListRuleList::WriteRuleRows() {

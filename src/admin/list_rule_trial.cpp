@@ -14,12 +14,18 @@ Markup Number(long n) {
 }  // namespace
 
 ListRuleTrial::ListRuleTrial() : ListGatheringPage(u"\\admin\\gather_list_web_verify") {
-  Block(u"InitFunction2", [this] { CurrentResponse().Write(HtmlText(TextOf(ruleValues[0]))); });
-  Block(u"InitFunction3", [this] { CurrentResponse().Write(HtmlText(TextOf(Keyword))); });
-  Block(u"InitFunction4",
-        [this] { CurrentResponse().Write(HtmlText(TextOf(CurrentRequest().QueryString(u"id")))); });
-  Block(u"InitFunction5", &ListRuleTrial::WriteTrialForm);
-  Block(u"InitFunction6", &ListRuleTrial::WriteSummary);
+  Describe<ListRuleTrial>([](Describer<ListRuleTrial>& m) {
+    m.Block(u"InitFunction2", [](ListRuleTrial& page) {
+      CurrentResponse().Write(HtmlText(TextOf(page.ruleValues[0])));
+    });
+    m.Block(u"InitFunction3",
+            [](ListRuleTrial& page) { CurrentResponse().Write(HtmlText(TextOf(page.Keyword))); });
+    m.Block(u"InitFunction4", [](ListRuleTrial&) {
+      CurrentResponse().Write(HtmlText(TextOf(CurrentRequest().QueryString(u"id"))));
+    });
+    m.Block(u"InitFunction5", &ListRuleTrial::WriteTrialForm);
+    m.Block(u"InitFunction6", &ListRuleTrial::WriteSummary);
+  });
 }
 
 void ListRuleTrial::FirstBlock() {

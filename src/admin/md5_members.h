@@ -22,10 +22,12 @@ class WithMd5 : public Base {
   explicit WithMd5(std::u16string context) : Base(std::move(context)) {
     m_lOnBits = Table(OnBitsTable());
     m_l2Power = Table(TwoPowerTable());
-    this->Property(u"m_lOnBits", m_lOnBits);
-    this->Property(u"m_l2Power", m_l2Power);
-    this->Method(
-        u"MD5", [this](Component::Args& a) { return MD5(a.at(0)); }, 1);
+    this->template Describe<WithMd5>([](typename Base::template Describer<WithMd5>& m) {
+      m.Property(u"m_lOnBits", &WithMd5::m_lOnBits);
+      m.Property(u"m_l2Power", &WithMd5::m_l2Power);
+      m.Method(
+          u"MD5", [](WithMd5& page, Component::Args& a) { return page.MD5(a.at(0)); }, 1);
+    });
   }
 
  private:

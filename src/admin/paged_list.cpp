@@ -7,25 +7,27 @@ namespace ostrakan::admin {
 
 PagedList::PagedList(std::u16string context, records::PagerStyle style)
     : DatabasePage(std::move(context)), style_(std::move(style)) {
-  Block(u"showContent", &PagedList::WriteRows);
-  Method(
-      u"showpage",
-      [this](Args& a) {
-        WritePager(a.at(0), a.at(1));
-        return Variant();
-      },
-      2);
-  for (auto [name, member] : {
-           std::pair{u"Time1", &Time1},
-           {u"Time2", &Time2},
-           {u"rs", &rs},
-           {u"db_count", &db_count},
-           {u"page", &page},
-           {u"currentPage", &currentPage},
-           {u"sql", &sql},
-           {u"totalPut", &totalPut},
-       })
-    Property(name, *member);
+  Describe<PagedList>([](Describer<PagedList>& m) {
+    m.Block(u"showContent", &PagedList::WriteRows);
+    m.Method(
+        u"showpage",
+        [](PagedList& page, Args& a) {
+          page.WritePager(a.at(0), a.at(1));
+          return Variant();
+        },
+        2);
+    for (auto [name, member] : {
+             std::pair{u"Time1", &PagedList::Time1},
+             {u"Time2", &PagedList::Time2},
+             {u"rs", &PagedList::rs},
+             {u"db_count", &PagedList::db_count},
+             {u"page", &PagedList::page},
+             {u"currentPage", &PagedList::currentPage},
+             {u"sql", &PagedList::sql},
+             {u"totalPut", &PagedList::totalPut},
+         })
+      m.Property(name, member);
+  });
 }
 
 void PagedList::WriteList(const ListQueries& q, const std::function<std::u16string()>& returnUrl) {

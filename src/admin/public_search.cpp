@@ -23,9 +23,11 @@ bool CountsWords(const Variant& keywordAdd) {
 }  // namespace
 
 PublicSearch::PublicSearch() : PublicSitePage(u"\\search") {
-  Property(u"keyword", keyword);
-  Property(u"page", page);
-  Block(u"InitFunction2", &PublicSearch::Search);
+  Describe<PublicSearch>([](Describer<PublicSearch>& m) {
+    m.Property(u"keyword", &PublicSearch::keyword);
+    m.Property(u"page", &PublicSearch::page);
+    m.Block(u"InitFunction2", &PublicSearch::Search);
+  });
 }
 
 void PublicSearch::Search() {

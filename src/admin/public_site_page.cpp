@@ -8,8 +8,10 @@
 namespace ostrakan::admin {
 
 PublicSitePage::PublicSitePage(std::u16string context) : SitePage(std::move(context)) {
-  Property(u"conn", conn);
-  Property(u"connstr", connstr);
+  Describe<PublicSitePage>([](Describer<PublicSitePage>& m) {
+    m.Property(u"conn", &PublicSitePage::conn);
+    m.Property(u"connstr", &PublicSitePage::connstr);
+  });
 }
 
 ado::Connection& OpenRootDatabase(const Variant& db, Variant& connstr, Variant& conn) {

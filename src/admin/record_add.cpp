@@ -4,7 +4,8 @@
 namespace ostrakan::admin {
 
 RecordAdd::RecordAdd() : RecordFormOk(u"\\admin\\db_add_ok") {
-  Block(u"InitFunction3", &RecordAdd::StoreNewRecord);
+  Describe<RecordAdd>(
+      [](Describer<RecordAdd>& m) { m.Block(u"InitFunction3", &RecordAdd::StoreNewRecord); });
 }
 
 void RecordAdd::StoreNewRecord() {

@@ -8,9 +8,11 @@
 namespace ostrakan::admin {
 
 RecordCleanup::RecordCleanup() : DatabasePage(u"\\admin\\db_manage_ok") {
-  Block(u"InitFunction3", &RecordCleanup::DispatchAction);
-  Block(u"del", &RecordCleanup::DeleteUntitled);
-  Block(u"del_url", &RecordCleanup::DeleteBySourceSite);
+  Describe<RecordCleanup>([](Describer<RecordCleanup>& m) {
+    m.Block(u"InitFunction3", &RecordCleanup::DispatchAction);
+    m.Block(u"del", &RecordCleanup::DeleteUntitled);
+    m.Block(u"del_url", &RecordCleanup::DeleteBySourceSite);
+  });
 }
 
 void RecordCleanup::DispatchAction() {

@@ -3,7 +3,8 @@
 namespace ostrakan::admin {
 
 RecordCleanupForm::RecordCleanupForm() : GuardedPage(u"\\admin\\db_manage") {
-  EmptyBlock(u"InitFunction2");
+  Describe<RecordCleanupForm>(
+      [](Describer<RecordCleanupForm>& m) { m.EmptyBlock(u"InitFunction2"); });
 }
 
 }  // namespace ostrakan::admin

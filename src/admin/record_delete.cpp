@@ -8,6 +8,8 @@ namespace ostrakan::admin {
 RecordDelete::RecordDelete()
     : RowDeletePage(
           u"\\admin\\db_ok", u"db", [] { return ReturnToListScript(u"删除成功！"); },
-          [] { return ReturnToListScript(u"批量删除成功！"); }) {}
+          [] { return ReturnToListScript(u"批量删除成功！"); }) {
+  OfferTickedDelete<RecordDelete>();
+}
 
 }  // namespace ostrakan::admin

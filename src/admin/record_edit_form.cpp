@@ -21,9 +21,11 @@ const FieldCheck kChecks[] = {
 }  // namespace
 
 RecordEditForm::RecordEditForm() : DatabasePage(u"\\admin\\db_edit") {
-  Property(u"rs", rs);
-  Property(u"id", id);
-  Block(u"InitFunction3", &RecordEditForm::WriteEditPage);
+  Describe<RecordEditForm>([](Describer<RecordEditForm>& m) {
+    m.Property(u"rs", &RecordEditForm::rs);
+    m.Property(u"id", &RecordEditForm::id);
+    m.Block(u"InitFunction3", &RecordEditForm::WriteEditPage);
+  });
 }
 
 void RecordEditForm::WriteEditPage() {

@@ -6,8 +6,10 @@
 namespace ostrakan::admin {
 
 RecordEditSave::RecordEditSave() : RecordFormOk(u"\\admin\\db_edit_ok") {
-  Property(u"id", id);
-  Block(u"InitFunction3", &RecordEditSave::StoreEditedRecord);
+  Describe<RecordEditSave>([](Describer<RecordEditSave>& m) {
+    m.Property(u"id", &RecordEditSave::id);
+    m.Block(u"InitFunction3", &RecordEditSave::StoreEditedRecord);
+  });
 }
 
 void RecordEditSave::StoreEditedRecord() {

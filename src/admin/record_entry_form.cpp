@@ -3,7 +3,7 @@
 namespace ostrakan::admin {
 
 RecordEntryForm::RecordEntryForm() : DatabasePage(u"\\admin\\db_add") {
-  EmptyBlock(u"InitFunction3");
+  Describe<RecordEntryForm>([](Describer<RecordEntryForm>& m) { m.EmptyBlock(u"InitFunction3"); });
 }
 
 }  // namespace ostrakan::admin

@@ -6,10 +6,12 @@
 namespace ostrakan::admin {
 
 RecordFormOk::RecordFormOk(std::u16string context) : DatabasePage(std::move(context)) {
-  Property(u"rs", rs);
-  Property(u"Content", Content);
-  Property(u"Url", Url);
-  UseFiltration(FilterKind::RecordText);
+  Describe<RecordFormOk>([](Describer<RecordFormOk>& m) {
+    m.Property(u"rs", &RecordFormOk::rs);
+    m.Property(u"Content", &RecordFormOk::Content);
+    m.Property(u"Url", &RecordFormOk::Url);
+    m.Filtration(FilterKind::RecordText);
+  });
 }
 
 void RecordFormOk::StorePostedRecord(const Variant& id) {

@@ -5,8 +5,10 @@
 namespace ostrakan::admin {
 
 RecordList::RecordList() : PagedList(u"\\admin\\db_list", {u"条记录", false}) {
-  EmptyBlock(u"InitFunction3");
-  Block(u"InitFunction4", &RecordList::ListRecords);
+  Describe<RecordList>([](Describer<RecordList>& m) {
+    m.EmptyBlock(u"InitFunction3");
+    m.Block(u"InitFunction4", &RecordList::ListRecords);
+  });
 }
 
 void RecordList::ListRecords() {

@@ -10,13 +10,15 @@
 namespace ostrakan::admin {
 
 RecordSearch::RecordSearch() : PagedList(u"\\admin\\db_search", {u"条记录", false}) {
-  Property(u"Keyword", Keyword);
-  Property(u"action", action);
-  Property(u"where_sql", where_sql);
-  Block(u"InitFunction3", &RecordSearch::ReadSearch);
-  EmptyBlock(u"InitFunction4");
-  Block(u"InitFunction5", &RecordSearch::ListRecords);
-  UseFiltration(FilterKind::SearchWords);
+  Describe<RecordSearch>([](Describer<RecordSearch>& m) {
+    m.Property(u"Keyword", &RecordSearch::Keyword);
+    m.Property(u"action", &RecordSearch::action);
+    m.Property(u"where_sql", &RecordSearch::where_sql);
+    m.Block(u"InitFunction3", &RecordSearch::ReadSearch);
+    m.EmptyBlock(u"InitFunction4");
+    m.Block(u"InitFunction5", &RecordSearch::ListRecords);
+    m.Filtration(FilterKind::SearchWords);
+  });
 }
 
 // The menu opens this page without a query, and the page file has no way to leave the list

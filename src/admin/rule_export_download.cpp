@@ -11,7 +11,9 @@ const char16_t* RuleListPage(std::u16string_view kind) {
 }
 
 RuleExportDownload::RuleExportDownload() : DatabasePage(u"\\admin\\gather_rules_export") {
-  Block(u"InitFunction3", &RuleExportDownload::SendTickedRules);
+  Describe<RuleExportDownload>([](Describer<RuleExportDownload>& m) {
+    m.Block(u"InitFunction3", &RuleExportDownload::SendTickedRules);
+  });
 }
 
 void RuleExportDownload::SendTickedRules() {

@@ -65,8 +65,10 @@ Markup Count(size_t n) {
 }  // namespace
 
 RuleImportPreview::RuleImportPreview() : DatabasePage(u"\\admin\\gather_rules_import") {
-  Block(u"InitFunction3", &RuleImportPreview::ShowRulesOfTheFile);
-  Block(u"InitFunction4", &RuleImportPreview::WriteListPage);
+  Describe<RuleImportPreview>([](Describer<RuleImportPreview>& m) {
+    m.Block(u"InitFunction3", &RuleImportPreview::ShowRulesOfTheFile);
+    m.Block(u"InitFunction4", &RuleImportPreview::WriteListPage);
+  });
 }
 
 void RuleImportPreview::ShowRulesOfTheFile() {
@@ -107,7 +109,9 @@ void RuleImportPreview::WriteListPage() {
 }
 
 RuleImportSave::RuleImportSave() : DatabasePage(u"\\admin\\gather_rules_import_ok") {
-  Block(u"InitFunction3", &RuleImportSave::ImportTheFile);
+  Describe<RuleImportSave>([](Describer<RuleImportSave>& m) {
+    m.Block(u"InitFunction3", &RuleImportSave::ImportTheFile);
+  });
 }
 
 void RuleImportSave::ImportTheFile() {

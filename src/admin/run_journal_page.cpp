@@ -26,9 +26,11 @@ Markup Number(long n) {
 }  // namespace
 
 RunJournalPage::RunJournalPage() : DatabasePage(u"\\admin\\gather_run_list") {
-  Block(u"InitFunction3", &RunJournalPage::Act);
-  Block(u"InitFunction4", &RunJournalPage::WriteRefresh);
-  Block(u"InitFunction5", &RunJournalPage::ListRuns);
+  Describe<RunJournalPage>([](Describer<RunJournalPage>& m) {
+    m.Block(u"InitFunction3", &RunJournalPage::Act);
+    m.Block(u"InitFunction4", &RunJournalPage::WriteRefresh);
+    m.Block(u"InitFunction5", &RunJournalPage::ListRuns);
+  });
 }
 
 void RunJournalPage::Act() {

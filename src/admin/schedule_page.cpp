@@ -37,9 +37,11 @@ std::u16string IntervalText(long seconds) {
 }  // namespace
 
 SchedulePage::SchedulePage() : DatabasePage(u"\\admin\\gather_schedule") {
-  Block(u"InitFunction3", &SchedulePage::Act);
-  Block(u"InitFunction4", &SchedulePage::ListSchedules);
-  Block(u"InitFunction5", &SchedulePage::WriteForm);
+  Describe<SchedulePage>([](Describer<SchedulePage>& m) {
+    m.Block(u"InitFunction3", &SchedulePage::Act);
+    m.Block(u"InitFunction4", &SchedulePage::ListSchedules);
+    m.Block(u"InitFunction5", &SchedulePage::WriteForm);
+  });
 }
 
 std::u16string SchedulePage::ReadForm(gathering::Schedule& s) const {

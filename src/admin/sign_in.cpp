@@ -9,17 +9,19 @@
 namespace ostrakan::admin {
 
 SignIn::SignIn() : WithMd5(u"\\admin\\login") {
-  for (auto [name, member] : {std::pair{u"conn", &conn},
-                              {u"connstr", &connstr},
-                              {u"rs", &rs},
-                              {u"username", &username},
-                              {u"password", &password},
-                              {u"verifyid", &verifyid},
-                              {u"id", &id}})
-    Property(name, *member);
-  EmptyBlock(u"InitFunction2");
-  Block(u"InitFunction3", &SignIn::CheckAndSignIn);
-  UseFiltration(FilterKind::Strict);
+  Describe<SignIn>([](Describer<SignIn>& m) {
+    for (auto [name, member] : {std::pair{u"conn", &SignIn::conn},
+                                {u"connstr", &SignIn::connstr},
+                                {u"rs", &SignIn::rs},
+                                {u"username", &SignIn::username},
+                                {u"password", &SignIn::password},
+                                {u"verifyid", &SignIn::verifyid},
+                                {u"id", &SignIn::id}})
+      m.Property(name, member);
+    m.EmptyBlock(u"InitFunction2");
+    m.Block(u"InitFunction3", &SignIn::CheckAndSignIn);
+    m.Filtration(FilterKind::Strict);
+  });
 }
 
 void SignIn::FirstBlock() {

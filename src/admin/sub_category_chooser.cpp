@@ -5,12 +5,16 @@
 namespace ostrakan::admin {
 
 SubCategoryChooser::SubCategoryChooser() : SubCategoryPage(u"\\admin\\create_sort_list") {
-  Block(u"InitFunction3", [this] {
-    const Request& request = CurrentRequest();
-    ReadParent(request.Item(u"sort"), request.Item(u"sort_id"));
+  Describe<SubCategoryChooser>([](Describer<SubCategoryChooser>& m) {
+    m.Block(u"InitFunction3", [](SubCategoryChooser& page) {
+      const Request& request = CurrentRequest();
+      page.ReadParent(request.Item(u"sort"), request.Item(u"sort_id"));
+    });
+    m.Block(u"InitFunction4", &SubCategoryChooser::WriteParentName);
+    m.Block(u"InitFunction5", [](SubCategoryChooser& page) {
+      page.WriteLetterGroups(categories::GenerateLetterGroups);
+    });
   });
-  Block(u"InitFunction4", &SubCategoryChooser::WriteParentName);
-  Block(u"InitFunction5", [this] { WriteLetterGroups(categories::GenerateLetterGroups); });
 }
 
 }  // namespace ostrakan::admin

@@ -7,13 +7,15 @@
 namespace ostrakan::admin {
 
 SubCategoryFrames::SubCategoryFrames(std::u16string context) : DatabasePage(std::move(context)) {
-  Method(
-      u"create_sort_two",
-      [this](Args& args) {
-        WriteSubCategoryFrames(args.at(0));
-        return Variant();
-      },
-      1);
+  Describe<SubCategoryFrames>([](Describer<SubCategoryFrames>& m) {
+    m.Method(
+        u"create_sort_two",
+        [](SubCategoryFrames& page, Args& args) {
+          page.WriteSubCategoryFrames(args.at(0));
+          return Variant();
+        },
+        1);
+  });
 }
 
 void SubCategoryFrames::WriteSubCategoryFrames(const Variant& parent) {

@@ -7,16 +7,19 @@
 namespace ostrakan::admin {
 
 SubCategoryList::SubCategoryList() : SubCategoryPage(u"\\admin\\sort_list") {
-  Block(u"InitFunction3", [this] {
-    const Request& request = CurrentRequest();
-    ReadParent(request.QueryString(u"sort"), request.QueryString(u"sort_id"));
+  Describe<SubCategoryList>([](Describer<SubCategoryList>& m) {
+    m.Block(u"InitFunction3", [](SubCategoryList& page) {
+      const Request& request = CurrentRequest();
+      page.ReadParent(request.QueryString(u"sort"), request.QueryString(u"sort_id"));
+    });
+    m.Block(u"InitFunction4", &SubCategoryList::WriteLetterOptions);
+    // The hidden sort_id field of each of the page's two forms.
+    m.Block(u"InitFunction5", &SubCategoryList::WriteParentId);
+    m.Block(u"InitFunction6", &SubCategoryList::WriteParentId);
+    m.Block(u"InitFunction7", &SubCategoryList::WriteParentName);
+    m.Block(u"InitFunction8",
+            [](SubCategoryList& page) { page.WriteLetterGroups(categories::ManageLetterGroups); });
   });
-  Block(u"InitFunction4", &SubCategoryList::WriteLetterOptions);
-  // The hidden sort_id field of each of the page's two forms.
-  Block(u"InitFunction5", &SubCategoryList::WriteParentId);
-  Block(u"InitFunction6", &SubCategoryList::WriteParentId);
-  Block(u"InitFunction7", &SubCategoryList::WriteParentName);
-  Block(u"InitFunction8", [this] { WriteLetterGroups(categories::ManageLetterGroups); });
 }
 
 void SubCategoryList::WriteLetterOptions() {

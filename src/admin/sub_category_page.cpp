@@ -7,8 +7,11 @@
 namespace ostrakan::admin {
 
 SubCategoryPage::SubCategoryPage(std::u16string context) : DatabasePage(std::move(context)) {
-  for (auto [name, member] : {std::pair{u"sort", &sort}, {u"sort_id", &sort_id}})
-    Property(name, *member);
+  Describe<SubCategoryPage>([](Describer<SubCategoryPage>& m) {
+    for (auto [name, member] :
+         {std::pair{u"sort", &SubCategoryPage::sort}, {u"sort_id", &SubCategoryPage::sort_id}})
+      m.Property(name, member);
+  });
 }
 
 void SubCategoryPage::ReadParent(const Variant& name, const Variant& id) {

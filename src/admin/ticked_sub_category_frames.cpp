@@ -6,8 +6,10 @@ namespace ostrakan::admin {
 
 TickedSubCategoryFrames::TickedSubCategoryFrames()
     : GuardedPage(u"\\admin\\create_sort_two_instruction") {
-  Property(u"id", id);
-  Block(u"InitFunction2", &TickedSubCategoryFrames::WriteTickedFrames);
+  Describe<TickedSubCategoryFrames>([](Describer<TickedSubCategoryFrames>& m) {
+    m.Property(u"id", &TickedSubCategoryFrames::id);
+    m.Block(u"InitFunction2", &TickedSubCategoryFrames::WriteTickedFrames);
+  });
 }
 
 void TickedSubCategoryFrames::WriteTickedFrames() {

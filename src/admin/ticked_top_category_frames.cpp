@@ -8,8 +8,10 @@ namespace ostrakan::admin {
 
 TickedTopCategoryFrames::TickedTopCategoryFrames()
     : SubCategoryFrames(u"\\admin\\create_sort_one_instruction") {
-  Property(u"id", id);
-  Block(u"InitFunction3", &TickedTopCategoryFrames::WriteTickedFrames);
+  Describe<TickedTopCategoryFrames>([](Describer<TickedTopCategoryFrames>& m) {
+    m.Property(u"id", &TickedTopCategoryFrames::id);
+    m.Block(u"InitFunction3", &TickedTopCategoryFrames::WriteTickedFrames);
+  });
 }
 
 void TickedTopCategoryFrames::WriteTickedFrames() {

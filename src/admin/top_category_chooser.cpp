@@ -6,8 +6,10 @@
 namespace ostrakan::admin {
 
 TopCategoryChooser::TopCategoryChooser() : DatabasePage(u"\\admin\\create_sort") {
-  EmptyBlock(u"InitFunction3");
-  Block(u"InitFunction4", &TopCategoryChooser::WriteCategoryChoices);
+  Describe<TopCategoryChooser>([](Describer<TopCategoryChooser>& m) {
+    m.EmptyBlock(u"InitFunction3");
+    m.Block(u"InitFunction4", &TopCategoryChooser::WriteCategoryChoices);
+  });
 }
 
 void TopCategoryChooser::WriteCategoryChoices() {

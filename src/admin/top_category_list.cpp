@@ -6,8 +6,10 @@
 namespace ostrakan::admin {
 
 TopCategoryList::TopCategoryList() : DatabasePage(u"\\admin\\sort_manage") {
-  EmptyBlock(u"InitFunction3");
-  Block(u"InitFunction4", &TopCategoryList::WriteCategoryRows);
+  Describe<TopCategoryList>([](Describer<TopCategoryList>& m) {
+    m.EmptyBlock(u"InitFunction3");
+    m.Block(u"InitFunction4", &TopCategoryList::WriteCategoryRows);
+  });
 }
 
 void TopCategoryList::WriteCategoryRows() {

@@ -5,8 +5,10 @@
 namespace ostrakan::admin {
 
 SignInCheck::SignInCheck() : Component(u"\\admin\\login_verify") {
-  Property(u"Admin_Session", Admin_Session);
-  Block(u"InitFunction1", &SignInCheck::RequireSignIn);
+  Describe<SignInCheck>([](Describer<SignInCheck>& m) {
+    m.Property(u"Admin_Session", &SignInCheck::Admin_Session);
+    m.Block(u"InitFunction1", &SignInCheck::RequireSignIn);
+  });
 }
 
 void SignInCheck::RequireSignIn() {

@@ -32,14 +32,15 @@ Variant Evaluate(const PageValue& v, const PageRun& run, Component* component) {
 }
 
 void Call(Component& component, const std::u16string& method, const PageRun& run) {
-  size_t arity = component.Arity(method);
+  const Member& member = component.MethodNamed(method);  // one lookup for arity and call
+  const size_t arity = member.arity;
   Component::Args args;
-  if (IEquals(method, u"InitFunction1") && arity >= kSettingCount) {
+  if (arity >= kSettingCount && IEquals(method, u"InitFunction1")) {
     args = run.setup.Settings();
     args.insert(args.end(), run.ruleFields.begin(), run.ruleFields.end());
   }
   if (args.size() < arity) args.resize(arity);
-  component.Invoke(method, args);
+  component.Invoke(member, args);
 }
 
 void RunNodes(const PageRun& run, Component* component, int& line) {

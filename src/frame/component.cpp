@@ -16,7 +16,13 @@ ScriptError NoSuchMember() {
   return {438, u"Object doesn't support this property or method"};
 }
 
-Component::Component(std::u16string context) : context_(std::move(context)) {
+namespace {
+
+const MemberTable kNoMembers;
+
+}  // namespace
+
+Component::Component(std::u16string context) : context_(std::move(context)), members_(&kNoMembers) {
   AttachRequestContext();
 }
 
@@ -24,71 +30,44 @@ Component::~Component() {
   DetachRequestContext();
 }
 
-void Component::Property(std::u16string name, Variant& member) {
-  properties_.push_back({std::move(name), &member});
-}
-
-void Component::Method(std::u16string name, MethodFn fn, size_t arity) {
-  methods_.push_back({std::move(name), std::move(fn), arity});
-}
-
-void Component::Block(std::u16string name, std::function<void()> body) {
-  Method(name, [this, name, body = std::move(body)](Args&) {
-    Guard(name, body);
-    return Variant();
-  });
-}
-
-const Component::NamedProperty* Component::FindProperty(std::u16string_view name) const {
-  for (const auto& p : properties_)
-    if (IEquals(p.name, name)) return &p;
-  return nullptr;
-}
-
-const Component::NamedMethod* Component::FindMethod(std::u16string_view name) const {
-  for (const auto& m : methods_)
-    if (IEquals(m.name, name)) return &m;
-  return nullptr;
-}
-
 bool Component::HasProperty(std::u16string_view name) const {
-  return FindProperty(name);
+  const Member* m = members_->Find(name);
+  return m && m->property;
 }
 
 Variant Component::GetProperty(std::u16string_view name) const {
-  if (auto p = FindProperty(name)) return *p->member;
-  throw NoSuchMember();
+  const Member* m = members_->Find(name);
+  if (!m || !m->property) throw NoSuchMember();
+  return m->property(const_cast<Component&>(*this));
 }
 
 void Component::SetProperty(std::u16string_view name, Variant value) {
-  auto p = FindProperty(name);
-  if (!p) throw NoSuchMember();
-  *p->member = std::move(value);
+  const Member* m = members_->Find(name);
+  if (!m || !m->property) throw NoSuchMember();
+  m->property(*this) = std::move(value);
 }
 
 bool Component::HasMethod(std::u16string_view name) const {
-  return FindMethod(name);
+  const Member* m = members_->Find(name);
+  return m && m->method;
+}
+
+const Member& Component::MethodNamed(std::u16string_view name) const {
+  const Member* m = members_->Find(name);
+  if (!m || !m->method) throw NoSuchMember();
+  return *m;
 }
 
 size_t Component::Arity(std::u16string_view name) const {
-  if (auto m = FindMethod(name)) return m->arity;
-  throw NoSuchMember();
+  return MethodNamed(name).arity;
 }
 
 Variant Component::Invoke(std::u16string_view name, Args& args) {
-  auto m = FindMethod(name);
-  if (!m) throw NoSuchMember();
-  return m->fn(args);
-}
-
-void Component::UseFiltration(FilterKind kind) {
-  filterKind_ = kind;
-  Method(
-      u"filtration", [this](Args& args) { return filtration(args.at(0)); }, 1);
+  return Invoke(MethodNamed(name), args);
 }
 
 Variant Component::filtration(Variant& input) {
-  return GuardValue(u"filtration", [&] { return Filtration(filterKind_, input); });
+  return GuardValue(u"filtration", [&] { return Filtration(members_->filterKind, input); });
 }
 
 namespace {

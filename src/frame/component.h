@@ -1,9 +1,9 @@
 // The page component base.
 //
 // A component attaches the thread's request context when constructed and detaches it when
-// destroyed. It owns a table of named properties (case-insensitive names, each bound to a
-// Variant member of the component) and a table of named methods, through which the page
-// engine sets properties and calls blocks by name.
+// destroyed. Its class describes, once, the properties (case-insensitive names, each bound to
+// a Variant member of the component), methods and blocks through which the page engine sets
+// properties and calls blocks by name (Describe, frame/member_table.h).
 //
 // The error convention is implemented once, in Guard: ResponseEnded (and any ScriptError with
 // its number) passes on; any other error becomes one line in the error log,
@@ -14,10 +14,12 @@
 
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "core/variant.h"
 #include "frame/filtration.h"
+#include "frame/member_table.h"
 #include "frame/request_context.h"
 
 namespace ostrakan {
@@ -43,29 +45,91 @@ class Component : public Object {
   bool HasMethod(std::u16string_view name) const;
   size_t Arity(std::u16string_view name) const;
   Variant Invoke(std::u16string_view name, Args& args);
+  // The method `name` found once, for its arity and its call (error 438 when unknown).
+  const Member& MethodNamed(std::u16string_view name) const;
+  Variant Invoke(const Member& method, Args& args) { return method.method(*this, args); }
 
   const std::u16string& context() const { return context_; }
   // Appends "<context>, <method>: <description>" to the error log.
   void LogError(std::u16string_view method, std::u16string_view description) const;
 
  protected:
-  void Property(std::u16string name, Variant& member);
-  void Method(std::u16string name, MethodFn fn, size_t arity = 0);
-  // Registers the block `name` (no argument, nothing returned): the page engine's call runs
-  // `body` under the error convention, logged with the block's name.
-  void Block(std::u16string name, std::function<void()> body);
-  // A block the page file calls that has nothing to do in the component.
-  void EmptyBlock(std::u16string name) {
-    Block(std::move(name), [] {});
-  }
-  // The same for a method of the page: Block(u"InitFunction5", &KeywordList::ListKeywords).
+  // What a class adds to the members of its base, in Describe:
+  //   Describe<Desktop>([](auto& m) {
+  //     m.Block(u"InitFunction3", &Desktop::WriteSignedInName);
+  //     m.Property(u"conn", &Desktop::conn);
+  //   });
   template <class Page>
-  void Block(std::u16string name, void (Page::*body)()) {
-    Block(std::move(name), [page = static_cast<Page*>(this), body] { (page->*body)(); });
+  class Describer {
+   public:
+    explicit Describer(MemberTable& table) : table_(table) {}
+    // `member` is a Variant member of Page, or a function of Page& that returns one.
+    template <class Get>
+    void Property(std::u16string name, Get member) {
+      table_.Add({std::move(name),
+                  [member](Component& c) -> Variant& {
+                    return std::invoke(member, static_cast<Page&>(c));
+                  },
+                  {},
+                  0});
+    }
+    // `fn(Page&, Args&)`, or `fn(Args&)`, returns the method's value.
+    template <class Fn>
+    void Method(std::u16string name, Fn fn, size_t arity = 0) {
+      table_.Add({std::move(name),
+                  {},
+                  [fn](Component& c, Args& args) -> Variant {
+                    if constexpr (std::is_invocable_v<Fn, Args&>)
+                      return fn(args);
+                    else
+                      return std::invoke(fn, static_cast<Page&>(c), args);
+                  },
+                  arity});
+    }
+    // A block (no argument, nothing returned): a method of Page or a function of Page& (or of
+    // nothing), run under the error convention and logged with the block's name.
+    template <class Body>
+    void Block(std::u16string name, Body body) {
+      Method(name, [name, body](Page& page, Args&) {
+        page.Guard(name, [&] {
+          if constexpr (std::is_invocable_v<Body>)
+            body();
+          else
+            std::invoke(body, page);
+        });
+        return Variant();
+      });
+    }
+    // A block the page file calls that has nothing to do in the component.
+    void EmptyBlock(std::u16string name) {
+      Block(std::move(name), [] {});
+    }
+    // The public method `filtration` with the page's variant of the filter.
+    void Filtration(FilterKind kind) {
+      table_.filterKind = kind;
+      Method(
+          u"filtration", [](Page& page, Args& args) { return page.filtration(args.at(0)); }, 1);
+    }
+
+   private:
+    MemberTable& table_;
+  };
+
+  // Gives the component the members of its base class and those `describe` adds, built into a
+  // table of the class Page on its first construction. Page's constructor calls it once; the
+  // members a base described must be the same for every Page (a name that differs between
+  // derived classes is described by each of them).
+  template <class Page, class Fn>
+  void Describe(Fn describe) {
+    static const MemberTable table = [this, &describe] {
+      MemberTable built = *members_;
+      Describer<Page> d(built);
+      describe(d);
+      return built;
+    }();
+    members_ = &table;
   }
 
-  // Gives the component its public method `filtration` with the page's variant of the filter.
-  void UseFiltration(FilterKind kind);
   // The page's filter under the error convention (the argument is rewritten in place).
   Variant filtration(Variant& input);
 
@@ -75,22 +139,8 @@ class Component : public Object {
   Variant GuardValue(std::u16string_view method, const std::function<Variant()>& body);
 
  private:
-  struct NamedProperty {
-    std::u16string name;
-    Variant* member;
-  };
-  struct NamedMethod {
-    std::u16string name;
-    MethodFn fn;
-    size_t arity;
-  };
-  const NamedProperty* FindProperty(std::u16string_view name) const;
-  const NamedMethod* FindMethod(std::u16string_view name) const;
-
   std::u16string context_;
-  FilterKind filterKind_ = FilterKind::Strict;
-  std::vector<NamedProperty> properties_;
-  std::vector<NamedMethod> methods_;
+  const MemberTable* members_;
 };
 
 // Error 438 "Object doesn't support this property or method".

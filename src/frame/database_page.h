@@ -14,9 +14,11 @@ class DatabasePage : public GuardedPage {
 
  protected:
   explicit DatabasePage(std::u16string context) : GuardedPage(std::move(context)) {
-    Property(u"conn", conn);
-    Property(u"connstr", connstr);
-    Block(u"InitFunction2", &DatabasePage::OpenDatabase);
+    Describe<DatabasePage>([](Describer<DatabasePage>& m) {
+      m.Property(u"conn", &DatabasePage::conn);
+      m.Property(u"connstr", &DatabasePage::connstr);
+      m.Block(u"InitFunction2", &DatabasePage::OpenDatabase);
+    });
   }
 };
 

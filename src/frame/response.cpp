@@ -9,17 +9,23 @@
 namespace ostrakan {
 
 std::string HttpDate(time_t t) {
+  // Answers within one second carry the same date: the text is kept per thread.
+  thread_local time_t last = -1;
+  thread_local std::string text;
+  if (t == last) return text;
   struct tm g;
   gmtime_r(&t, &g);
   char buf[64];
   strftime(buf, sizeof buf, "%a, %d %b %Y %H:%M:%S GMT", &g);
-  return buf;
+  text = buf;
+  last = t;
+  return text;
 }
 
 namespace {
 
 // A local OLE date as seconds since the epoch.
-time_t FromOleLocal(double ole) {
+time_t ConvertOleLocal(double ole) {
   double days = std::floor(ole);
   double secs = std::round((ole - days) * 86400.0);
   struct tm lt = {};
@@ -29,6 +35,22 @@ time_t FromOleLocal(double ole) {
   lt.tm_sec = static_cast<int>(secs);
   lt.tm_isdst = -1;
   return mktime(&lt);
+}
+
+// The same, remembering the last two dates of the thread: the pages ask for the same few
+// (now, and the day before) many times a second, and mktime's normalization of the day count
+// is most of a page header's cost. The time zone is fixed while the server runs.
+time_t FromOleLocal(double ole) {
+  thread_local double dates[2] = {NAN, NAN};
+  thread_local time_t times[2] = {0, 0};
+  thread_local int next = 0;
+  for (int i = 0; i < 2; ++i)
+    if (dates[i] == ole) return times[i];
+  const time_t t = ConvertOleLocal(ole);
+  dates[next] = ole;
+  times[next] = t;
+  next ^= 1;
+  return t;
 }
 
 }  // namespace

@@ -10,15 +10,16 @@ RowDeletePage::RowDeletePage(std::u16string context, std::u16string_view table, 
       table_(table),
       afterOne_(std::move(afterOne)),
       afterTicked_(std::move(afterTicked)) {
-  Block(u"InitFunction3", [this] {
-    const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
-    if (action == u"del")
-      DeleteOne();
-    else if (action == u"alldel" && afterTicked_)
-      DeleteTicked();
+  Describe<RowDeletePage>([](Describer<RowDeletePage>& m) {
+    m.Block(u"InitFunction3", [](RowDeletePage& page) {
+      const std::u16string action = TextOf(CurrentRequest().QueryString(u"action"));
+      if (action == u"del")
+        page.DeleteOne();
+      else if (action == u"alldel" && page.afterTicked_)
+        page.DeleteTicked();
+    });
+    m.Block(u"delete", &RowDeletePage::DeleteOne);
   });
-  Block(u"delete", &RowDeletePage::DeleteOne);
-  if (afterTicked_) Block(u"alldelete", &RowDeletePage::DeleteTicked);
 }
 
 void RowDeletePage::DeleteOne() {

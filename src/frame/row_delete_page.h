@@ -19,6 +19,12 @@ class RowDeletePage : public DatabasePage {
  protected:
   RowDeletePage(std::u16string context, std::u16string_view table, Answer afterOne,
                 Answer afterTicked = {});
+  // The block "alldelete", which a page with the batch delete (an `afterTicked` answer)
+  // offers: OfferTickedDelete<RecordDelete>() in its constructor.
+  template <class Page>
+  void OfferTickedDelete() {
+    Describe<Page>([](Describer<Page>& m) { m.Block(u"alldelete", &RowDeletePage::DeleteTicked); });
+  }
 
  private:
   void DeleteOne();

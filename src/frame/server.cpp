@@ -13,33 +13,38 @@ Server::Server(std::filesystem::path siteRoot, std::u16string pagePath,
 std::u16string Server::MapPath(std::u16string_view path) const {
   // Work on the virtual path: absolute from the root, or relative to the page's folder.
   std::u16string virt;
-  std::u16string p(path);
-  for (auto& c : p)
-    if (c == u'\\') c = u'/';
-  if (p.starts_with(u"/")) {
-    virt = p;
-  } else {
-    virt = pagePath_.substr(0, pagePath_.rfind(u'/') + 1) + p;
-  }
-  std::vector<std::u16string> parts;
+  if (path.empty() || (path[0] != u'/' && path[0] != u'\\'))
+    virt = pagePath_.substr(0, pagePath_.rfind(u'/') + 1);
+  const size_t given = virt.size();
+  virt += path;
+  for (size_t i = given; i < virt.size(); ++i)
+    if (virt[i] == u'\\') virt[i] = u'/';
+  // The folders of the path, '.' and empty ones dropped and '..' taken back, joined by '/'.
+  std::u16string joined;
   size_t start = 0;
   while (start <= virt.size()) {
     size_t end = virt.find(u'/', start);
     if (end == std::u16string::npos) end = virt.size();
-    std::u16string part = virt.substr(start, end - start);
+    const std::u16string_view part = std::u16string_view(virt).substr(start, end - start);
     if (part == u"..") {
-      if (parts.empty())
+      if (joined.empty())
         throw ScriptError(static_cast<int32_t>(0x80004005),
                           u"The '..' characters are not allowed.");
-      parts.pop_back();
+      const size_t last = joined.rfind(u'/');
+      joined.resize(last == std::u16string::npos ? 0 : last);
     } else if (!part.empty() && part != u".") {
-      parts.push_back(part);
+      if (!joined.empty()) joined += u'/';
+      joined += part;
     }
     start = end + 1;
   }
-  std::filesystem::path out = siteRoot_;
-  for (const auto& part : parts) out /= ToUtf8(part);
-  return FromUtf8(out.string());
+  // Appended to the root as path /= part would: a separator unless the root ends in one.
+  std::string out = siteRoot_.string();
+  if (!joined.empty()) {
+    if (!out.empty() && out.back() != '/') out += '/';
+    out += ToUtf8(joined);
+  }
+  return FromUtf8(out);
 }
 
 Variant Server::CreateObject(std::u16string_view progId) const {

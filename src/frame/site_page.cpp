@@ -22,22 +22,25 @@ std::array<Variant*, kSettingCount> SitePage::Settings() {
 }
 
 SitePage::SitePage(std::u16string context) : Component(std::move(context)) {
-  auto members = Settings();
-  for (size_t i = 0; i < kSettingCount; ++i) Property(SettingNames()[i], *members[i]);
-  Method(
-      u"InitFunction1",
-      [this](Args& args) {
-        InitFunction1(args);
-        return Variant();
-      },
-      kSettingCount);
+  Describe<SitePage>([](Describer<SitePage>& m) {
+    for (size_t i = 0; i < kSettingCount; ++i)
+      m.Property(SettingNames()[i],
+                 [i](SitePage& page) -> Variant& { return *page.Settings()[i]; });
+    m.Method(
+        u"InitFunction1",
+        [](SitePage& page, Args& args) {
+          page.InitFunction1(args);
+          return Variant();
+        },
+        kSettingCount);
+  });
 }
 
 void SitePage::InitFunction1(Args& parameters) {
   Guard(u"InitFunction1", [&] {
     auto members = Settings();
     for (size_t i = 0; i < kSettingCount && i < parameters.size(); ++i)
-      AssignSetting(parameters[i], *members[i]);
+      *members[i] = std::move(parameters[i]);
     if (parameters.size() > kSettingCount) AssignExtra(parameters, kSettingCount);
     FirstBlock();
   });

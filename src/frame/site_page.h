@@ -1,7 +1,8 @@
 // A page component that receives the 13 site settings.
 //
-// InitFunction1(Parameter1 .. Parameter13 [, rule fields ...]) copies each setting into its
-// property with AssignSetting (an object is shared, any other value copied), hands any further
+// InitFunction1(Parameter1 .. Parameter13 [, rule fields ...]) takes each setting over from its
+// argument into its property (the arguments are the caller's copies of the settings: an object
+// stays shared with the site's, any other value is the page's own), hands any further
 // arguments to AssignExtra (the gathering pages' rule fields), then runs FirstBlock, all under
 // the error convention with the method name "InitFunction1".
 #pragma once

@@ -6,8 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include "admin/registry.h"
 #include "frame/site_page.h"
 #include "platform/object_factory.h"
+#include "platform/text/codepage.h"
+#include "support/test_database.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -99,12 +102,16 @@ class Recorder : public SitePage {
 
   Recorder() : SitePage(u"\\admin\\recorder") {
     ++alive;
-    Property(u"id", id);
-    Property(u"Note", Note);
-    Block(u"Show", [this] { CurrentResponse().Write(u"[" + HtmlText(TextOf(id)) + u"]"); });
-    Block(u"Stop", [] { CurrentResponse().Write(u"stopped"), EndResponse(); });
-    Method(u"Crash", [](Args&) -> Variant { throw std::runtime_error("boom"); });
-    Method(u"Wide", WriteCount, 3);
+    Describe<Recorder>([](Describer<Recorder>& m) {
+      m.Property(u"id", &Recorder::id);
+      m.Property(u"Note", &Recorder::Note);
+      m.Block(u"Show", [](Recorder& page) {
+        CurrentResponse().Write(u"[" + HtmlText(TextOf(page.id)) + u"]");
+      });
+      m.Block(u"Stop", [] { CurrentResponse().Write(u"stopped"), EndResponse(); });
+      m.Method(u"Crash", [](Args&) -> Variant { throw std::runtime_error("boom"); });
+      m.Method(u"Wide", WriteCount, 3);
+    });
   }
   ~Recorder() override { --alive; }
   // Writes how many arguments it was given (up to its arity).
@@ -168,8 +175,36 @@ TEST_F(PageRunnerTest, AnEscapedErrorNamesTheLineAndReleasesTheComponent) {
   EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %>\n\n<% Crash %>"), u"error at line 3: boom");
   EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %>\n<% NoSuchProperty = 1 %>").substr(0, 27),
             u"error at line 2: error 438:");
+  EXPECT_EQ(Run(u"<%@ Component=\"Test.Recorder\" %><% NOTE = 1 %><% noSuchBlock %>").substr(0, 26),
+            u"error at line 1: error 438");
   EXPECT_EQ(Run(u"<%@ Component=\"Test.Unknown\" %>x"),
             u"error at line 1: no page component is registered as Test.Unknown");
+}
+
+// Each class describes its members once; a name it lost (or gave the wrong component) would
+// only show as error 438 on its page.
+TEST(SitePageFiles, NameOnlyMembersTheirComponentsHave) {
+  int pages = 0;
+  for (const auto& entry :
+       std::filesystem::recursive_directory_iterator(testing::SourceDir() / "site")) {
+    if (!entry.is_regular_file() || entry.path().extension() != ".asp") continue;
+    const std::u16string text = text::Decode(testing::ReadFile(entry.path()), 936);
+    if (!text.starts_with(u"<%@ Component=")) continue;  // templates, settings, plain pages
+    const PageFile page = ParsePageFile(text);
+    std::shared_ptr<Component> component = CreateComponent(page.component);
+    ASSERT_TRUE(component) << entry.path();
+    ++pages;
+    for (const PageNode& n : page.nodes) {
+      const bool found =
+          n.kind == PageNode::Kind::Call     ? component->HasMethod(n.text)
+          : n.kind == PageNode::Kind::Assign ? component->HasProperty(n.text)
+          : n.kind == PageNode::Kind::Write && n.value.kind == PageValue::Kind::Property
+              ? component->HasProperty(n.value.name)
+              : true;
+      EXPECT_TRUE(found) << entry.path() << " line " << n.line;
+    }
+  }
+  EXPECT_GT(pages, 50);
 }
 
 }  // namespace

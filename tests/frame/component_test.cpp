@@ -21,15 +21,18 @@ using testing::RunBlocks;
 class Probe : public SitePage {
  public:
   Probe() : SitePage(u"\\admin\\probe") {
-    Property(u"conn", conn);
-    Property(u"connstr", connstr);
-    // Each block is guarded by its registration, logged with the block's name.
-    Block(u"InitFunction2", [this] { OpenConnection(*this, u"InitFunction2", DB, connstr, conn); });
-    Block(u"InitFunction3", [] { throw TypeMismatch(); });
-    Block(u"InitFunction4", [this] { Guard(u"Helper", [] { WriteAndEnd(u"stop"); }); });
-    Block(u"InitFunction5", [] { throw std::runtime_error("disk full"); });
-    Block(u"InitFunction6", [] { (void)std::vector<int>().at(3); });
-    Block(u"InitFunction7", &Probe::Mark);
+    Describe<Probe>([](Describer<Probe>& m) {
+      m.Property(u"conn", &Probe::conn);
+      m.Property(u"connstr", &Probe::connstr);
+      // Each block is guarded by its description, logged with the block's name.
+      m.Block(u"InitFunction2",
+              [](Probe& p) { OpenConnection(p, u"InitFunction2", p.DB, p.connstr, p.conn); });
+      m.Block(u"InitFunction3", [] { throw TypeMismatch(); });
+      m.Block(u"InitFunction4", [](Probe& p) { p.Guard(u"Helper", [] { WriteAndEnd(u"stop"); }); });
+      m.Block(u"InitFunction5", [] { throw std::runtime_error("disk full"); });
+      m.Block(u"InitFunction6", [] { (void)std::vector<int>().at(3); });
+      m.Block(u"InitFunction7", &Probe::Mark);
+    });
   }
   void Mark() { ran7 = true; }
   Variant conn, connstr;
@@ -82,6 +85,17 @@ TEST_F(Page, SettingsAreCopiedAndObjectsShared) {
   EXPECT_EQ(page.ODB.As<Object>(), shared);
   page.SetProperty(u"CONN", Variant(5));
   EXPECT_EQ(CLng(page.conn), 5);
+}
+
+TEST_F(Page, PathsMapFromThePageFolderAndNeverLeaveTheSite) {
+  const std::u16string root = FromUtf8(site.root().string());
+  const Server& server = CurrentServer();
+  EXPECT_EQ(server.MapPath(u"../data/test.db"), root + u"/data/test.db");
+  EXPECT_EQ(server.MapPath(u"\\a\\.\\b\\..\\c//d/"), root + u"/a/c/d");
+  EXPECT_EQ(server.MapPath(u"x/../.."), root);
+  EXPECT_EQ(server.MapPath(u""), root + u"/admin");
+  EXPECT_THROW(server.MapPath(u"../../x"), ScriptError);
+  EXPECT_THROW(server.MapPath(u"/a/../../admin"), ScriptError);
 }
 
 TEST(PageContext, IsAttachedByConstructionAndClearedByDestruction) {

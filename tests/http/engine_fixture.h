@@ -26,55 +26,59 @@ namespace ostrakan::testing {
 class TestPage : public SitePage {
  public:
   TestPage() : SitePage(u"\\admin\\test_page") {
-    Block(u"Count", [] {
-      Session& s = CurrentSession();
-      const Variant n = Variant(s.Get(u"n").IsEmpty() ? 1 : CLng(s.Get(u"n")) + 1);
-      s.Set(u"n", n);
-      CurrentResponse().Write(u"n=" + HtmlText(CStr(n)));
+    Describe<TestPage>([](Describer<TestPage>& m) {
+      m.Block(u"Count", [] {
+        Session& s = CurrentSession();
+        const Variant n = Variant(s.Get(u"n").IsEmpty() ? 1 : CLng(s.Get(u"n")) + 1);
+        s.Set(u"n", n);
+        CurrentResponse().Write(u"n=" + HtmlText(CStr(n)));
+      });
+      m.Block(u"SignIn", [](TestPage& page) {
+        CurrentSession().Set(TextOf(page.Admin_Session), Variant(u"admin"));
+      });
+      m.Block(u"Abandon", [] { CurrentSession().Abandon(); });
+      m.Block(u"Stop", [] { EndResponse(); });
+      m.Block(u"Redirect", [] {
+        CurrentResponse().Redirect(TextOf(CurrentRequest().Item(u"to")));
+        EndResponse();
+      });
+      m.Block(u"Header", [] { CurrentResponse().AddHeader(u"Content-Length", u"99999"); });
+      // Replaces changing.asp as the server's own writes do (a rule file, a generated page).
+      m.Block(u"Rewrite", [] {
+        fs::WriteFileAtomic(ToUtf8(CurrentServer().MapPath(u"changing.asp")),
+                            ToUtf8(TextOf(CurrentRequest().Item(u"text"))));
+      });
+      // Uses a megabyte of stack, as a regular expression over a long page can.
+      m.Block(u"DeepStack", [] {
+        volatile char buffer[1 << 20];
+        for (size_t i = 0; i < sizeof buffer; i += 4096) buffer[i] = 1;
+        CurrentResponse().Write(u"deep");
+      });
+      // Fails between Application.Lock and Unlock; the error is logged and swallowed.
+      m.Block(u"LockAndFail", [] {
+        CurrentApplication().Lock();
+        throw std::runtime_error("failed while holding the application lock");
+      });
+      m.Block(u"LockedVisit", [] {
+        Application& a = CurrentApplication();
+        a.Lock();
+        Variant n = Variant(a.Get(u"visits").IsEmpty() ? 1 : CLng(a.Get(u"visits")) + 1);
+        a.Set(u"visits", n);
+        a.Unlock();
+        CurrentResponse().Write(u"visit " + HtmlText(CStr(n)));
+      });
+      // Fetches Request("url") with the default fetcher, as a gathering page does.
+      m.Block(u"Fetch", [] {
+        http::FetchResult r =
+            http::DefaultFetcher()->Get(ToUtf8(TextOf(CurrentRequest().Item(u"url"))));
+        CurrentResponse().Write(r.completed
+                                    ? u"fetched " + HtmlText(FromUtf8(std::to_string(r.status)))
+                                    : u"not fetched: " + HtmlText(FromUtf8(r.error)));
+      });
+      // A method without the block guard: its error escapes the component.
+      m.Method(u"Crash",
+               [](Args&) -> Variant { throw std::runtime_error("boom: escaped the component"); });
     });
-    Block(u"SignIn", [this] { CurrentSession().Set(TextOf(Admin_Session), Variant(u"admin")); });
-    Block(u"Abandon", [] { CurrentSession().Abandon(); });
-    Block(u"Stop", [] { EndResponse(); });
-    Block(u"Redirect", [] {
-      CurrentResponse().Redirect(TextOf(CurrentRequest().Item(u"to")));
-      EndResponse();
-    });
-    Block(u"Header", [] { CurrentResponse().AddHeader(u"Content-Length", u"99999"); });
-    // Replaces changing.asp as the server's own writes do (a rule file, a generated page).
-    Block(u"Rewrite", [] {
-      fs::WriteFileAtomic(ToUtf8(CurrentServer().MapPath(u"changing.asp")),
-                          ToUtf8(TextOf(CurrentRequest().Item(u"text"))));
-    });
-    // Uses a megabyte of stack, as a regular expression over a long page can.
-    Block(u"DeepStack", [] {
-      volatile char buffer[1 << 20];
-      for (size_t i = 0; i < sizeof buffer; i += 4096) buffer[i] = 1;
-      CurrentResponse().Write(u"deep");
-    });
-    // Fails between Application.Lock and Unlock; the error is logged and swallowed.
-    Block(u"LockAndFail", [] {
-      CurrentApplication().Lock();
-      throw std::runtime_error("failed while holding the application lock");
-    });
-    Block(u"LockedVisit", [] {
-      Application& a = CurrentApplication();
-      a.Lock();
-      Variant n = Variant(a.Get(u"visits").IsEmpty() ? 1 : CLng(a.Get(u"visits")) + 1);
-      a.Set(u"visits", n);
-      a.Unlock();
-      CurrentResponse().Write(u"visit " + HtmlText(CStr(n)));
-    });
-    // Fetches Request("url") with the default fetcher, as a gathering page does.
-    Block(u"Fetch", [] {
-      http::FetchResult r =
-          http::DefaultFetcher()->Get(ToUtf8(TextOf(CurrentRequest().Item(u"url"))));
-      CurrentResponse().Write(r.completed
-                                  ? u"fetched " + HtmlText(FromUtf8(std::to_string(r.status)))
-                                  : u"not fetched: " + HtmlText(FromUtf8(r.error)));
-    });
-    // A method without the block guard: its error escapes the component.
-    Method(u"Crash",
-           [](Args&) -> Variant { throw std::runtime_error("boom: escaped the component"); });
   }
 };
 

@@ -20,8 +20,10 @@ Bytes LoadFile(const std::u16string& path) {
 }  // namespace
 
 VerifyPicture::VerifyPicture() : Component(u"\\admin\\inc\\code") {
-  Block(u"InitFunction1", &VerifyPicture::WriteUnbuffered);
-  Block(u"NumCode", &VerifyPicture::DrawNewCode);
+  Describe<VerifyPicture>([](Describer<VerifyPicture>& m) {
+    m.Block(u"InitFunction1", &VerifyPicture::WriteUnbuffered);
+    m.Block(u"NumCode", &VerifyPicture::DrawNewCode);
+  });
 }
 
 void VerifyPicture::WriteUnbuffered() {
