@@ -1,5 +1,6 @@
 #include "frame/member_table.h"
 
+#include <cstdint>
 #include <stdexcept>
 
 namespace ostrakan {
@@ -9,46 +10,28 @@ char16_t Folded(char16_t c) {
   return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
 }
 
+}  // namespace
+
 // FNV-1a over the folded code units.
-uint32_t HashOf(std::u16string_view name) {
+size_t MemberTable::FoldedHash::operator()(std::u16string_view name) const {
   uint32_t h = 2166136261u;
   for (char16_t c : name) h = (h ^ Folded(c)) * 16777619u;
   return h;
 }
 
-}  // namespace
-
-void MemberTable::Add(Member member) {
-  if (Find(member.name))
-    throw std::logic_error("a page component describes the member " + ToUtf8(member.name) +
-                           " twice");
-  members_.push_back(std::move(member));
-  if (slots_.size() < 2 * members_.size()) {
-    slots_.assign(slots_.empty() ? 16 : 2 * slots_.size(), Slot{});
-    for (uint32_t i = 0; i < members_.size(); ++i) Index(i);
-  } else {
-    Index(static_cast<uint32_t>(members_.size() - 1));
-  }
+bool MemberTable::FoldedEqual::operator()(std::u16string_view a, std::u16string_view b) const {
+  return IEquals(a, b);
 }
 
-void MemberTable::Index(uint32_t position) {
-  const size_t mask = slots_.size() - 1;
-  const uint32_t hash = HashOf(members_[position].name);
-  size_t slot = hash & mask;
-  while (slots_[slot].position) slot = (slot + 1) & mask;
-  slots_[slot] = {hash, position + 1};
+void MemberTable::Add(Member member) {
+  std::u16string name = member.name;
+  if (!members_.try_emplace(std::move(name), std::move(member)).second)
+    throw std::logic_error("a page component describes the member " + ToUtf8(name) + " twice");
 }
 
 const Member* MemberTable::Find(std::u16string_view name) const {
-  if (slots_.empty()) return nullptr;
-  const size_t mask = slots_.size() - 1;
-  const uint32_t hash = HashOf(name);
-  for (size_t slot = hash & mask; slots_[slot].position; slot = (slot + 1) & mask) {
-    if (slots_[slot].hash != hash) continue;
-    const Member& m = members_[slots_[slot].position - 1];
-    if (IEquals(m.name, name)) return &m;
-  }
-  return nullptr;
+  const auto found = members_.find(name);
+  return found == members_.end() ? nullptr : &found->second;
 }
 
 }  // namespace ostrakan

@@ -5,10 +5,10 @@
 // matched ignoring the case of A-Z, as the scripting runtime does).
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "core/variant.h"
@@ -40,16 +40,16 @@ class MemberTable {
   FilterKind filterKind = FilterKind::Strict;
 
  private:
-  struct Slot {
-    uint32_t hash = 0;
-    uint32_t position = 0;  // in members_, + 1; 0 for an empty slot
+  // Names hashed and compared with A-Z folded to a-z; looked up by a view, without a copy.
+  struct FoldedHash {
+    using is_transparent = void;
+    size_t operator()(std::u16string_view name) const;
   };
-  void Index(uint32_t position);
-
-  std::vector<Member> members_;
-  // Open addressing over members_; the size is a power of two at least twice the number of
-  // members. A slot keeps its name's hash, so that a probe compares names only on a match.
-  std::vector<Slot> slots_;
+  struct FoldedEqual {
+    using is_transparent = void;
+    bool operator()(std::u16string_view a, std::u16string_view b) const;
+  };
+  std::unordered_map<std::u16string, Member, FoldedHash, FoldedEqual> members_;
 };
 
 }  // namespace ostrakan
