@@ -1,7 +1,9 @@
 // The engine's overhead over a bare server, measured side by side in one run: wrk against the
 // yardstick, a bare Boost.Beast server on the engine's I/O model answering a 32-byte page
 // (bench/hello/hello_beast.cpp), then against the engine for a static file
-// (admin/css/style.css) and a signed-in page (desktop.asp). Prints requests per second and each
+// (admin/css/style.css), a page that does nothing (a page file of plain text, added to the
+// site for the run: what a page pays for its hand-off to a page thread and back, whatever it
+// does) and a signed-in page (desktop.asp). Prints requests per second and each
 // as a ratio of the yardstick's, and the server's CPU time per request (user and system time of
 // its process from /proc, which a busy machine disturbs less than the rate). When the build has
 // hello_civetweb (civetweb installed), it is measured too, for comparison with earlier figures. Given another ostrakan executable (an
@@ -9,7 +11,7 @@
 // Usage: node bench/engine_overhead.mjs build/release [seconds] [connections] [other-ostrakan]
 //   (the folder holds the Release build of the targets ostrakan and hello_beast)
 import { execFileSync, spawn } from 'node:child_process';
-import { existsSync, readFileSync } from 'node:fs';
+import { existsSync, readFileSync, writeFileSync } from 'node:fs';
 import { join, dirname, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
@@ -53,8 +55,10 @@ async function startHello(program) {
 
 const hello = await startHello('hello_beast');
 const civetweb = existsSync(join(build, 'hello_civetweb')) ? await startHello('hello_civetweb') : null;
-const site = await startSite();
-const otherSite = other ? await startSite({ program: other }) : null;
+// A page file without a component or a script: 32 bytes of text, like the yardstick's answer.
+const prepare = (dir) => writeFileSync(join(dir, 'empty_page.asp'), 'An empty page, 32 bytes of text.');
+const site = await startSite({ prepare });
+const otherSite = other ? await startSite({ program: other, prepare }) : null;
 try {
   const cookie = await signInOverHttp(site);
   const otherCookie = otherSite && (await signInOverHttp(otherSite));
@@ -63,9 +67,11 @@ try {
   const rows = [['beast hello (yardstick)', base]];
   if (civetweb) rows.push(['civetweb hello', wrk(`${civetweb.base}/`, civetweb.pid)]);
   rows.push(['admin/css/style.css', wrk(`${site.base}/admin/css/style.css`, site.pid)]);
+  rows.push(['empty_page.asp', wrk(`${site.base}/empty_page.asp`, site.pid)]);
   rows.push(['admin/desktop.asp', wrk(`${site.base}/admin/desktop.asp`, site.pid, ['-H', `Cookie: ${cookie}`])]);
   if (otherSite) {
     rows.push(['other: style.css', wrk(`${otherSite.base}/admin/css/style.css`, otherSite.pid)]);
+    rows.push(['other: empty_page.asp', wrk(`${otherSite.base}/empty_page.asp`, otherSite.pid)]);
     rows.push(['other: desktop.asp',
       wrk(`${otherSite.base}/admin/desktop.asp`, otherSite.pid, ['-H', `Cookie: ${otherCookie}`])]);
   }
