@@ -167,6 +167,29 @@ TEST(RecordIndex, FindsWhatTheLikeScanFindsThroughEditsAndRebuilds) {
   ExpectSameAsScan(records, words, true);
 }
 
+// Writers and take-ins on several connections at once (as servers and workers of one site): a
+// record changed while another connection takes records in is not lost nor taken in twice.
+TEST(RecordIndex, TakeInsBesideWritersLoseNothing) {
+  TestSite site;
+  Records records(site);
+  records.Add(300);
+  std::vector<std::jthread> writers;
+  for (int w = 0; w < 3; ++w)
+    writers.emplace_back([&, w] {
+      auto conn = testing::Connect(site.database());
+      for (int i = 0; i < 150; ++i) {
+        const Variant id(static_cast<int32_t>((i * 7 + w) % 300 + 1));
+        conn->Execute(i % 5 == w ? u"delete from db where id = ?"
+                                 : u"update db set title = title || 'x' where id = ?",
+                      {id});
+        if (i % 4 == 0) TakeInPending(*conn, 1, 20);
+      }
+    });
+  writers.clear();
+  while (TakeInPending(records.conn()) > 0) continue;
+  ExpectSameAsScan(records, {u"x", u"xx", u"功"}, true);
+}
+
 TEST(SearchWords, SimultaneousSearchesOfNewWordsKeepOneRowEach) {
   TestSite site;
   constexpr int kWords = 40, kSearchers = 3;
