@@ -2,9 +2,10 @@
 // last page the pager reaches (page numbers stop at 32767), db_search.asp by title (requests per
 // second and latency with wrk on loopback), the server's memory after each size, a whole-site
 // rebuild (`ostrakan generate`, six category pages) and one gathered entry stored (the
-// ostrakan_bench program beside the binary, when built). Each database is prepared as an
-// operator would: the SQLite site's record index built (`ostrakan reindex`), the PostgreSQL
-// database vacuumed and analyzed after the bulk load. PostgreSQL runs in a throwaway cluster
+// ostrakan_bench program beside the binary, when built); the search once more with 999 records
+// waiting to be taken into the record index (as right after a gather, before a search catches
+// up). Each database is prepared as an operator would: its record index built after the bulk
+// load (`ostrakan reindex`), the PostgreSQL database vacuumed and analyzed. PostgreSQL runs in a throwaway cluster
 // that this script starts in a temporary folder (Unix socket only) and removes at the end.
 // Usage: node bench/pg_vs_sqlite.mjs path/to/ostrakan [seconds] [records...]
 //   e.g. node bench/pg_vs_sqlite.mjs build/release/ostrakan 10 100000 1000000
@@ -51,9 +52,27 @@ const backends = {
     fill: (site, records, uri) => execFileSync('psql', ['-q', uri], {
       input: `${rows(records, "timestamp '2026-01-01' + (i % 300) * interval '1 day'")}
         FROM generate_series(1, ${records}) AS i; ${categories} VACUUM ANALYZE;`,
-    }),
+    }) && execFileSync(binary, ['reindex', '--site', site]),
+    // Statements for the waiting records' search (below).
+    sql: (site, uri, sql) => execFileSync('psql', ['-q', uri], { input: sql }),
   },
 };
+backends.sqlite.sql = (site, uri, sql) =>
+  execFileSync('sqlite3', [join(site, 'data', 'ostrakan.db')], { input: sql });
+
+// Records stored since the record index last took them in: one fewer than a search takes in
+// before it answers (kPendingBatch), new titles that hold the searched word, so that every
+// search reads them all from db. Removed again afterwards, their notes with them (records that
+// the index never held leave nothing in it to take out).
+const waiting = 999;
+const addWaiting = (name) => `INSERT INTO db (title, content, url, source, source_url, click)
+  SELECT '功夫 waiting ' || i, 'waiting', 'waiting.test/' || i, 'waiting', 'waiting.test', 0
+  FROM ${name === 'sqlite' ? `(WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n
+  WHERE i < ${waiting}) SELECT i FROM n)` : `generate_series(1, ${waiting}) AS i`};`;
+const removeWaiting = (name) => `DELETE FROM db WHERE source = 'waiting';` +
+  (name === 'sqlite'
+    ? 'DELETE FROM db_index_pending WHERE indexed = 0 AND id NOT IN (SELECT id FROM db);'
+    : 'SELECT db_gram_take_in(1, 100000, true);');
 
 // Signs in as a browser does: reads the verify picture's digits against body.Fix (digits 9 down
 // to 0, 320 bytes each in rows of 32) and posts the form.
@@ -139,6 +158,12 @@ try {
         const cookie = await signInOverHttp(base, site);
         console.log(`  ${name}: after start ${memory(child.pid)}`);
         for (const [page, path] of pages) console.log(`    ${page.padEnd(24)} ${wrk(base + path, cookie)}`);
+        backend.sql(site, uri, addWaiting(name));
+        try {
+          console.log(`    ${`same, ${waiting} waiting`.padEnd(24)} ${wrk(base + pages[2][1], cookie)}`);
+        } finally {
+          backend.sql(site, uri, removeWaiting(name));
+        }
         console.log(`  ${name}: after the runs ${memory(child.pid)}`);
       } finally {
         child.kill('SIGTERM');

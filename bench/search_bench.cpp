@@ -212,7 +212,7 @@ struct PgData {
                        "create database " + copy + " template " + name);
     testing::ServerSql(testing::ServerUri(copy),
                        "drop trigger db_gram_sync on db; drop trigger db_gram_clear on db; "
-                       "drop table db_gram");
+                       "drop table db_gram; drop function db_gram_take_in");
     plain = site->root() / "data/plain.addr";
     std::ofstream(plain) << testing::ServerUri(copy) << "\n";
     indexed = Data::Open(site->database());

@@ -305,8 +305,8 @@ BEGIN
 END
 $$;
 
--- One row per record of db, its title and description as db holds them (equal as citext); kept
--- in step by the triggers below, whatever writes db.
+-- One row per record of db, its title and description as db held them when the index last
+-- took the record in (equal as citext).
 CREATE TABLE IF NOT EXISTS db_gram (
   id integer PRIMARY KEY,
   title citext,
@@ -315,19 +315,29 @@ CREATE TABLE IF NOT EXISTS db_gram (
 CREATE INDEX IF NOT EXISTS db_gram_title ON db_gram USING gin (db_gram_text(title));
 CREATE INDEX IF NOT EXISTS db_gram_content ON db_gram USING gin (db_gram_text(content));
 
--- Rows added to db and rows removed from it: the count and the index copies, once per statement
--- for all its rows (a statement of one row pays one trigger, a bulk load one set-wise insert).
+-- The records written since the index last took them in: the ids of rows added, removed,
+-- renumbered or given another title or description (an id may be noted more than once). A
+-- write to db only notes its records here, which costs a fraction of keeping the GIN indexes
+-- for each; db_gram_take_in takes them in later, many in one statement, and a search reads
+-- the noted records from db itself meanwhile, so it never misses one nor finds an old text.
+-- No index: a note is one row appended, and a search reads the few waiting ids whole.
+CREATE TABLE IF NOT EXISTS db_gram_pending (
+  id integer NOT NULL
+);
+
+-- Rows added to db and rows removed from it: the count, and the notes for the index, once per
+-- statement for all its rows (a statement of one row pays one trigger, a bulk load one
+-- set-wise insert).
 CREATE OR REPLACE FUNCTION db_rows_added() RETURNS trigger LANGUAGE plpgsql AS $$
 BEGIN
   UPDATE row_count SET n = n + (SELECT count(*) FROM added) WHERE name = 'db';
-  INSERT INTO db_gram (id, title, content) SELECT id, title, content FROM added
-  ON CONFLICT (id) DO UPDATE SET title = EXCLUDED.title, content = EXCLUDED.content;
+  INSERT INTO db_gram_pending (id) SELECT id FROM added;
   RETURN NULL;
 END $$;
 CREATE OR REPLACE FUNCTION db_rows_removed() RETURNS trigger LANGUAGE plpgsql AS $$
 BEGIN
   UPDATE row_count SET n = n - (SELECT count(*) FROM removed) WHERE name = 'db';
-  DELETE FROM db_gram WHERE id IN (SELECT id FROM removed);
+  INSERT INTO db_gram_pending (id) SELECT id FROM removed;
   RETURN NULL;
 END $$;
 CREATE OR REPLACE TRIGGER db_rows_added AFTER INSERT ON db REFERENCING NEW TABLE AS added
@@ -339,7 +349,7 @@ DROP FUNCTION IF EXISTS row_count_added();
 DROP FUNCTION IF EXISTS row_count_removed();
 
 -- A changed title, description or id: row by row, and only for statements that set one of
--- them (a click's update of db.click fires nothing).
+-- them (a click's update of db.click, or a refresh of db.time, fires nothing).
 CREATE OR REPLACE FUNCTION db_gram_sync() RETURNS trigger
 LANGUAGE plpgsql AS $$
 BEGIN
@@ -347,11 +357,10 @@ BEGIN
      AND NEW.content IS NOT DISTINCT FROM OLD.content THEN
     RETURN NULL;  -- equal as citext: the same lower-cased text, the same keys
   END IF;
+  INSERT INTO db_gram_pending (id) VALUES (NEW.id);
   IF NEW.id <> OLD.id THEN
-    DELETE FROM db_gram WHERE id = OLD.id;
+    INSERT INTO db_gram_pending (id) VALUES (OLD.id);
   END IF;
-  INSERT INTO db_gram (id, title, content) VALUES (NEW.id, NEW.title, NEW.content)
-  ON CONFLICT (id) DO UPDATE SET title = EXCLUDED.title, content = EXCLUDED.content;
   RETURN NULL;
 END
 $$;
@@ -361,12 +370,53 @@ ON db FOR EACH ROW EXECUTE FUNCTION db_gram_sync();
 CREATE OR REPLACE FUNCTION db_gram_clear() RETURNS trigger
 LANGUAGE plpgsql AS $$
 BEGIN
-  TRUNCATE db_gram;
+  TRUNCATE db_gram, db_gram_pending;
   RETURN NULL;
 END
 $$;
 CREATE OR REPLACE TRIGGER db_gram_clear AFTER TRUNCATE ON db
 FOR EACH STATEMENT EXECUTE FUNCTION db_gram_clear();
+
+-- Takes up to `most` noted records into the index when at least `at_least` wait, in one
+-- statement: the notes it removes are exactly the ones it takes in (a note made meanwhile, by
+-- a writer that commits later, stays for the next time), and each record's copy becomes what
+-- db holds (none for a record no longer there). Take-ins run one at a time (the advisory lock
+-- 7031854, not the writers' lock, so that writers of db never wait for one): `wait` false
+-- returns 0 at once when another is under way. Returns the number of records taken in.
+CREATE OR REPLACE FUNCTION db_gram_take_in(at_least integer, most integer, wait boolean)
+RETURNS integer LANGUAGE plpgsql AS $$
+DECLARE
+  taken integer;
+BEGIN
+  IF (SELECT count(*) FROM (SELECT 1 FROM db_gram_pending LIMIT at_least) AS w) < at_least THEN
+    RETURN 0;
+  END IF;
+  IF wait THEN
+    PERFORM pg_advisory_xact_lock(7031854);
+  ELSIF NOT pg_try_advisory_xact_lock(7031854) THEN
+    RETURN 0;
+  END IF;
+  -- (A statement of its own, after the lock: it sees every earlier take-in's work.)
+  WITH noted AS (
+    DELETE FROM db_gram_pending
+    WHERE ctid = ANY (ARRAY(SELECT ctid FROM db_gram_pending LIMIT most))
+    RETURNING id
+  ), records AS (
+    SELECT DISTINCT id FROM noted
+  ), gone AS (
+    DELETE FROM db_gram USING records
+    WHERE db_gram.id = records.id AND NOT EXISTS (SELECT 1 FROM db WHERE db.id = records.id)
+  ), copied AS (
+    INSERT INTO db_gram (id, title, content)
+    SELECT db.id, db.title, db.content FROM db JOIN records USING (id)
+    ON CONFLICT (id) DO UPDATE SET title = EXCLUDED.title, content = EXCLUDED.content
+    WHERE db_gram.title IS DISTINCT FROM EXCLUDED.title
+       OR db_gram.content IS DISTINCT FROM EXCLUDED.content
+  )
+  SELECT count(*) INTO taken FROM records;
+  RETURN taken;
+END
+$$;
 
 -- The records of a database made before the index.
 INSERT INTO db_gram (id, title, content)

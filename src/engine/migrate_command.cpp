@@ -13,6 +13,7 @@
 #include "platform/ado/database_copy.h"
 #include "platform/ado/database_file.h"
 #include "platform/ado/pg_backend.h"
+#include "search/record_index.h"
 
 namespace ostrakan::engine {
 namespace {
@@ -91,6 +92,19 @@ int RunMigrate(const MigrateOptions& o, std::ostream& out, std::ostream& err) {
     }
     if (terminal) err << "\r\x1b[K";
     const fs::path kept = Switch(db, o.to);
+    // The copied records wait to be taken into the record index: built at once, it is ready
+    // sooner than taken in by searches a batch at a time. Should that fail, searches still find
+    // every record (reading the waiting ones from db) and `reindex` builds it later.
+    try {
+      if (terminal) err << "record index\r";
+      auto conn = std::make_shared<ado::Connection>();
+      conn->Open(u"DBQ=" + FromUtf8(db.string()) + u";");
+      search::RebuildRecordIndex(*conn);
+      if (terminal) err << "\x1b[K";
+    } catch (const ScriptError& e) {
+      err << "ostrakan migrate: the record index was not built (" << ToUtf8(e.description)
+          << "); run ostrakan reindex --site " << o.site.string() << "\n";
+    }
     long long rows = 0;
     for (const auto& t : tables) {
       out << t.name << ": " << t.rows << " rows, digest " << t.digest << "\n";

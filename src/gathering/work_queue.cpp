@@ -15,6 +15,7 @@
 #include "platform/ado/recordset.h"
 #include "platform/ado/write_transaction.h"
 #include "platform/clock.h"
+#include "search/record_index.h"
 
 namespace ostrakan::gathering {
 namespace {
@@ -276,6 +277,9 @@ WorkSummary WorkQueue(
   while (!stopped()) {
     if (const long long now = WallMs(); now - schedulesLookedAt >= 1000) {
       QueueDueSchedules(conn, now);
+      // The records stored meanwhile are taken into the record index once enough wait, also
+      // while no one searches (a search would read them all from db).
+      search::CatchUp(conn);
       schedulesLookedAt = now;
     }
     if (std::optional<Lease> lease = worker.Take()) {

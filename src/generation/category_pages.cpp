@@ -103,13 +103,15 @@ Markup RecordList(ado::Connection& conn, std::u16string_view name, bool showSour
   // SQLite filters the titles inside its index (click, time, title) as it reads it in order.
   // PostgreSQL would read every row of db for a name that few titles hold: it takes the
   // records whose titles in the record index have the name's keys and pass the LIKE test
-  // instead (or, for a name that most titles hold, reads that index as SQLite does), and
-  // orders equal clicks and times as a backward scan of that index would (title, then id).
+  // (and the records waiting to be taken into it) instead (or, for a name that most titles hold,
+  // reads that index as SQLite does), and orders equal clicks and times as a backward scan of that
+  // index would (title, then id).
   if (search::RecordIndexOf(conn) == search::RecordIndex::kPairs) {
     if (std::optional<search::KeyTest> keys = search::PairKeyTest(name, search::Fields::Title)) {
-      where = u"where id in (select id from db_gram where (" + keys->sql + u") and " +
-              where.substr(6) + u") ";
-      params.insert(params.begin(), keys->params.begin(), keys->params.end());
+      const search::Candidates from = search::PairCandidates(*keys, where.substr(6), params);
+      where = u"where id in (select id " + from.indexed + u" union all select id " + from.waiting +
+              u") ";
+      params = from.params;
       order += u",title desc,id desc";
     }
   }

@@ -1,9 +1,8 @@
-// Upkeep of the record index. On SQLite (db_index, FTS5), writes to db only note the changed
-// records in db_index_pending (triggers; cheap, and no tokenizer needed); the index takes them
-// in here, many in one transaction, which costs a fraction of indexing each record as it is
-// stored. Searches look at the waiting records directly, so they never miss one. On
-// PostgreSQL (db_gram, schema.pg.sql) triggers keep the index in step as db is written, and
-// nothing waits.
+// Upkeep of the record index: SQLite's db_index (FTS5) and PostgreSQL's db_gram (schema.pg.sql).
+// Writes to db only note the changed records (db_index_pending, db_gram_pending; triggers,
+// cheap, and on SQLite no tokenizer needed); the index takes them in here, many in one
+// transaction, which costs a fraction of indexing each record as it is stored. Searches look
+// at the waiting records directly, so they never miss one nor find an old text.
 #pragma once
 
 #include "platform/ado/connection.h"
@@ -20,17 +19,20 @@ inline bool HasRecordIndex(ado::Connection& conn) {
   return RecordIndexOf(conn) != RecordIndex::kNone;
 }
 
-// Takes up to `limit` waiting records into SQLite's index, in one write transaction, when at
-// least `atLeast` are waiting; returns how many it took.
+// Takes up to `limit` waiting records into the index, in one transaction, when at least
+// `atLeast` are waiting; returns how many it took. On SQLite it holds the write lock; on
+// PostgreSQL writers go on meanwhile (what they write waits for the next take-in) and take-ins
+// run one after another.
 long TakeInPending(ado::Connection& conn, long atLeast = 1, long limit = 100000);
 
-// What a search does first: takes the waiting records in when kPendingBatch or more wait. A
+// What a search does first: takes the waiting records in when kPendingBatch or more wait (on
+// PostgreSQL, at most some thousands, and nothing while another take-in is under way). A
 // failure to write is ignored (the search does not need it).
 void CatchUp(ado::Connection& conn);
 
 // Rebuilds the index from every row of db, in one transaction (readers see the old index
-// until it commits; on PostgreSQL writers to db wait for it), and forgets the waiting
-// records. Returns the number of records indexed.
+// until it commits; on PostgreSQL writers to db and take-ins wait for it), and forgets the
+// waiting records. Returns the number of records indexed.
 long RebuildRecordIndex(ado::Connection& conn);
 
 }  // namespace ostrakan::search

@@ -33,19 +33,17 @@ bool HasLoneSurrogate(std::u16string_view word) {
   return false;
 }
 
-// The PostgreSQL condition: the records whose copy in db_gram has the keys of every literal
-// piece in one of the searched fields (see db_gram_text in schema.pg.sql) and passes the LIKE
-// test there. The keys are made in the database, by the same lower() as LIKE's. The count
-// reads db_gram alone; a page gathers the ids into an array first, so that its rows are read
-// newest first through db's key, only as many as it shows.
+// The PostgreSQL condition: the records that PairCandidates offers. The count adds up its two
+// parts apart, the indexed copies without reading db; a page gathers the ids into an array
+// first, so that its rows are read newest first through db's key, only as many as it shows.
 void ThroughPairs(Condition& c, const KeyTest& keys) {
-  const std::u16string test = u"(" + keys.sql + u") and " + c.where.substr(6);
-  ado::Params params = keys.params;
-  params.insert(params.end(), c.params.begin(), c.params.end());
-  c.where = u"where id = any (array(select id from db_gram where " + test + u"))";
-  c.count = u"select count(*) as db_count from db_gram where " + test;
-  c.params = params;
-  c.countParams = std::move(params);
+  const Candidates from = PairCandidates(keys, c.where.substr(6), c.params);
+  c.where = u"where id = any (array(select id " + from.indexed + u" union all select id " +
+            from.waiting + u"))";
+  c.count = u"select (select count(*) " + from.indexed + u") + (select count(*) " + from.waiting +
+            u") as db_count";
+  c.params = from.params;
+  c.countParams = from.params;
 }
 
 }  // namespace
@@ -108,6 +106,22 @@ std::optional<KeyTest> PairKeyTest(std::u16string_view word, Fields fields) {
   if (fields != Fields::Content) add(u"title");
   if (fields != Fields::Title) add(u"content");
   return test;
+}
+
+Candidates PairCandidates(const KeyTest& keys, std::u16string_view like,
+                          const ado::Params& likeParams) {
+  // A waiting record's copy may hold an old text, or none, or one of a record since removed:
+  // it is left out, and the record is tested as db holds it (the waiting ids are few, and read
+  // whole, once per statement).
+  Candidates c;
+  c.indexed = u"from db_gram where (" + keys.sql + u") and " + std::u16string(like) +
+              u" and id not in (select id from db_gram_pending)";
+  c.waiting =
+      u"from db where id = any (array(select id from db_gram_pending)) and " + std::u16string(like);
+  c.params = keys.params;
+  c.params.insert(c.params.end(), likeParams.begin(), likeParams.end());
+  c.params.insert(c.params.end(), likeParams.begin(), likeParams.end());
+  return c;
 }
 
 Condition ContainsWord(std::u16string_view word, Fields fields, RecordIndex index) {

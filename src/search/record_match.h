@@ -21,7 +21,8 @@ enum class Fields { TitleOrContent, Title, Content };
 
 // The record index a database has: none (a database made before the index, whose searches
 // scan db), SQLite's token index (db_index) or PostgreSQL's table of character pairs
-// (db_gram, the titles and descriptions under indexes of their keys).
+// (db_gram, the titles and descriptions under indexes of their keys, with the records waiting
+// in db_gram_pending to be taken in).
 enum class RecordIndex { kNone, kTokens, kPairs };
 
 // The FTS5 expression for `word` on db_index: the literal pieces between its wildcards, each
@@ -41,6 +42,20 @@ struct KeyTest {
   ado::Params params;
 };
 std::optional<KeyTest> PairKeyTest(std::u16string_view word, Fields fields);
+
+// PostgreSQL: where the records whose title and description pass `like` (a test on title and
+// content, with its values `likeParams`) are found through the index: `indexed`, "from
+// db_gram where ..." (the copies that have the keys, pass the test and do not wait to be
+// taken in), and `waiting`, "from db where ..." (the records waiting, tested as db holds them).
+// The two never share a record; together they are exactly the records that pass. `params`
+// are the values of indexed and then of waiting.
+struct Candidates {
+  std::u16string indexed;
+  std::u16string waiting;
+  ado::Params params;
+};
+Candidates PairCandidates(const KeyTest& keys, std::u16string_view like,
+                          const ado::Params& likeParams);
 
 // A "where ..." clause of a statement on db and the values bound to its marks, in order; and
 // the statement that counts its rows (one column, db_count) with its values.
